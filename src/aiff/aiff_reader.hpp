@@ -1,0 +1,31 @@
+// Reads an AIFF or AIFF-C file: strict about the sample format, lenient with markers and
+// instrument, whose damage never costs more than the damaged chunk.
+#pragma once
+
+#include <vector>
+
+#include "aiff/aiff_format.hpp"
+#include "vocabulary/bytes.hpp"
+
+namespace corvana {
+
+/// Reads the complete content of a file. Chunks may come in any order; of a chunk that occurs
+/// twice the later one counts. Fails with a ConversionError.
+AiffInfo parseAiff(ByteView file);
+
+/// The COMM chunk. Fields as in AiffInfo.
+struct CommonChunk {
+  std::uint16_t channels = 0;
+  std::uint32_t frameCount = 0;
+  std::uint16_t sampleSize = 0;
+  double sampleRate = 0;
+  bool littleEndian = false;
+};
+/// `isAIFC`: the form type is "AIFC", so a compression type follows. Fails with missingComm or
+/// unsupported.
+CommonChunk parseCommonChunk(ByteView body, bool isAIFC);
+
+/// Never fails: a marker count beyond the body is cut, a name cut by its end is used as it is.
+std::vector<AiffMarker> parseMarkerChunk(ByteView body);
+
+}  // namespace corvana

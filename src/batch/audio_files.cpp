@@ -1,0 +1,73 @@
+#include "batch/audio_files.hpp"
+
+#include <algorithm>
+#include <string>
+#include <system_error>
+
+#include "platform/folders.hpp"
+
+namespace corvana {
+namespace {
+
+namespace fs = std::filesystem;
+
+bool isInput(const fs::path& candidate, const fs::path& input, const FileIdentity& inputIdentity) {
+  return candidate.lexically_normal() == input.lexically_normal() ||
+         identityOf(candidate) == inputIdentity;
+}
+
+}  // namespace
+
+bool hasAudioExtension(std::string_view path) {
+  const std::string_view name = path.substr(path.rfind('/') + 1);
+  const std::size_t dot = name.rfind('.');
+  if (dot == std::string_view::npos || dot == 0) return false;
+  const std::string_view extension = name.substr(dot + 1);
+  const auto matches = [&](std::string_view known) {
+    return std::equal(extension.begin(), extension.end(), known.begin(), known.end(),
+                      [](char letter, char lower) {
+                        return (letter >= 'A' && letter <= 'Z' ? letter - 'A' + 'a' : letter) ==
+                               lower;
+                      });
+  };
+  return std::any_of(std::begin(audioExtensions), std::end(audioExtensions), matches);
+}
+
+std::vector<fs::path> collectAudioFiles(const std::vector<fs::path>& urls) {
+  std::vector<fs::path> files;
+  const auto addFile = [&files](std::string_view path) {
+    if (hasAudioExtension(path)) files.emplace_back(path);
+  };
+  const auto enterFolder = [](std::string_view name) {
+    const bool isOutput = std::find(std::begin(outputFolderNames), std::end(outputFolderNames),
+                                    name) != std::end(outputFolderNames);
+    return isOutput ? Descend::no : Descend::yes;
+  };
+  for (const fs::path& url : urls) {
+    std::error_code error;
+    const fs::file_status status = fs::status(url, error);
+    if (!fs::exists(status)) continue;
+    if (fs::is_directory(status)) {
+      searchFolder(url, {addFile, enterFolder});
+    } else {
+      addFile(url.native());
+    }
+  }
+  return files;
+}
+
+fs::path makeOutputURL(const fs::path& input, const FileIdentity& inputIdentity, bool isAIFF,
+                       bool useSubfolder, bool overwrite) {
+  fs::path folder = input.parent_path();
+  if (useSubfolder) folder /= isAIFF ? "WAV" : "AIFF";
+  const std::string baseName = input.stem().native();
+  const std::string extension = isAIFF ? ".wav" : ".aif";
+  fs::path candidate = folder / (baseName + extension);
+  for (std::uint64_t n = 1; nameExists(candidate); ++n) {
+    if (overwrite && !isInput(candidate, input, inputIdentity)) break;
+    candidate = folder / (baseName + " (" + std::to_string(n) + ")" + extension);
+  }
+  return candidate;
+}
+
+}  // namespace corvana

@@ -1,0 +1,114 @@
+#include "batch/batch_driver.hpp"
+
+#include <cerrno>
+#include <utility>
+
+#include "batch/audio_files.hpp"
+#include "batch/detect_format.hpp"
+#include "convert/aiff_to_wav.hpp"
+#include "convert/wav_to_aiff.hpp"
+#include "platform/texts.hpp"
+#include "vocabulary/errors.hpp"
+
+namespace corvana {
+namespace {
+
+namespace fs = std::filesystem;
+
+std::string successEntry(const std::string& fileName, const ConversionResult& result) {
+  std::string entry =
+      fileName + " => " + result.outputURL.filename().native() + "  [" + result.summary + "]";
+  for (const std::string& warning : result.warnings)
+    entry += "\n   ⚠\uFE0E " + warning;
+  return entry;
+}
+
+std::string failureEntry(const std::string& fileName, const std::string& message) {
+  return "✗ " + fileName + ": " + message;
+}
+
+}  // namespace
+
+BatchDriver::BatchDriver(BatchView& view, MainQueue& mainQueue)
+    : view_(view), mainQueue_(mainQueue), workQueue_("corvana.convert") {}
+
+BatchDriver::~BatchDriver() {
+  stop();
+}
+
+void BatchDriver::processURLs(const std::vector<fs::path>& urls) {
+  std::vector<fs::path> files = collectAudioFiles(urls);
+  if (files.empty()) {
+    appendLog(localised("No WAV or AIFF files found."));
+    return;
+  }
+  const Options options{view_.useSubfolder(), view_.overwriteExisting()};
+  totalFiles_ += static_cast<std::int64_t>(files.size());
+  view_.setProgress(static_cast<double>(finishedFiles_) / static_cast<double>(totalFiles_));
+  workQueue_.async([this, files = std::move(files), options] { convertFiles(files, options); });
+}
+
+void BatchDriver::convertFiles(const std::vector<fs::path>& files, Options options) {
+  for (const fs::path& file : files) {
+    if (stopped_) break;
+    convertFile(file, options);
+  }
+  if (stopped_) mainQueue_.post([this] { totalFiles_ = finishedFiles_ = 0; });
+}
+
+void BatchDriver::convertFile(const fs::path& url, Options options) {
+  const std::string fileName = url.filename().native();
+  mainQueue_.post([this, status = fillText(localised("Converting %@ …"), {fileName})] {
+    view_.setStatus(status);
+  });
+  FileReport report;
+  try {
+    const InputFile input(url);
+    const bool isAIFF = detectFormat(input.bytes());
+    const OutputTarget output{
+        makeOutputURL(url, input.identity(), isAIFF, options.useSubfolder, options.overwrite),
+        options.overwrite, input.identity()};
+    const ProgressHandler progress = [&](double fraction) {
+      // A file whose samples are all written is finished rather than left without its end.
+      if (stopped_ && fraction < 1.0)
+        throw FileError(ECANCELED, localised("Stopped – '%1$@' is incomplete."), output.url);
+      reportProgress(fraction);
+    };
+    const ConversionResult result = isAIFF ? convertAIFFToWAV(input, output, progress)
+                                           : convertWAVToAIFF(input, output, progress);
+    report = {successEntry(fileName, result), true};
+  } catch (const ConversionError& error) {
+    report.entry = failureEntry(fileName, error.errorDescription());
+  } catch (const std::exception& error) {
+    report.entry = failureEntry(fileName, error.what());
+  }
+  mainQueue_.post([this, report = std::move(report)] { fileFinished(report); });
+}
+
+void BatchDriver::reportProgress(double fraction) {
+  mainQueue_.post([this, fraction] {
+    if (totalFiles_ >= 1)
+      view_.setProgress((fraction + static_cast<double>(finishedFiles_)) /
+                        static_cast<double>(totalFiles_));
+  });
+}
+
+void BatchDriver::fileFinished(const FileReport& report) {
+  ++finishedFiles_;
+  if (!report.converted) ++failedFiles_;
+  appendLog(report.entry);
+  if (totalFiles_ >= 1)
+    view_.setProgress(static_cast<double>(finishedFiles_) / static_cast<double>(totalFiles_));
+  if (finishedFiles_ < totalFiles_) return;
+  view_.setStatus(
+      localisedCount("Done – %ld file processed.", "Done – %ld files processed.", finishedFiles_));
+  view_.setProgress(1.0);
+  totalFiles_ = 0;
+  finishedFiles_ = 0;
+}
+
+void BatchDriver::appendLog(const std::string& entry) {
+  view_.appendLog(entry);
+}
+
+}  // namespace corvana

@@ -1,0 +1,78 @@
+// Converts lists of files and folders one after another on a work queue and keeps its window
+// (or terminal) up to date: log, status line, progress.
+#pragma once
+
+#include <atomic>
+#include <cstdint>
+#include <filesystem>
+#include <string>
+#include <vector>
+
+#include "platform/queues.hpp"
+
+namespace corvana {
+
+/// What the driver needs of a window. Everything is called on the main thread.
+class BatchView {
+ public:
+  virtual ~BatchView() = default;
+  virtual bool useSubfolder() const = 0;       ///< option: write into a subfolder
+  virtual bool overwriteExisting() const = 0;  ///< option: replace existing files
+  virtual void setStatus(const std::string& text) = 0;
+  virtual void setProgress(double fraction) = 0;  ///< 0.0 to 1.0
+  /// One entry, which may span several lines; a line feed is to follow it.
+  virtual void appendLog(const std::string& entry) = 0;
+};
+
+/// The log entry of one finished file.
+struct FileReport {
+  std::string entry;
+  bool converted = false;
+};
+
+/// Everything runs on the main thread unless said otherwise.
+class BatchDriver {
+ public:
+  /// `view` and `mainQueue` outlive the driver.
+  BatchDriver(BatchView& view, MainQueue& mainQueue);
+  /// Stops first.
+  ~BatchDriver();
+
+  /// The one entry of a batch: expands files and folders and queues their conversion with the
+  /// option states of this moment.
+  void processURLs(const std::vector<std::filesystem::path>& urls);
+
+  /// No further file is started, and the one being converted ends after its current block as a
+  /// failed file. Any thread.
+  void stop() { stopped_ = true; }
+
+  /// Files accepted, and files finished, since the last run ended; both 0 between runs.
+  std::int64_t totalFiles() const { return totalFiles_; }
+  std::int64_t finishedFiles() const { return finishedFiles_; }
+  /// Files that could not be converted since the start.
+  std::int64_t failedFiles() const { return failedFiles_; }
+
+ private:
+  struct Options {
+    bool useSubfolder;
+    bool overwrite;
+  };
+
+  // On the work queue.
+  void convertFiles(const std::vector<std::filesystem::path>& files, Options options);
+  void convertFile(const std::filesystem::path& url, Options options);
+  void reportProgress(double fraction);
+
+  void fileFinished(const FileReport& report);
+  void appendLog(const std::string& entry);
+
+  BatchView& view_;
+  MainQueue& mainQueue_;
+  std::int64_t totalFiles_ = 0;
+  std::int64_t finishedFiles_ = 0;
+  std::int64_t failedFiles_ = 0;
+  std::atomic<bool> stopped_ = false;
+  SerialQueue workQueue_;  // last: its thread ends before the rest does
+};
+
+}  // namespace corvana

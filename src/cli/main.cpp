@@ -1,0 +1,148 @@
+// corvana-cli: converts files and folders from the command line.
+
+#include <CLI/CLI.hpp>
+#include <csignal>
+#include <cstdio>
+#include <fcntl.h>
+#include <filesystem>
+#include <optional>
+#include <string>
+#include <system_error>
+#include <unistd.h>
+#include <vector>
+
+#include "batch/batch_driver.hpp"
+#include "cli/interrupts.hpp"
+#include "cli/terminal_view.hpp"
+#include "platform/bundle_info.hpp"
+#include "platform/queues.hpp"
+#include "platform/texts.hpp"
+
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr int statusFailed = 1;
+constexpr int statusWrongUsage = 2;
+
+constexpr const char* description =
+    "Converts sampled instruments between WAV and AIFF, in both directions, and keeps their\n"
+    "loops, markers, cue points, root key, tuning, gain, key and velocity ranges. What the\n"
+    "other format cannot hold is reported, file by file.";
+
+constexpr const char* footer =
+    "Each output is written beside its input: song.wav becomes song.aif, song.aiff becomes\n"
+    "song.wav. An existing file is never replaced unless --overwrite is given; the output is\n"
+    "then called \"song (1).aif\", \"song (2).aif\" and so on. Inputs are never changed.\n"
+    "Folders are searched in depth for .wav, .wave, .aif, .aiff and .aifc files; hidden files,\n"
+    "packages and subfolders named AIFF or WAV are left out.\n"
+    "\n"
+    "Standard output carries the log, one entry a file; standard error status and progress.\n"
+    "\n"
+    "Exit status: 0 every file was converted; 1 a file failed, a path does not exist, or\n"
+    "nothing was found to convert; 2 wrong usage; 130 or 143 interrupted.\n"
+    "\n"
+    "Examples:\n"
+    "  corvana-cli piano.wav                      one file\n"
+    "  corvana-cli --subfolder Samples/           a whole folder, outputs in AIFF/ and WAV/\n"
+    "  corvana-cli --overwrite *.aif > log.txt    replace older outputs, keep the log\n";
+
+struct Arguments {
+  corvana::TerminalOptions options;
+  std::vector<std::string> paths;
+};
+
+/// The parser takes "[a,b]" for a list. Every option is a flag, so an argument that starts with
+/// a bracket is a path, and means the same with "./" in front.
+std::vector<std::string> protectBrackets(int count, char** arguments) {
+  std::vector<std::string> result;
+  for (int i = count - 1; i > 0; --i) {  // the parser wants them last one first
+    const std::string argument = arguments[i];
+    result.push_back(argument.starts_with('[') ? "./" + argument : argument);
+  }
+  return result;
+}
+
+/// The arguments, or the exit status where there is nothing to convert.
+std::optional<int> parseArguments(int count, char** values, Arguments& arguments) {
+  CLI::App app(description, "corvana-cli");
+  app.footer(footer);
+  app.set_version_flag(
+      "--version",
+      "corvana-cli " + corvana::bundleValue(corvana::mainBundleInfo(), corvana::bundleVersionKey));
+  app.add_flag("--subfolder", arguments.options.useSubfolder,
+               "Write into a subfolder named after the output format, AIFF or WAV");
+  app.add_flag("--overwrite", arguments.options.overwriteExisting,
+               "Replace existing outputs instead of choosing a numbered name");
+  app.add_flag("--quiet", arguments.options.quiet, "Show neither status nor progress");
+  app.add_option("PATH", arguments.paths, "Files and folders to convert")
+      ->required()
+      ->type_name("")
+      ->option_text("...");
+  try {
+    app.parse(protectBrackets(count, values));
+  } catch (const CLI::ParseError& error) {
+    return app.exit(error) == 0 ? 0 : statusWrongUsage;
+  }
+  return std::nullopt;
+}
+
+/// Names every path that does not exist. Whether there was one.
+bool reportMissing(const std::vector<fs::path>& paths) {
+  bool isMissing = false;
+  for (const fs::path& path : paths) {
+    std::error_code error;
+    if (fs::exists(path, error)) continue;
+    isMissing = true;
+    const std::string reason =
+        error ? error.message()
+              : std::make_error_code(std::errc::no_such_file_or_directory).message();
+    std::fprintf(stderr, "corvana-cli: %s: %s\n", corvana::readableText(path.native()).c_str(),
+                 reason.c_str());
+  }
+  return isMissing;
+}
+
+/// A program started with a closed standard stream would give its number to the next file it
+/// opens, and the log would end up in somebody's samples.
+void reserveStandardStreams() {
+  int descriptor = ::open("/dev/null", O_RDWR);
+  while (descriptor >= 0 && descriptor <= STDERR_FILENO)
+    descriptor = ::dup(descriptor);
+  if (descriptor >= 0) ::close(descriptor);
+}
+
+int convert(const Arguments& arguments) {
+  const std::vector<fs::path> paths(arguments.paths.begin(), arguments.paths.end());
+  bool failed = reportMissing(paths);
+
+  corvana::RunLoop mainQueue;
+  corvana::TerminalView view(arguments.options);
+  corvana::holdInterrupts();
+  corvana::BatchDriver driver(view, mainQueue);
+  const corvana::InterruptWatcher interrupts([&driver] { driver.stop(); });
+
+  driver.processURLs(paths);
+  if (driver.totalFiles() == 0) failed = true;
+  mainQueue.runUntil([&] { return driver.totalFiles() == 0; });
+  view.finish();
+
+  if (driver.failedFiles() > 0) failed = true;
+  if (!view.logIsComplete()) {
+    std::fprintf(stderr, "corvana-cli: the log could not be written completely\n");
+    failed = true;
+  }
+  if (interrupts.exitStatus() != 0) return interrupts.exitStatus();
+  return failed ? statusFailed : 0;
+}
+
+}  // namespace
+
+int main(int argumentCount, char** argumentValues) {
+  reserveStandardStreams();
+  std::signal(SIGPIPE, SIG_IGN);  // a reader that went away is a failed write, not the end
+  corvana::useSystemLanguage(corvana::runningProgramFolder());
+  Arguments arguments;
+  if (const auto status = parseArguments(argumentCount, argumentValues, arguments)) return *status;
+  return convert(arguments);
+}

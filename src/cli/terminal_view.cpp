@@ -1,0 +1,97 @@
+#include "cli/terminal_view.hpp"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <cstdio>
+#include <sys/ioctl.h>
+#include <unistd.h>
+
+#include "platform/texts.hpp"
+
+namespace corvana {
+namespace {
+
+constexpr std::chrono::milliseconds redrawInterval{50};
+constexpr int barWidth = 24;
+constexpr const char* eraseLine = "\r\x1b[K";
+
+std::size_t terminalWidth() {
+  winsize size{};
+  if (::ioctl(STDERR_FILENO, TIOCGWINSZ, &size) != 0 || size.ws_col == 0) return 80;
+  return size.ws_col;
+}
+
+/// The first `count` characters of a UTF-8 text.
+std::string firstCharacters(const std::string& text, std::size_t count) {
+  std::size_t end = 0;
+  while (end < text.size()) {
+    const bool startsCharacter = (static_cast<unsigned char>(text[end]) & 0xC0U) != 0x80U;
+    if (startsCharacter && count-- == 0) break;
+    ++end;
+  }
+  return text.substr(0, end);
+}
+
+std::string oneLine(std::string text) {
+  std::replace(text.begin(), text.end(), '\n', ' ');
+  return text;
+}
+
+std::string progressBar(double fraction) {
+  std::string bar(barWidth, '.');
+  std::fill_n(bar.begin(), std::lround(fraction * barWidth), '#');
+  std::array<char, 8> percent{};
+  std::snprintf(percent.data(), percent.size(), "%3d", static_cast<int>(fraction * 100));
+  return "[" + bar + "] " + percent.data() + " %  ";
+}
+
+}  // namespace
+
+TerminalView::TerminalView(const TerminalOptions& options)
+    : options_(options),
+      logOnTerminal_(::isatty(STDOUT_FILENO) != 0),
+      drawsProgress_(!options.quiet && ::isatty(STDERR_FILENO) != 0) {}
+
+void TerminalView::setStatus(const std::string& text) {
+  status_ = text;
+  draw();
+}
+
+void TerminalView::setProgress(double fraction) {
+  progress_ = std::clamp(fraction, 0.0, 1.0);
+  draw();
+}
+
+void TerminalView::appendLog(const std::string& entry) {
+  if (logOnTerminal_) erase();
+  // Exact bytes for programs; on a screen a file name must not act as a control sequence.
+  const std::string line = (logOnTerminal_ ? readableText(entry) : entry) + "\n";
+  if (std::fwrite(line.data(), 1, line.size(), stdout) != line.size() || std::fflush(stdout) != 0)
+    logIsComplete_ = false;
+}
+
+void TerminalView::finish() {
+  erase();
+  if (!options_.quiet && !status_.empty())
+    std::fprintf(stderr, "%s\n", readableText(status_).c_str());
+}
+
+void TerminalView::draw() {
+  const auto now = std::chrono::steady_clock::now();
+  if (!drawsProgress_ || now - lastDrawn_ < redrawInterval) return;
+  lastDrawn_ = now;
+  const std::string line = progressBar(progress_) + oneLine(readableText(status_));
+  std::fprintf(stderr, "%s%s", eraseLine, firstCharacters(line, terminalWidth() - 1).c_str());
+  std::fflush(stderr);
+  isDrawn_ = true;
+}
+
+void TerminalView::erase() {
+  if (!isDrawn_) return;
+  std::fputs(eraseLine, stderr);
+  std::fflush(stderr);
+  isDrawn_ = false;
+}
+
+}  // namespace corvana

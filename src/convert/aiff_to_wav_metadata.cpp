@@ -1,0 +1,136 @@
+#include "convert/aiff_to_wav_metadata.hpp"
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+#include <set>
+#include <string>
+
+#include "platform/texts.hpp"
+
+namespace corvana {
+namespace {
+
+constexpr int mostCents = 50;  ///< of detune, either way
+
+/// Where the marker of this ID lies, at most at the end of the sound data. The later of two
+/// markers with the same ID counts.
+std::optional<std::uint32_t> positionOf(std::int16_t id, const std::vector<AiffMarker>& markers,
+                                        std::uint32_t framesUsed) {
+  const auto found = std::find_if(markers.rbegin(), markers.rend(),
+                                  [id](const AiffMarker& marker) { return marker.id == id; });
+  if (found == markers.rend()) return std::nullopt;
+  return std::min(found->position, framesUsed);
+}
+
+std::uint32_t loopTypeOf(std::int16_t playMode, const std::string& name, Warnings& warnings) {
+  if (playMode == play_mode::forwardBackward) return loop_type::alternating;
+  if (playMode != play_mode::forward)
+    warnings.push_back(
+        fillText(localised("%@: unknown play mode %@ – converted to a forward loop."),
+                 {name, decimalText(std::int64_t{playMode})}));
+  return loop_type::forward;
+}
+
+/// Absent when the loop is off or, with a warning, cannot be used.
+std::optional<SampleLoop> mapLoop(const AiffLoop& loop, const std::string& name,
+                                  const std::vector<AiffMarker>& markers, std::uint32_t framesUsed,
+                                  Warnings& warnings) {
+  if (loop.playMode == play_mode::none) return std::nullopt;
+  const auto start = positionOf(loop.beginMarker, markers, framesUsed);
+  const auto end = positionOf(loop.endMarker, markers, framesUsed);
+  if (!start || !end) {
+    warnings.push_back(
+        fillText(localised("%@: the associated markers are missing – skipped."), {name}));
+    return std::nullopt;
+  }
+  if (*end <= *start) {
+    warnings.push_back(
+        fillText(localised("%@ is invalid (start %@, end %@) – skipped."),
+                 {name, decimalText(std::int64_t{*start}), decimalText(std::int64_t{*end})}));
+    return std::nullopt;
+  }
+  SampleLoop mapped;
+  mapped.type = loopTypeOf(loop.playMode, name, warnings);
+  mapped.start = *start;
+  mapped.end = *end - 1;  // WAV names the last frame of the loop, AIFF the point behind it
+  return mapped;
+}
+
+struct UnityNote {
+  std::uint32_t note = 0;
+  int cents = 0;  ///< that the recording lies above the note
+};
+
+/// AIFF detune corrects the pitch on playback; a recording that has to be raised lies below its
+/// base note, which WAV can only say as so many cents above the note beneath.
+UnityNote unityNoteOf(const AiffInstrument& instrument, std::uint8_t note) {
+  const int detune = instrument.detune;
+  if (detune <= 0) return {note, std::min(-detune, mostCents)};
+  // Below note 0 there is none; the correction is lost.
+  if (instrument.baseNote <= 0) return {note, 0};
+  return {note - 1U, 100 - std::min(detune, mostCents)};
+}
+
+std::uint32_t pitchFractionOf(int cents) {
+  constexpr double most = std::numeric_limits<std::uint32_t>::max();
+  return static_cast<std::uint32_t>(std::min(std::round(cents / 100.0 * 4294967296.0), most));
+}
+
+std::uint8_t noteField(std::int8_t note) {
+  return static_cast<std::uint8_t>(std::max<int>(note, 0));
+}
+
+std::uint8_t velocityField(std::int8_t velocity) {
+  return static_cast<std::uint8_t>(std::max<int>(velocity, 1));
+}
+
+void mapInstrument(const AiffInstrument& instrument, WavMetadata& metadata, Warnings& warnings) {
+  InstrumentChunk chunk;
+  chunk.unshiftedNote = noteField(instrument.baseNote);
+  chunk.fineTune =
+      static_cast<std::int8_t>(std::clamp<int>(instrument.detune, -mostCents, mostCents));
+  chunk.gain = static_cast<std::int8_t>(std::clamp<int>(instrument.gain, -128, 127));
+  chunk.lowNote = noteField(instrument.lowNote);
+  chunk.highNote = noteField(instrument.highNote);
+  chunk.lowVelocity = velocityField(instrument.lowVelocity);
+  chunk.highVelocity = velocityField(instrument.highVelocity);
+  if (chunk.gain != instrument.gain)
+    warnings.push_back(
+        fillText(localised("A gain of %@ dB does not fit into the WAV inst chunk – clamped."),
+                 {decimalText(std::int64_t{instrument.gain})}));
+
+  const UnityNote unity = unityNoteOf(instrument, chunk.unshiftedNote);
+  metadata.instrument = chunk;
+  metadata.unityNote = unity.note;
+  metadata.pitchFraction = pitchFractionOf(unity.cents);
+  metadata.rootKey = chunk.unshiftedNote;
+  metadata.fineTune = chunk.fineTune;
+}
+
+}  // namespace
+
+WavMetadata mapLoopsAndMarkers(const AiffInfo& info, std::uint32_t framesUsed, Warnings& warnings) {
+  WavMetadata metadata;
+  std::set<std::int16_t> usedMarkers;
+  const auto addLoop = [&](const AiffLoop& loop, const std::string& name) {
+    std::optional<SampleLoop> mapped = mapLoop(loop, name, info.markers, framesUsed, warnings);
+    if (!mapped) return;
+    mapped->cueID = static_cast<std::uint32_t>(metadata.loops.size());
+    metadata.loops.push_back(*mapped);
+    usedMarkers.insert({loop.beginMarker, loop.endMarker});
+  };
+  if (info.instrument) {
+    addLoop(info.instrument->sustainLoop, localised("Sustain loop"));
+    addLoop(info.instrument->releaseLoop, localised("Release loop"));
+  }
+  for (const AiffMarker& marker : info.markers) {
+    if (usedMarkers.contains(marker.id) || marker.position > framesUsed) continue;
+    const auto id = static_cast<std::uint32_t>(metadata.cuePoints.size() + 1);
+    metadata.cuePoints.push_back({id, marker.position});
+  }
+  if (info.instrument) mapInstrument(*info.instrument, metadata, warnings);
+  return metadata;
+}
+
+}  // namespace corvana

@@ -1,0 +1,24 @@
+// Moves the bytes of samples between the byte orders of the two formats.
+#pragma once
+
+#include <cstdint>
+#include <span>
+
+#include "vocabulary/bytes.hpp"
+
+namespace corvana {
+
+/// How the bytes of a sample change on the way.
+struct SampleConversion {
+  std::uint32_t sourceWidth = 1;  ///< bytes per sample in the input, 1 to 4
+  std::uint32_t outputWidth = 1;  ///< bytes per sample in the output, at most sourceWidth
+  bool reverseBytes = true;       ///< the byte orders differ
+};
+
+/// Converts as many samples as `output` holds. Where the output is narrower, the least
+/// significant bytes of the (then little-endian) source are dropped. Single-byte samples change
+/// between signed and unsigned instead: their top bit is inverted.
+void convertSamples(const SampleConversion& conversion, ByteView source,
+                    std::span<std::uint8_t> output);
+
+}  // namespace corvana

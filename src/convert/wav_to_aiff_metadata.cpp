@@ -1,0 +1,158 @@
+#include "convert/wav_to_aiff_metadata.hpp"
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+#include <string>
+#include <unordered_set>
+
+#include "platform/texts.hpp"
+
+namespace corvana {
+namespace {
+
+/// Marker IDs are positive signed 16-bit numbers; the highest is never given out.
+constexpr std::size_t markerIDLimit = std::numeric_limits<std::int16_t>::max();
+constexpr std::uint32_t highestNote = 127;
+constexpr int mostCents = 50;  ///< of detune, either way
+
+std::string decimal(std::uint32_t number) {
+  return decimalText(std::int64_t{number});
+}
+
+/// IDs are consecutive, so the list tells the next one.
+std::size_t nextMarkerID(const std::vector<AiffMarker>& markers) {
+  return markers.size() + 1;
+}
+
+std::int16_t addMarker(std::vector<AiffMarker>& markers, std::uint32_t position,
+                       const std::string& name) {
+  const auto id = static_cast<std::int16_t>(nextMarkerID(markers));
+  markers.push_back({id, position, name});
+  return id;
+}
+
+std::int16_t playModeOf(const SampleLoop& loop, const std::string& number, Warnings& warnings) {
+  switch (loop.type) {
+    case loop_type::forward:
+      return play_mode::forward;
+    case loop_type::alternating:
+      return play_mode::forwardBackward;
+    case loop_type::backward:
+      warnings.push_back(
+          fillText(localised("Loop %@: AIFF has no backward loops – converted to a forward loop."),
+                   {number}));
+      return play_mode::forward;
+    default:
+      warnings.push_back(
+          fillText(localised("Loop %@: unknown loop type %@ – converted to a forward loop."),
+                   {number, decimal(loop.type)}));
+      return play_mode::forward;
+  }
+}
+
+void mapLoops(const std::vector<SampleLoop>& loops, std::uint32_t frameCount,
+              AiffMetadata& metadata, Warnings& warnings) {
+  for (std::size_t index = 0; index < loops.size(); ++index) {
+    const SampleLoop& loop = loops[index];
+    const std::string number = std::to_string(index + 1);
+    const std::uint32_t start = std::min(loop.start, frameCount);
+    // WAV names the last frame of the loop, AIFF the point behind it.
+    const std::uint32_t end = loop.end < frameCount ? loop.end + 1 : frameCount;
+    if (start >= end) {
+      warnings.push_back(fillText(localised("Loop %@ is invalid (start %@, end %@) – skipped."),
+                                  {number, decimal(loop.start), decimal(loop.end)}));
+      continue;
+    }
+    if (nextMarkerID(metadata.markers) >= markerIDLimit - 2) break;
+    AiffLoop mapped;
+    mapped.beginMarker = addMarker(metadata.markers, start, "Loop " + number + " Start");
+    mapped.endMarker = addMarker(metadata.markers, end, "Loop " + number + " End");
+    mapped.playMode = playModeOf(loop, number, warnings);
+    metadata.loops.push_back(mapped);
+    if (loop.playCount != 0)
+      warnings.push_back(
+          fillText(localised("Loop %@: a play count of %@ cannot be stored in AIFF (the loop "
+                             "plays indefinitely)."),
+                   {number, decimal(loop.playCount)}));
+  }
+  if (metadata.loops.size() > 2)
+    warnings.push_back(
+        localised("AIFF supports only 2 loops (sustain/release) – loop 3 and "
+                  "above are kept as markers only."));
+}
+
+/// A cue point where a marker already lies would say nothing new, so it makes none.
+void mapCuePoints(const std::vector<CuePoint>& cuePoints, std::uint32_t frameCount,
+                  std::vector<AiffMarker>& markers) {
+  std::unordered_set<std::uint32_t> positions;
+  for (const AiffMarker& marker : markers)
+    positions.insert(marker.position);
+  for (const CuePoint& point : cuePoints) {
+    if (nextMarkerID(markers) == markerIDLimit) return;
+    if (point.position > frameCount || !positions.insert(point.position).second) continue;
+    addMarker(markers, point.position, "Cue " + decimal(point.id));
+  }
+}
+
+struct Tuning {
+  std::uint32_t note = 0;
+  int detune = 0;  ///< cents
+};
+
+/// The WAV fraction says how far the recording lies above the note, the AIFF detune how to
+/// correct it; past the middle the next note up is the nearer one.
+Tuning tuningOfSampler(std::uint32_t unityNote, std::uint32_t pitchFraction) {
+  const auto cents = static_cast<int>(std::round(pitchFraction / 4294967296.0 * 100));
+  if (cents <= mostCents) return {unityNote, -cents};
+  return {unityNote + 1, 100 - cents};
+}
+
+/// The inst chunk only has the last word where the two chunks speak of the same note.
+Tuning tuningOf(const WavInfo& info) {
+  const std::uint32_t unityNote = std::min(info.midiUnityNote, highestNote);
+  const bool instrumentDecides =
+      info.instrument && (!info.loops || info.instrument->unshiftedNote == unityNote);
+  if (instrumentDecides) return {info.instrument->unshiftedNote, info.instrument->fineTune};
+  return tuningOfSampler(unityNote, info.midiPitchFraction);
+}
+
+std::int8_t noteField(std::uint32_t note) {
+  return static_cast<std::int8_t>(std::min(note, highestNote));
+}
+
+std::int8_t velocityField(std::uint8_t velocity) {
+  return static_cast<std::int8_t>(std::clamp<int>(velocity, 1, 127));
+}
+
+std::optional<AiffInstrument> mapInstrument(const WavInfo& info,
+                                            const std::vector<AiffLoop>& loops) {
+  if (!info.loops && !info.instrument) return std::nullopt;
+  const InstrumentChunk wholeRange{.highNote = 127, .lowVelocity = 1, .highVelocity = 127};
+  const InstrumentChunk& chunk = info.instrument ? *info.instrument : wholeRange;
+  const Tuning tuning = tuningOf(info);
+
+  AiffInstrument instrument;
+  instrument.baseNote = noteField(tuning.note);
+  instrument.detune = static_cast<std::int8_t>(std::clamp(tuning.detune, -mostCents, mostCents));
+  instrument.lowNote = noteField(chunk.lowNote);
+  instrument.highNote = noteField(chunk.highNote);
+  instrument.lowVelocity = velocityField(chunk.lowVelocity);
+  instrument.highVelocity = velocityField(chunk.highVelocity);
+  instrument.gain = chunk.gain;
+  if (!loops.empty()) instrument.sustainLoop = loops[0];
+  if (loops.size() > 1) instrument.releaseLoop = loops[1];
+  return instrument;
+}
+
+}  // namespace
+
+AiffMetadata mapWavMetadata(const WavInfo& info, std::uint32_t frameCount, Warnings& warnings) {
+  AiffMetadata metadata;
+  if (info.loops) mapLoops(*info.loops, frameCount, metadata, warnings);
+  mapCuePoints(info.cuePoints, frameCount, metadata.markers);
+  metadata.instrument = mapInstrument(info, metadata.loops);
+  return metadata;
+}
+
+}  // namespace corvana

@@ -1,0 +1,98 @@
+// Single files: reading a whole input as mapped memory, and the few steps by which an output
+// comes into being. Every failure is a FileError; a file URL is a std::filesystem::path.
+#pragma once
+
+#include <cstdint>
+#include <filesystem>
+#include <optional>
+#include <span>
+#include <string>
+#include <sys/types.h>
+#include <system_error>
+
+namespace corvana {
+
+/// A failure of the file system. Its text says what failed, the path, and the system's reason.
+class FileError : public std::system_error {
+ public:
+  /// `format` is a localised text with places for the path and the reason.
+  FileError(int errorNumber, const std::string& format, const std::filesystem::path& path);
+  /// For a reason that is not the system's.
+  FileError(int errorNumber, const std::string& format, const std::filesystem::path& path,
+            const std::string& reason);
+
+  const char* what() const noexcept override { return text_.c_str(); }
+
+ private:
+  std::string text_;
+};
+
+/// What tells two names of one file from two files.
+struct FileIdentity {
+  dev_t device = 0;
+  ino_t inode = 0;
+  bool operator==(const FileIdentity&) const = default;
+};
+
+/// Owns an open file descriptor.
+class FileDescriptor {
+ public:
+  FileDescriptor() = default;
+  explicit FileDescriptor(int number) : number_(number) {}
+  FileDescriptor(FileDescriptor&& other) noexcept : number_(other.release()) {}
+  FileDescriptor& operator=(FileDescriptor&& other) noexcept;
+  ~FileDescriptor();
+
+  int number() const { return number_; }
+  /// Gives up ownership.
+  int release();
+
+ private:
+  int number_ = -1;
+};
+
+/// A regular file, open for reading and mapped as a whole. Moving it keeps the mapped address.
+class InputFile {
+ public:
+  /// Opens and maps. Never waits: a pipe, device or folder is a FileError at once.
+  explicit InputFile(const std::filesystem::path& path);
+  InputFile(InputFile&&) = delete;
+  InputFile& operator=(InputFile&&) = delete;
+  ~InputFile();
+
+  const std::filesystem::path& path() const { return path_; }
+  /// The complete content; empty for an empty file.
+  std::span<const std::uint8_t> bytes() const { return {data_, size_}; }
+  const FileIdentity& identity() const { return identity_; }
+
+ private:
+  std::filesystem::path path_;
+  const std::uint8_t* data_ = nullptr;
+  std::size_t size_ = 0;
+  FileIdentity identity_;
+};
+
+/// The identity of what `path` leads to (links followed); absent when nothing can be reached.
+std::optional<FileIdentity> identityOf(const std::filesystem::path& path);
+
+/// Whether the name is taken: by a file, a folder, or a link, even one that leads nowhere.
+bool nameExists(const std::filesystem::path& path);
+
+/// Makes `folder` with all missing intermediate folders. An existing folder is no error.
+void createFolders(const std::filesystem::path& folder);
+
+/// Makes a new empty file of this name, open for writing. Absent when the name is already
+/// taken; never opens what is there.
+std::optional<FileDescriptor> createNewFile(const std::filesystem::path& path);
+
+/// Removes a file, or a symbolic link as such. A folder or special file stays and is an error.
+void removeFile(const std::filesystem::path& path);
+
+/// Writes all bytes, however many calls it takes.
+void writeAll(const FileDescriptor& file, std::span<const std::uint8_t> bytes,
+              const std::filesystem::path& path);
+
+/// Closes and reports what the system could not write before.
+void closeFile(FileDescriptor file, const std::filesystem::path& path);
+
+}  // namespace corvana

@@ -1,0 +1,30 @@
+// Deep search of a folder, in an order that repeats.
+#pragma once
+
+#include <filesystem>
+#include <functional>
+#include <string_view>
+
+namespace corvana {
+
+/// What the visitor of a folder search says about a folder it is shown.
+enum class Descend { yes, no };
+
+/// What a search finds: every item below a folder, but not what lies inside packages.
+struct FolderVisitor {
+  /// Any item that is not a folder, symbolic links to folders included.
+  std::function<void(std::string_view path)> file;
+  /// A folder, by its own name; the answer decides whether its content is visited.
+  std::function<Descend(std::string_view name)> folder;
+};
+
+/// Visits everything below `folder`, depth first, the entries of each folder in byte order of
+/// their names. Hidden entries (leading dot), the content of packages (isPackageName) and
+/// folders behind symbolic links are left out; folders that cannot be read are stepped over.
+void searchFolder(const std::filesystem::path& folder, const FolderVisitor& visitor);
+
+/// Whether a folder of this name is shown to the user as one document or program: its
+/// extension is a known bundle extension, in any case of letters.
+bool isPackageName(std::string_view name);
+
+}  // namespace corvana

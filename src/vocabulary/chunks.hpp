@@ -1,0 +1,47 @@
+// Chunks, the framing that WAV and AIFF share: a four-character ID, a 32-bit body size, the
+// body, and a zero pad byte after a body of odd size that the size does not count.
+#pragma once
+
+#include <algorithm>
+#include <cstdint>
+#include <string_view>
+
+#include "vocabulary/bytes.hpp"
+
+namespace corvana {
+
+inline constexpr std::size_t fileHeaderSize = 12;  ///< container ID, size, form type
+inline constexpr std::size_t chunkHeaderSize = 8;  ///< chunk ID, body size
+
+/// One chunk as found in a file.
+struct Chunk {
+  std::string_view id;     ///< the four characters
+  ByteView body;           ///< the declared body, cut at the end of the file
+  std::size_t bodyOffset;  ///< where the body starts, in bytes from the start of the file
+};
+
+/// Calls `visit(const Chunk&)` for every chunk after the file header. Bounded by the real length
+/// of the file, never by the size in its header; a chunk that claims to run past the end of the
+/// file is the last.
+template <typename Visit>
+void walkChunks(ByteView file, ByteOrder order, const Visit& visit) {
+  std::uint64_t position = fileHeaderSize;
+  while (position + chunkHeaderSize <= file.size()) {
+    const Fields header(file.subspan(position, chunkHeaderSize), order);
+    const std::uint32_t declaredSize = header.u32(4);
+    const std::size_t bodyOffset = position + chunkHeaderSize;
+    const std::size_t usableSize = std::min<std::size_t>(declaredSize, file.size() - bodyOffset);
+    visit(Chunk{header.id(0), file.subspan(bodyOffset, usableSize), bodyOffset});
+    position += chunkHeaderSize + std::uint64_t{declaredSize} + (declaredSize & 1U);
+  }
+}
+
+/// Appends a complete chunk: ID, body size, body, pad byte. `body` is below 4 GiB.
+inline void appendChunk(ByteBuffer& buffer, std::string_view id, ByteView body, ByteOrder order) {
+  appendFourCC(buffer, id);
+  appendInteger(buffer, static_cast<std::uint32_t>(body.size()), order);
+  appendBytes(buffer, body);
+  if (body.size() % 2 != 0) buffer.push_back(0);
+}
+
+}  // namespace corvana

@@ -1,0 +1,39 @@
+// The one output file of a conversion: how it comes into being, and what may be replaced.
+#pragma once
+
+#include <filesystem>
+
+#include "platform/files.hpp"
+#include "vocabulary/bytes.hpp"
+
+namespace corvana {
+
+/// Where a conversion writes.
+struct OutputTarget {
+  std::filesystem::path url;
+  /// Whether a file that already has this name may be removed.
+  bool replaceExisting = false;
+  /// The file that is being read; it is never removed, whatever name leads to it.
+  FileIdentity input;
+};
+
+/// A new file that is written from start to end. A partly written file stays on disk.
+class OutputFile {
+ public:
+  /// Makes missing folders, removes an existing file if that is allowed, and creates the file
+  /// with `header` as its content. A folder that cannot be made or a file that cannot be removed
+  /// is a FileError; a file that cannot be created is ConversionError writeFailed.
+  OutputFile(const OutputTarget& target, ByteView header);
+
+  /// Writes at the end. Fails with writeFailed.
+  void append(ByteView bytes);
+
+  /// Closes. Fails with writeFailed when the system could not write what it was given before.
+  void close();
+
+ private:
+  std::filesystem::path path_;
+  FileDescriptor file_;
+};
+
+}  // namespace corvana

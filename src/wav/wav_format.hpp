@@ -1,0 +1,78 @@
+// The records of a WAV file: sample format, loops, cue points, instrument.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <vector>
+
+namespace corvana {
+
+/// One loop of the smpl chunk.
+struct SampleLoop {
+  std::uint32_t cueID = 0;
+  std::uint32_t type = 0;       ///< a LoopType, or unknown
+  std::uint32_t start = 0;      ///< first frame of the loop
+  std::uint32_t end = 0;        ///< last frame of the loop (inclusive)
+  std::uint32_t playCount = 0;  ///< 0 = indefinitely
+};
+
+/// The known values of SampleLoop::type.
+namespace loop_type {
+inline constexpr std::uint32_t forward = 0;
+inline constexpr std::uint32_t alternating = 1;
+inline constexpr std::uint32_t backward = 2;
+}  // namespace loop_type
+
+/// One point of the cue chunk.
+struct CuePoint {
+  std::uint32_t id = 0;
+  std::uint32_t position = 0;  ///< frames
+};
+
+/// The inst chunk, unchanged from the file.
+struct InstrumentChunk {
+  std::uint8_t unshiftedNote = 0;  ///< MIDI note of the recording
+  std::int8_t fineTune = 0;        ///< cents
+  std::int8_t gain = 0;            ///< dB
+  std::uint8_t lowNote = 0;
+  std::uint8_t highNote = 0;
+  std::uint8_t lowVelocity = 0;
+  std::uint8_t highVelocity = 0;
+};
+
+/// What the reader finds in a WAV file.
+struct WavInfo {
+  std::uint16_t channels = 0;        ///< 1 to 65535
+  std::uint32_t sampleRate = 0;      ///< Hz, never 0
+  std::uint32_t bytesPerSample = 0;  ///< bytes a sample occupies in the file, 1 to 4
+  std::uint32_t bitsPerSample = 0;   ///< effective bits, 1 to 8 × bytesPerSample
+  std::size_t dataOffset = 0;        ///< of the first sample byte in the file
+  std::uint64_t dataSize = 0;        ///< sample bytes that are there
+  std::uint32_t midiUnityNote = 0;
+  std::uint32_t midiPitchFraction = 0;  ///< fraction of a semitone above the note, of 2^32
+  /// Present, possibly empty, exactly when the file has a usable smpl chunk.
+  std::optional<std::vector<SampleLoop>> loops;
+  std::optional<InstrumentChunk> instrument;
+  std::vector<CuePoint> cuePoints;  ///< in file order, duplicates included
+};
+
+/// Sizes of the chunk layouts, in bytes.
+namespace wav_layout {
+inline constexpr std::size_t formatSize = 16;
+inline constexpr std::size_t extensibleFormatSize = 40;
+inline constexpr std::size_t samplerHeaderSize = 36;
+inline constexpr std::size_t loopSize = 24;
+inline constexpr std::size_t cueHeaderSize = 4;
+inline constexpr std::size_t cuePointSize = 24;
+inline constexpr std::size_t instrumentSize = 7;
+}  // namespace wav_layout
+
+/// Values of the format tag and of the extensible form's sub-format code.
+namespace format_tag {
+inline constexpr std::uint16_t pcm = 1;
+inline constexpr std::uint16_t floatingPoint = 3;
+inline constexpr std::uint16_t extensible = 0xFFFE;
+}  // namespace format_tag
+
+}  // namespace corvana
