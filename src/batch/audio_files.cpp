@@ -65,7 +65,8 @@ fs::path makeOutputURL(const fs::path& input, const FileIdentity& inputIdentity,
   fs::path candidate = folder / (baseName + extension);
   for (std::uint64_t n = 1; nameExists(candidate); ++n) {
     if (overwrite && !isInput(candidate, input, inputIdentity)) break;
-    candidate = folder / (baseName + " (" + std::to_string(n) + ")" + extension);
+    candidate = folder / baseName;
+    candidate += " (" + std::to_string(n) + ")" + extension;
   }
   return candidate;
 }

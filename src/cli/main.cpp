@@ -125,6 +125,10 @@ int convert(const Arguments& arguments) {
   driver.processURLs(paths);
   if (driver.totalFiles() == 0) failed = true;
   mainQueue.runUntil([&] { return driver.totalFiles() == 0; });
+  if (interrupts.exitStatus() != 0) {
+    view.erase();
+    return interrupts.exitStatus();
+  }
   view.finish();
 
   if (driver.failedFiles() > 0) failed = true;
@@ -132,17 +136,21 @@ int convert(const Arguments& arguments) {
     std::fprintf(stderr, "corvana-cli: the log could not be written completely\n");
     failed = true;
   }
-  if (interrupts.exitStatus() != 0) return interrupts.exitStatus();
   return failed ? statusFailed : 0;
 }
 
 }  // namespace
 
 int main(int argumentCount, char** argumentValues) {
-  reserveStandardStreams();
-  std::signal(SIGPIPE, SIG_IGN);  // a reader that went away is a failed write, not the end
-  corvana::useSystemLanguage(corvana::runningProgramFolder());
-  Arguments arguments;
-  if (const auto status = parseArguments(argumentCount, argumentValues, arguments)) return *status;
-  return convert(arguments);
+  try {
+    reserveStandardStreams();
+    std::signal(SIGPIPE, SIG_IGN);  // a reader that went away is a failed write, not the end
+    corvana::useSystemLanguage(corvana::runningProgramFolder());
+    Arguments arguments;
+    const auto status = parseArguments(argumentCount, argumentValues, arguments);
+    return status ? *status : convert(arguments);
+  } catch (const std::exception& error) {
+    std::fprintf(stderr, "corvana-cli: %s\n", error.what());
+    return statusFailed;
+  }
 }

@@ -28,13 +28,14 @@ class TerminalView : public BatchView {
 
   /// Shows the last status for good.
   void finish();
+  /// Takes status and progress off the terminal.
+  void erase();
 
   /// Whether every entry of the log reached standard output.
   bool logIsComplete() const { return logIsComplete_; }
 
  private:
   void draw();
-  void erase();
 
   TerminalOptions options_;
   bool logOnTerminal_;
