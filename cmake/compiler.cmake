@@ -6,3 +6,18 @@ if(CORVANA_WARNINGS_AS_ERRORS)
   target_compile_options(corvana_compiler INTERFACE -Werror)
 endif()
 target_include_directories(corvana_compiler INTERFACE ${PROJECT_SOURCE_DIR}/src)
+
+# Hardening: programs load at random addresses, their tables of addresses become read-only before
+# main, and an overrun of a stack frame or of an object of known size ends the program. The
+# sanitizers bring sharper checks of their own. tests/hardening.cmake looks at the results.
+include(CheckPIESupported)
+check_pie_supported(LANGUAGES CXX)
+set(CMAKE_POSITION_INDEPENDENT_CODE ON)
+add_link_options(-Wl,-z,relro,-z,now)
+if(CMAKE_CXX_FLAGS MATCHES "-fsanitize")
+  set(CORVANA_HARDENED OFF)
+else()
+  set(CORVANA_HARDENED ON)
+  add_compile_options(-fstack-protector-strong
+    "$<$<CONFIG:Release,RelWithDebInfo,MinSizeRel>:-U_FORTIFY_SOURCE;-D_FORTIFY_SOURCE=2>")
+endif()

@@ -64,7 +64,8 @@ void BatchDriver::convertFile(const fs::path& url, Options options) {
   FileReport report;
   try {
     const InputFile input(url);
-    const bool isAIFF = detectFormat(input.bytes());
+    bool isAIFF = false;
+    input.read([&] { isAIFF = detectFormat(input.bytes()); });
     const OutputTarget output{
         makeOutputURL(url, input.identity(), isAIFF, options.useSubfolder, options.overwrite),
         options.overwrite, input.identity()};

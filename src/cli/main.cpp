@@ -144,7 +144,9 @@ int convert(const Arguments& arguments) {
 int main(int argumentCount, char** argumentValues) {
   try {
     reserveStandardStreams();
-    std::signal(SIGPIPE, SIG_IGN);  // a reader that went away is a failed write, not the end
+    // A reader that went away and a limit on the size of files are failed writes, not the end.
+    std::signal(SIGPIPE, SIG_IGN);
+    std::signal(SIGXFSZ, SIG_IGN);
     corvana::useSystemLanguage(corvana::runningProgramFolder());
     Arguments arguments;
     const auto status = parseArguments(argumentCount, argumentValues, arguments);

@@ -51,11 +51,14 @@ TrailingChunks buildTrailingChunks(const WavMetadata& metadata, std::uint32_t ra
 }
 
 /// Bits below the sample size are copied as they are: the samples stay left-justified.
-void copySampleFrames(ByteView soundData, const SampleConversion& samples,
+void copySampleFrames(const InputFile& input, const AiffInfo& info, const SampleConversion& samples,
                       const SampleLayout& layout, OutputFile& file,
                       const ProgressHandler& progress) {
+  const ByteView soundData = input.bytes().subspan(info.soundOffset, info.soundSize);
   const auto fillBlock = [&](std::uint64_t firstFrame, std::span<std::uint8_t> block) {
-    convertSamples(samples, soundData.subspan(firstFrame * layout.sourceFrameSize), block);
+    input.read([&] {
+      convertSamples(samples, soundData.subspan(firstFrame * layout.sourceFrameSize), block);
+    });
   };
   writeSampleBlocks(layout, fillBlock, file, progress);
 }
@@ -64,7 +67,8 @@ void copySampleFrames(ByteView soundData, const SampleConversion& samples,
 
 ConversionResult convertAIFFToWAV(const InputFile& input, const OutputTarget& output,
                                   const ProgressHandler& progress) {
-  const AiffInfo info = parseAiff(input.bytes());
+  AiffInfo info;
+  input.read([&] { info = parseAiff(input.bytes()); });
   const auto bytesPerSample = static_cast<std::uint16_t>((info.sampleSize + 7) / 8);
   const std::uint32_t blockAlign = std::uint32_t{info.channels} * bytesPerSample;
   // WAV states the size of a frame in 16 bits.
@@ -82,9 +86,8 @@ ConversionResult convertAIFFToWAV(const InputFile& input, const OutputTarget& ou
                                              static_cast<std::uint16_t>(blockAlign));
   WavFileWriter writer(output, format, layout.frameCount * layout.outputFrameSize,
                        buildTrailingChunks(metadata, rate));
-  copySampleFrames(input.bytes().subspan(info.soundOffset, info.soundSize),
-                   {bytesPerSample, bytesPerSample, !info.littleEndian}, layout, writer.file(),
-                   progress);
+  copySampleFrames(input, info, {bytesPerSample, bytesPerSample, !info.littleEndian}, layout,
+                   writer.file(), progress);
   writer.finish();
   if (progress && framesUsed == 0) progress(1.0);
 

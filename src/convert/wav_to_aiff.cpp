@@ -22,7 +22,8 @@ constexpr std::uint64_t mostSoundChunkBytes = std::numeric_limits<std::uint32_t>
 
 ConversionResult convertWAVToAIFF(const InputFile& input, const OutputTarget& output,
                                   const ProgressHandler& progress) {
-  const WavInfo info = parseWav(input.bytes());
+  WavInfo info;
+  input.read([&] { info = parseWav(input.bytes()); });
   // AIFF counts channels in a signed field.
   if (info.channels > std::numeric_limits<std::int16_t>::max())
     throw ConversionError::unsupported(channelsText(info.channels));
@@ -50,7 +51,8 @@ ConversionResult convertWAVToAIFF(const InputFile& input, const OutputTarget& ou
 
   const ByteView data = input.bytes().subspan(info.dataOffset, info.dataSize);
   const auto fillBlock = [&](std::uint64_t firstFrame, std::span<std::uint8_t> block) {
-    convertSamples(samples, data.subspan(firstFrame * layout.sourceFrameSize), block);
+    input.read(
+        [&] { convertSamples(samples, data.subspan(firstFrame * layout.sourceFrameSize), block); });
   };
   OutputFile file = writeAiff(output, content, layout, fillBlock, progress);
   if (progress && layout.frameCount == 0) progress(1.0);

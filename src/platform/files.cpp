@@ -7,6 +7,7 @@
 #include <unistd.h>
 #include <utility>
 
+#include "platform/mapped_guard.hpp"
 #include "platform/texts.hpp"
 
 namespace corvana {
@@ -51,12 +52,12 @@ int FileDescriptor::release() {
   return std::exchange(number_, -1);
 }
 
-InputFile::InputFile(const std::filesystem::path& path) : path_(path) {
-  // O_NONBLOCK: opening a pipe without a writer would otherwise wait for one.
-  const FileDescriptor file(::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY));
-  if (file.number() < 0) failReading(errno, path);
+// O_NONBLOCK: opening a pipe without a writer would otherwise wait for one.
+InputFile::InputFile(const std::filesystem::path& path)
+    : path_(path), file_(::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY)) {
+  if (file_.number() < 0) failReading(errno, path);
   struct stat status {};
-  if (::fstat(file.number(), &status) != 0) failReading(errno, path);
+  if (::fstat(file_.number(), &status) != 0) failReading(errno, path);
   if (S_ISDIR(status.st_mode)) failReading(EISDIR, path);
   if (!S_ISREG(status.st_mode))
     throw FileError(EINVAL, localised("Cannot read '%1$@': %2$@"), path,
@@ -64,13 +65,32 @@ InputFile::InputFile(const std::filesystem::path& path) : path_(path) {
   identity_ = {status.st_dev, status.st_ino};
   size_ = static_cast<std::size_t>(status.st_size);
   if (size_ == 0) return;
-  void* mapped = ::mmap(nullptr, size_, PROT_READ, MAP_PRIVATE, file.number(), 0);
+  void* mapped = ::mmap(nullptr, size_, PROT_READ, MAP_PRIVATE, file_.number(), 0);
   if (mapped == MAP_FAILED) failReading(errno, path);
   data_ = static_cast<const std::uint8_t*>(mapped);
 }
 
 InputFile::~InputFile() {
   if (data_ != nullptr) ::munmap(const_cast<std::uint8_t*>(data_), size_);
+}
+
+void InputFile::read(const std::function<void()>& reader) const {
+  const MappedGuard guard(bytes(), lost_);
+  try {
+    reader();
+  } catch (...) {
+    checkStillThere();
+    throw;
+  }
+  checkStillThere();
+}
+
+void InputFile::checkStillThere() const {
+  if (lost_) failReading(EIO, path_);
+  // The page in which the file now ends gives zeros behind that end, and no signal.
+  struct stat status {};
+  if (::fstat(file_.number(), &status) != 0) failReading(errno, path_);
+  if (static_cast<std::size_t>(status.st_size) < size_) failReading(EIO, path_);
 }
 
 std::optional<FileIdentity> identityOf(const std::filesystem::path& path) {

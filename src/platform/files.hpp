@@ -2,8 +2,10 @@
 // comes into being. Every failure is a FileError; a file URL is a std::filesystem::path.
 #pragma once
 
+#include <atomic>
 #include <cstdint>
 #include <filesystem>
+#include <functional>
 #include <optional>
 #include <span>
 #include <string>
@@ -51,7 +53,7 @@ class FileDescriptor {
   int number_ = -1;
 };
 
-/// A regular file, open for reading and mapped as a whole. Moving it keeps the mapped address.
+/// A regular file, open for reading and mapped as a whole.
 class InputFile {
  public:
   /// Opens and maps. Never waits: a pipe, device or folder is a FileError at once.
@@ -61,15 +63,24 @@ class InputFile {
   ~InputFile();
 
   const std::filesystem::path& path() const { return path_; }
-  /// The complete content; empty for an empty file.
+  /// The complete content; empty for an empty file. Other programs may cut the file short at any
+  /// moment, so it is to be touched inside of read().
   std::span<const std::uint8_t> bytes() const { return {data_, size_}; }
+  /// Runs `reader`, which may touch the content, on the calling thread. Where the file has become
+  /// shorter since it was opened, or its medium failed, a FileError takes the place of what the
+  /// reader made of it, its own exceptions included. Reads do not nest.
+  void read(const std::function<void()>& reader) const;
   const FileIdentity& identity() const { return identity_; }
 
  private:
+  void checkStillThere() const;
+
   std::filesystem::path path_;
+  FileDescriptor file_;
   const std::uint8_t* data_ = nullptr;
   std::size_t size_ = 0;
   FileIdentity identity_;
+  mutable std::atomic<bool> lost_ = false;  ///< a part of the mapping no longer has a file
 };
 
 /// The identity of what `path` leads to (links followed); absent when nothing can be reached.
