@@ -64,8 +64,7 @@ void BatchDriver::convertFile(const fs::path& url, Options options) {
   FileReport report;
   try {
     const InputFile input(url);
-    bool isAIFF = false;
-    input.read([&] { isAIFF = detectFormat(input.bytes()); });
+    const bool isAIFF = input.read(detectFormat);
     const OutputTarget output{
         makeOutputURL(url, input.identity(), isAIFF, options.useSubfolder, options.overwrite),
         options.overwrite, input.identity()};

@@ -6,7 +6,7 @@
 
 #include "aiff/aiff_reader.hpp"
 #include "convert/aiff_to_wav_metadata.hpp"
-#include "convert/sample_kernels.hpp"
+#include "convert/copy_sample_frames.hpp"
 #include "platform/texts.hpp"
 #include "vocabulary/errors.hpp"
 #include "vocabulary/sample_blocks.hpp"
@@ -50,25 +50,11 @@ TrailingChunks buildTrailingChunks(const WavMetadata& metadata, std::uint32_t ra
   return chunks;
 }
 
-/// Bits below the sample size are copied as they are: the samples stay left-justified.
-void copySampleFrames(const InputFile& input, const AiffInfo& info, const SampleConversion& samples,
-                      const SampleLayout& layout, OutputFile& file,
-                      const ProgressHandler& progress) {
-  const ByteView soundData = input.bytes().subspan(info.soundOffset, info.soundSize);
-  const auto fillBlock = [&](std::uint64_t firstFrame, std::span<std::uint8_t> block) {
-    input.read([&] {
-      convertSamples(samples, soundData.subspan(firstFrame * layout.sourceFrameSize), block);
-    });
-  };
-  writeSampleBlocks(layout, fillBlock, file, progress);
-}
-
 }  // namespace
 
 ConversionResult convertAIFFToWAV(const InputFile& input, const OutputTarget& output,
                                   const ProgressHandler& progress) {
-  AiffInfo info;
-  input.read([&] { info = parseAiff(input.bytes()); });
+  const AiffInfo info = input.read(parseAiff);
   const auto bytesPerSample = static_cast<std::uint16_t>((info.sampleSize + 7) / 8);
   const std::uint32_t blockAlign = std::uint32_t{info.channels} * bytesPerSample;
   // WAV states the size of a frame in 16 bits.
@@ -86,8 +72,10 @@ ConversionResult convertAIFFToWAV(const InputFile& input, const OutputTarget& ou
                                              static_cast<std::uint16_t>(blockAlign));
   WavFileWriter writer(output, format, layout.frameCount * layout.outputFrameSize,
                        buildTrailingChunks(metadata, rate));
-  copySampleFrames(input, info, {bytesPerSample, bytesPerSample, !info.littleEndian}, layout,
-                   writer.file(), progress);
+  // Bits below the sample size are copied as they are: the samples stay left-justified.
+  const SampleConversion samples{bytesPerSample, bytesPerSample, !info.littleEndian};
+  writeSampleBlocks(layout, copySampleFrames(input, info.soundOffset, samples, layout),
+                    writer.file(), progress);
   writer.finish();
   if (progress && framesUsed == 0) progress(1.0);
 

@@ -3,7 +3,7 @@
 #include <limits>
 
 #include "aiff/aiff_writer.hpp"
-#include "convert/sample_kernels.hpp"
+#include "convert/copy_sample_frames.hpp"
 #include "convert/wav_to_aiff_metadata.hpp"
 #include "platform/texts.hpp"
 #include "vocabulary/errors.hpp"
@@ -22,8 +22,7 @@ constexpr std::uint64_t mostSoundChunkBytes = std::numeric_limits<std::uint32_t>
 
 ConversionResult convertWAVToAIFF(const InputFile& input, const OutputTarget& output,
                                   const ProgressHandler& progress) {
-  WavInfo info;
-  input.read([&] { info = parseWav(input.bytes()); });
+  const WavInfo info = input.read(parseWav);
   // AIFF counts channels in a signed field.
   if (info.channels > std::numeric_limits<std::int16_t>::max())
     throw ConversionError::unsupported(channelsText(info.channels));
@@ -49,12 +48,8 @@ ConversionResult convertWAVToAIFF(const InputFile& input, const OutputTarget& ou
                             .markers = std::move(metadata.markers),
                             .instrument = metadata.instrument};
 
-  const ByteView data = input.bytes().subspan(info.dataOffset, info.dataSize);
-  const auto fillBlock = [&](std::uint64_t firstFrame, std::span<std::uint8_t> block) {
-    input.read(
-        [&] { convertSamples(samples, data.subspan(firstFrame * layout.sourceFrameSize), block); });
-  };
-  OutputFile file = writeAiff(output, content, layout, fillBlock, progress);
+  OutputFile file = writeAiff(output, content, layout,
+                              copySampleFrames(input, info.dataOffset, samples, layout), progress);
   if (progress && layout.frameCount == 0) progress(1.0);
 
   const auto& instrument = content.instrument;

@@ -74,8 +74,8 @@ InputFile::~InputFile() {
   if (data_ != nullptr) ::munmap(const_cast<std::uint8_t*>(data_), size_);
 }
 
-void InputFile::read(const std::function<void()>& reader) const {
-  const MappedGuard guard(bytes(), lost_);
+void InputFile::guardedRead(const std::function<void()>& reader) const {
+  const MappedGuard guard({data_, size_}, lost_);
   try {
     reader();
   } catch (...) {

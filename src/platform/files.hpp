@@ -11,6 +11,7 @@
 #include <string>
 #include <sys/types.h>
 #include <system_error>
+#include <type_traits>
 
 namespace corvana {
 
@@ -63,16 +64,28 @@ class InputFile {
   ~InputFile();
 
   const std::filesystem::path& path() const { return path_; }
-  /// The complete content; empty for an empty file. Other programs may cut the file short at any
-  /// moment, so it is to be touched inside of read().
-  std::span<const std::uint8_t> bytes() const { return {data_, size_}; }
-  /// Runs `reader`, which may touch the content, on the calling thread. Where the file has become
-  /// shorter since it was opened, or its medium failed, a FileError takes the place of what the
-  /// reader made of it, its own exceptions included. Reads do not nest.
-  void read(const std::function<void()>& reader) const;
+  /// Hands the complete content (empty for an empty file) to `reader`, on the calling thread,
+  /// and gives back what it returns. Other programs may cut the file short at any moment: where
+  /// it has become shorter since it was opened, or its medium failed, a FileError takes the place
+  /// of what the reader made of it, its own exceptions included. Reads do not nest, and the
+  /// content is not to be touched outside of them.
+  template <typename Reader>
+  auto read(const Reader& reader) const {
+    const std::span<const std::uint8_t> content(data_, size_);
+    using Result = std::invoke_result_t<Reader, std::span<const std::uint8_t>>;
+    if constexpr (std::is_void_v<Result>) {
+      guardedRead([&] { reader(content); });
+    } else {
+      Result result;
+      guardedRead([&] { result = reader(content); });
+      return result;
+    }
+  }
+
   const FileIdentity& identity() const { return identity_; }
 
  private:
+  void guardedRead(const std::function<void()>& reader) const;
   void checkStillThere() const;
 
   std::filesystem::path path_;

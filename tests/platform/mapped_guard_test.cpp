@@ -38,14 +38,16 @@ class MappedGuardTest : public testing::Test {
   fs::path folder_;
 };
 
-unsigned sumOf(const InputFile& file) {
+unsigned sumOf(std::span<const std::uint8_t> bytes) {
   volatile unsigned sum = 0;  // the bytes are to be read even where nobody wants the sum
-  for (const std::uint8_t byte : file.bytes())
+  for (const std::uint8_t byte : bytes)
     sum = sum + byte;
   return sum;
 }
 
-std::string messageOfReading(const InputFile& file, const std::function<void()>& reader) {
+using Reader = std::function<void(std::span<const std::uint8_t>)>;
+
+std::string messageOfReading(const InputFile& file, const Reader& reader) {
   try {
     file.read(reader);
   } catch (const FileError& error) {
@@ -72,14 +74,14 @@ TEST_F(MappedGuardTest, shrunkenFileIsAnInputErrorWhateverTheReaderMadeOfIt) {
     const InputFile file(path);
     const std::string expected = "Cannot read '" + path.native() + "': Input/output error";
     fs::resize_file(path, left);
-    EXPECT_EQ(messageOfReading(file, [&] { sumOf(file); }), expected) << left;
+    EXPECT_EQ(messageOfReading(file, sumOf), expected) << left;
     EXPECT_EQ(messageOfReading(file,
-                               [&] {
-                                 sumOf(file);
+                               [](std::span<const std::uint8_t> bytes) {
+                                 sumOf(bytes);
                                  throw std::runtime_error("damaged");
                                }),
               expected);
-    EXPECT_EQ(messageOfReading(file, [] {}), expected) << "lost once, lost for good";
+    EXPECT_EQ(messageOfReading(file, [](auto) {}), expected) << "lost once, lost for good";
   }
 }
 
@@ -88,10 +90,8 @@ TEST_F(MappedGuardTest, growingOrRemovedFileStaysReadable) {
   const InputFile file(path);
   fs::resize_file(path, 2 * size);
   fs::remove(path);
-  unsigned sum = 0;
-  file.read([&] { sum = sumOf(file); });
-  EXPECT_EQ(sum, 'x' * size);
-  EXPECT_THROW(file.read([] { throw std::runtime_error("own"); }), std::runtime_error);
+  EXPECT_EQ(file.read(sumOf), 'x' * size);
+  EXPECT_THROW(file.read([](auto) { throw std::runtime_error("own"); }), std::runtime_error);
 }
 
 TEST_F(MappedGuardTest, threadsLoseOnlyTheirOwnFile) {
@@ -108,7 +108,7 @@ TEST_F(MappedGuardTest, threadsLoseOnlyTheirOwnFile) {
         const InputFile file(path);
         if (shrinks) fs::resize_file(path, 4096);
         unsigned sum = 0;
-        const std::string message = messageOfReading(file, [&] { sum = sumOf(file); });
+        const std::string message = messageOfReading(file, [&](auto bytes) { sum = sumOf(bytes); });
         if (shrinks && message.ends_with("Input/output error")) ++lost;
         if (!shrinks && sum != 'x' * size) ++wrong;
       }
@@ -127,13 +127,17 @@ TEST_F(MappedGuardDeathTest, otherFaultsKeepTheirEffect) {
   const fs::path lostPath = makeFile("lost.wav");
   const InputFile lost(lostPath);
   const InputFile whole(makeFile("whole.wav"));
+  std::span<const std::uint8_t> leaked;
+  EXPECT_EQ(messageOfReading(lost, [&](auto bytes) { leaked = bytes; }), "no FileError");
   fs::resize_file(lostPath, 0);
-  EXPECT_EXIT(sumOf(lost), DiedOf{SIGBUS}, "") << "outside of read()";
-  EXPECT_EXIT(whole.read([&] { sumOf(lost); }), DiedOf{SIGBUS}, "") << "another file";
-  EXPECT_EXIT(whole.read([&] { std::thread([&] { sumOf(lost); }).join(); }), DiedOf{SIGBUS}, "")
+  EXPECT_EXIT(sumOf(leaked), DiedOf{SIGBUS}, "") << "outside of read()";
+  EXPECT_EXIT(whole.read([&](auto) { sumOf(leaked); }), DiedOf{SIGBUS}, "") << "another file";
+  EXPECT_EXIT(whole.read([&](auto) { std::thread([&] { sumOf(leaked); }).join(); }), DiedOf{SIGBUS},
+              "")
       << "another thread";
-  EXPECT_EXIT(whole.read([] { std::raise(SIGBUS); }), DiedOf{SIGBUS}, "") << "sent";
-  EXPECT_EXIT(whole.read([] { std::raise(SIGSEGV); }), DiedOf{SIGSEGV}, "") << "another signal";
+  EXPECT_EXIT(whole.read([](auto) { std::raise(SIGBUS); }), DiedOf{SIGBUS}, "") << "sent";
+  EXPECT_EXIT(whole.read([](auto) { std::raise(SIGSEGV); }), DiedOf{SIGSEGV}, "")
+      << "another signal";
 }
 
 }  // namespace
