@@ -1,0 +1,40 @@
+#include "app/eliding_label.hpp"
+
+#include <QHelpEvent>
+#include <QPainter>
+#include <QStyle>
+#include <QToolTip>
+
+namespace corvana {
+
+ElidingLabel::ElidingLabel(QWidget* parent) : QLabel(parent) {
+  setTextFormat(Qt::PlainText);
+  setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Fixed);
+}
+
+QSize ElidingLabel::minimumSizeHint() const {
+  return {0, fontMetrics().height()};
+}
+
+bool ElidingLabel::event(QEvent* event) {
+  if (event->type() != QEvent::ToolTip) return QLabel::event(event);
+  const bool isWhole = visibleText() == text();
+  // As rich text a file name could be markup.
+  QToolTip::showText(static_cast<QHelpEvent*>(event)->globalPos(),
+                     isWhole ? QString() : text().toHtmlEscaped(), this);
+  return true;
+}
+
+void ElidingLabel::paintEvent(QPaintEvent* /*event*/) {
+  QPainter painter(this);
+  style()->drawItemText(&painter, contentsRect(), static_cast<int>(alignment()), palette(),
+                        isEnabled(), visibleText(), foregroundRole());
+}
+
+QString ElidingLabel::visibleText() const {
+  QString line = text();
+  line.replace(QLatin1Char('\n'), QLatin1Char(' '));
+  return fontMetrics().elidedText(line, Qt::ElideMiddle, contentsRect().width());
+}
+
+}  // namespace corvana

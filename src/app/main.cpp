@@ -1,0 +1,101 @@
+// corvana: the desktop program.
+
+#include <QApplication>
+#include <QCommandLineParser>
+#include <QIcon>
+#include <QLibraryInfo>
+#include <QTranslator>
+#include <csignal>
+#include <string_view>
+#include <sys/time.h>
+#include <unistd.h>
+
+#include "app/desktop_bus.hpp"
+#include "app/main_window.hpp"
+#include "app/qt_values.hpp"
+#include "platform/bundle_info.hpp"
+#include "platform/texts.hpp"
+
+namespace {
+
+namespace fs = std::filesystem;
+
+void describeProgram() {
+  const corvana::BundleInfo& info = corvana::mainBundleInfo();
+  const QString name = corvana::qtText(corvana::bundleValue(info, corvana::bundleNameKey));
+  QCoreApplication::setApplicationName(name);
+  QCoreApplication::setOrganizationName(name);
+  QCoreApplication::setApplicationVersion(
+      corvana::qtText(corvana::bundleValue(info, corvana::bundleVersionKey)));
+  QGuiApplication::setDesktopFileName(corvana::desktopId);
+}
+
+/// The toolkit's own texts: buttons of the open panel, context menu of the log.
+void translateToolkit(QTranslator& translator) {
+  if (translator.load(QLocale(), QStringLiteral("qtbase"), QStringLiteral("_"),
+                      QLibraryInfo::path(QLibraryInfo::TranslationsPath)))
+    QCoreApplication::installTranslator(&translator);
+}
+
+/// Ends the program where the command line asks for its help or version, or is wrong.
+void checkOptions(const QApplication& application) {
+  QCommandLineParser parser;
+  parser.setApplicationDescription(corvana::qtText(
+      corvana::localised("Converts sampled instruments between WAV and AIFF in a window. "
+                         "corvana-cli does the same in a terminal.")));
+  parser.addHelpOption();
+  parser.addVersionOption();
+  parser.addPositionalArgument(QStringLiteral("PATH"),
+                               corvana::qtText(corvana::localised("Files and folders to convert")),
+                               QStringLiteral("[PATH...]"));
+  parser.process(application);
+}
+
+/// Files and folders of the command line, absolute, as paths or file URLs. From the bytes of
+/// the arguments: as the toolkit's text a name that is not UTF-8 would be lost.
+std::vector<fs::path> filesOfCommandLine(int count, char** arguments) {
+  std::vector<fs::path> files;
+  bool optionsEnded = false;
+  for (int i = 1; i < count; ++i) {
+    const std::string_view argument = arguments[i];
+    if (!optionsEnded && argument == "--") {
+      optionsEnded = true;
+    } else if (argument.starts_with("file:")) {
+      files.push_back(corvana::pathOfURL(QUrl(arguments[i])));
+    } else if (optionsEnded || !argument.starts_with('-')) {
+      files.push_back(fs::absolute(argument));
+    }
+  }
+  return files;
+}
+
+/// From here on the program ends within a second. Its work thread stops after the current block
+/// of samples and is waited for, unless a disk or network that does not answer holds it.
+void endInTime() {
+  std::signal(SIGALRM, [](int) { ::_exit(0); });
+  const itimerval grace{{0, 0}, {0, 800'000}};
+  ::setitimer(ITIMER_REAL, &grace, nullptr);
+}
+
+}  // namespace
+
+int main(int argumentCount, char** argumentValues) {
+  corvana::useSystemLanguage(corvana::runningProgramFolder());
+  describeProgram();
+  QApplication application(argumentCount, argumentValues);
+  QTranslator toolkitTexts;
+  translateToolkit(toolkitTexts);
+  checkOptions(application);
+
+  corvana::AppDelegate delegate;
+  const std::vector<fs::path> files = filesOfCommandLine(argumentCount, argumentValues);
+  if (corvana::joinDesktop(delegate, files) == corvana::DesktopRole::handedOver) return 0;
+  delegate.openFiles(files);
+
+  corvana::MainWindow window(&delegate);
+  window.show();
+  const int status = QApplication::exec();
+  endInTime();
+  corvana::leaveDesktop();
+  return status;
+}

@@ -1,0 +1,157 @@
+#include "app/main_window.hpp"
+
+#include <QAction>
+#include <QCloseEvent>
+#include <QCoreApplication>
+#include <QMenuBar>
+#include <QMessageBox>
+#include <QPushButton>
+#include <QVBoxLayout>
+
+#include "app/eliding_label.hpp"
+#include "app/qt_values.hpp"
+#include "platform/bundle_info.hpp"
+#include "platform/texts.hpp"
+
+namespace corvana {
+namespace {
+
+constexpr QSize firstSize{680, 600};
+constexpr int margin = 16;
+constexpr int spacing = 12;
+constexpr int dropViewHeight = 150;  // at least
+constexpr int barHeight = 8;
+
+/// An option of the user, with what it does in a tool tip.
+QCheckBox* makeOption(const std::string& title, const std::string& toolTip) {
+  auto* checkbox = new QCheckBox(qtText(title));
+  checkbox->setToolTip(qtText(toolTip));
+  return checkbox;
+}
+
+}  // namespace
+
+MainWindow::MainWindow(AppDelegate* appDelegate) : controller_(appDelegate) {
+  setWindowTitle(qtText(bundleValue(mainBundleInfo(), bundleNameKey)));
+  makeViews();
+  makeMenus();
+  resize(firstSize);
+  controller_.viewDidLoad();
+}
+
+void MainWindow::makeViews() {
+  auto* dropView = new DropView;
+  dropView->setMinimumHeight(dropViewHeight);
+  dropView->setAccessibleName(qtText(localised("Drop area for files and folders")));
+  (new QVBoxLayout(dropView))->addWidget(makeInvitation(), 0, Qt::AlignCenter);
+
+  QCheckBox* subfolder = makeOption(localised("Write into a &subfolder named AIFF or WAV"),
+                                    localised("Keeps converted files apart from their originals."));
+  QCheckBox* overwrite =
+      makeOption(localised("&Replace existing files"),
+                 localised("Otherwise a numbered name is chosen, such as “song (1).aif”. "
+                           "Originals are never changed."));
+
+  auto* progress = new QProgressBar;
+  progress->setTextVisible(false);
+  progress->setFixedHeight(barHeight);
+  progress->setAccessibleName(qtText(localised("Progress")));
+
+  auto* status = new ElidingLabel;
+  status->setAccessibleName(qtText(localised("Status")));
+
+  auto* log = new QPlainTextEdit;
+  log->setTabChangesFocus(true);
+  log->setAccessibleName(qtText(localised("Log")));
+
+  auto* options = new QVBoxLayout;
+  options->setSpacing(spacing / 2);
+  options->addWidget(subfolder);
+  options->addWidget(overwrite);
+
+  auto* run = new QVBoxLayout;
+  run->setSpacing(spacing / 2);
+  run->addWidget(status);
+  run->addWidget(progress);
+
+  auto* content = new QWidget;
+  auto* layout = new QVBoxLayout(content);
+  layout->setContentsMargins(margin, margin, margin, margin);
+  layout->setSpacing(spacing);
+  layout->addWidget(dropView, 2);
+  layout->addLayout(options);
+  layout->addLayout(run);
+  layout->addWidget(log, 3);
+  setCentralWidget(content);
+
+  controller_.dropView = dropView;
+  controller_.subfolderCheckbox = subfolder;
+  controller_.overwriteCheckbox = overwrite;
+  controller_.progressIndicator = progress;
+  controller_.statusLabel = status;
+  controller_.logView = log;
+  connect(subfolder, &QCheckBox::clicked, &controller_, &ViewController::subfolderChanged);
+  connect(overwrite, &QCheckBox::clicked, &controller_, &ViewController::overwriteChanged);
+}
+
+QWidget* MainWindow::makeInvitation() {
+  auto* text = new QLabel(qtText(localised("Drop WAV or AIFF files or folders here")));
+  QFont font = text->font();
+  font.setPointSizeF(font.pointSizeF() * 1.3);
+  text->setFont(font);
+
+  auto* button = new QPushButton(qtText(localised("&Choose Files or Folders…")));
+  connect(button, &QPushButton::clicked, &controller_, &ViewController::openDocument);
+
+  auto* invitation = new QWidget;
+  auto* layout = new QVBoxLayout(invitation);
+  layout->setSpacing(spacing);
+  layout->addWidget(text, 0, Qt::AlignCenter);
+  layout->addWidget(button, 0, Qt::AlignCenter);
+  return invitation;
+}
+
+void MainWindow::makeMenus() {
+  QMenu* file = menuBar()->addMenu(qtText(localised("&File")));
+  file->addAction(qtText(localised("&Open…")), QKeySequence::Open, &controller_,
+                  &ViewController::openDocument);
+  file->addSeparator();
+  file->addAction(qtText(localised("&Quit")), QKeySequence::Quit, this, &MainWindow::close)
+      ->setMenuRole(QAction::QuitRole);
+
+  QPlainTextEdit* log = controller_.logView;
+  QMenu* edit = menuBar()->addMenu(qtText(localised("&Edit")));
+  QAction* copy =
+      edit->addAction(qtText(localised("&Copy")), QKeySequence::Copy, log, &QPlainTextEdit::copy);
+  copy->setEnabled(false);
+  connect(log, &QPlainTextEdit::copyAvailable, copy, &QAction::setEnabled);
+  edit->addAction(qtText(localised("Select &All")), QKeySequence::SelectAll, log,
+                  &QPlainTextEdit::selectAll);
+
+  QMenu* help = menuBar()->addMenu(qtText(localised("&Help")));
+  help->addAction(qtText(localised("&About Corvana")), this, &MainWindow::showAbout)
+      ->setMenuRole(QAction::AboutRole);
+}
+
+void MainWindow::showAbout() {
+  auto* about = new QMessageBox(this);
+  about->setAttribute(Qt::WA_DeleteOnClose);
+  about->setWindowTitle(qtText(localised("About Corvana")));
+  about->setIconPixmap(windowIcon().pixmap(64));
+  about->setText(
+      qtText(fillText(localised("Corvana %@"), {bundleValue(mainBundleInfo(), bundleVersionKey)})));
+  about->setInformativeText(
+      qtText(localised("Converts sampled instruments between WAV and AIFF and keeps their loops, "
+                       "markers, cue points, root key, tuning, gain and ranges.")));
+  about->open();
+}
+
+void MainWindow::closeEvent(QCloseEvent* event) {
+  controller_.stop();
+  event->accept();
+  // Also when a window of the program is still open. Later, since the end of the event loop
+  // closes all windows, and this one is just being closed.
+  QMetaObject::invokeMethod(qApp, &QCoreApplication::quit, Qt::QueuedConnection);
+}
+
+}  // namespace corvana

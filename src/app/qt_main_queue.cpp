@@ -1,0 +1,54 @@
+#include "app/qt_main_queue.hpp"
+
+#include <QCoreApplication>
+#include <QDeadlineTimer>
+#include <QEvent>
+#include <QTimer>
+#include <utility>
+
+namespace corvana {
+namespace {
+
+/// How long tasks may run before mouse, keyboard and painting have their turn: half a picture
+/// at 60 Hz.
+constexpr std::chrono::milliseconds turn{8};
+
+}  // namespace
+
+void QtMainQueue::post(Task task) {
+  {
+    const std::lock_guard lock(mutex_);
+    tasks_.push_back(std::move(task));
+    if (isWoken_) return;
+    isWoken_ = true;
+  }
+  QCoreApplication::postEvent(this, new QEvent(QEvent::User));
+}
+
+bool QtMainQueue::event(QEvent* event) {
+  if (event->type() != QEvent::User) return QObject::event(event);
+  runTasks();
+  return true;
+}
+
+void QtMainQueue::runTasks() {
+  const QDeadlineTimer turnEnd(turn);
+  do {
+    Task task;
+    {
+      const std::lock_guard lock(mutex_);
+      if (tasks_.empty()) {
+        isWoken_ = false;
+        return;
+      }
+      task = std::move(tasks_.front());
+      tasks_.pop_front();
+    }
+    task();
+  } while (!turnEnd.hasExpired());
+  // Not an event again: the loop delivers all posted events, new ones too, before it looks for
+  // input, and thousands of small files post faster than that.
+  QTimer::singleShot(0, this, [this] { runTasks(); });
+}
+
+}  // namespace corvana

@@ -1,0 +1,28 @@
+// The main queue of the window: posted tasks run in the toolkit's event loop.
+#pragma once
+
+#include <QObject>
+#include <deque>
+#include <mutex>
+
+#include "platform/queues.hpp"
+
+namespace corvana {
+
+/// Made and destroyed on the main thread; tasks that have not run by then are dropped.
+class QtMainQueue : public QObject, public MainQueue {
+ public:
+  void post(Task task) override;
+
+ protected:
+  bool event(QEvent* event) override;
+
+ private:
+  void runTasks();
+
+  std::mutex mutex_;
+  std::deque<Task> tasks_;
+  bool isWoken_ = false;  // runTasks will come
+};
+
+}  // namespace corvana

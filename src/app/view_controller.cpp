@@ -1,0 +1,132 @@
+#include "app/view_controller.hpp"
+
+#include <QDir>
+#include <QFontDatabase>
+#include <QScrollBar>
+#include <QSettings>
+#include <QTextCursor>
+#include <cmath>
+#include <utility>
+
+#include "app/open_panel.hpp"
+#include "app/qt_values.hpp"
+#include "platform/texts.hpp"
+
+namespace corvana {
+namespace {
+
+constexpr const char* subfolderKey = "UseAIFFSubfolder";
+constexpr const char* overwriteKey = "OverwriteExisting";
+
+/// The bar counts in whole numbers.
+constexpr int progressSteps = 100'000;
+
+QFont makeLogFont() {
+  constexpr int points = 11;
+  const QString menlo = QStringLiteral("Menlo");
+  if (QFontDatabase::hasFamily(menlo)) return {menlo, points};
+  QFont font = QFontDatabase::systemFont(QFontDatabase::GeneralFont);
+  font.setPointSize(points);
+  return font;
+}
+
+void restoreCheckboxState(QCheckBox& checkbox, const char* key) {
+  checkbox.setChecked(QSettings().value(QLatin1String(key), false).toBool());
+}
+
+void storeCheckboxState(const QCheckBox& sender, const char* key) {
+  QSettings settings;
+  settings.setValue(QLatin1String(key), sender.isChecked());
+  settings.sync();
+}
+
+}  // namespace
+
+ViewController::ViewController(AppDelegate* appDelegate)
+    : logFont(makeLogFont()),
+      appDelegate_(appDelegate),
+      openPanelFolder_(QDir::homePath()),
+      driver_(*this, mainQueue_) {}
+
+void ViewController::viewDidLoad() {
+  dropView->delegate = this;
+  logView->setReadOnly(true);
+  logView->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
+  logView->setUndoRedoEnabled(false);
+  // The text colour stays the palette's, so that it follows the theme.
+  logView->setFont(logFont);
+  restoreCheckboxState(*subfolderCheckbox, subfolderKey);
+  restoreCheckboxState(*overwriteCheckbox, overwriteKey);
+  progressIndicator->setRange(0, progressSteps);
+  progressIndicator->setValue(0);
+  setStatus(localised("Ready."));
+  if (!appDelegate_) return;
+  appDelegate_->mainViewController = this;
+  if (const auto urls = std::exchange(appDelegate_->pendingURLs, {}); !urls.empty())
+    processURLs(urls);
+}
+
+void ViewController::processURLs(const std::vector<std::filesystem::path>& urls) {
+  driver_.processURLs(urls);
+}
+
+void ViewController::filesDropped(const std::vector<std::filesystem::path>& urls) {
+  processURLs(urls);
+}
+
+void ViewController::showOpenPanel() {
+  auto* panel = new OpenPanel(openPanelFolder_, window());
+  panel->setAttribute(Qt::WA_DeleteOnClose);
+  connect(panel, &QDialog::finished, this, [this, panel](int result) {
+    openPanelFolder_ = panel->directory().absolutePath();
+    if (result == QDialog::Accepted) processURLs(panel->chosenURLs());
+  });
+  panel->open();  // modal to its window only
+}
+
+void ViewController::stop() {
+  driver_.stop();
+}
+
+QWidget* ViewController::window() const {
+  return dropView->window();
+}
+
+bool ViewController::useSubfolder() const {
+  return subfolderCheckbox->isChecked();
+}
+
+bool ViewController::overwriteExisting() const {
+  return overwriteCheckbox->isChecked();
+}
+
+void ViewController::setStatus(const std::string& text) {
+  statusLabel->setText(screenText(text));
+}
+
+void ViewController::setProgress(double fraction) {
+  progressIndicator->setValue(static_cast<int>(std::lround(fraction * progressSteps)));
+}
+
+void ViewController::appendLog(const std::string& entry) {
+  // A cursor of its own leaves the user's selection alone.
+  QTextCursor end(logView->document());
+  end.movePosition(QTextCursor::End);
+  end.insertText(screenText(entry) + QLatin1Char('\n'));
+  QScrollBar* bar = logView->verticalScrollBar();
+  bar->setValue(bar->maximum());
+}
+
+void ViewController::subfolderChanged() {
+  storeCheckboxState(*subfolderCheckbox, subfolderKey);
+}
+
+void ViewController::overwriteChanged() {
+  storeCheckboxState(*overwriteCheckbox, overwriteKey);
+}
+
+void ViewController::openDocument() {
+  showOpenPanel();
+}
+
+}  // namespace corvana

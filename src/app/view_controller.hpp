@@ -1,0 +1,73 @@
+// The controller of the main window: connects its views with the batch driver, the preferences
+// and the open panel.
+#pragma once
+
+#include <QCheckBox>
+#include <QFont>
+#include <QLabel>
+#include <QPlainTextEdit>
+#include <QPointer>
+#include <QProgressBar>
+
+#include "app/app_delegate.hpp"
+#include "app/drop_view.hpp"
+#include "app/qt_main_queue.hpp"
+#include "batch/batch_driver.hpp"
+
+namespace corvana {
+
+/// Main thread only. Closing and destroying it waits for the block of samples being written.
+class ViewController : public DropViewDelegate, public BatchView {
+  Q_OBJECT
+ public:
+  /// `appDelegate`, where there is one, learns of the controller in viewDidLoad.
+  explicit ViewController(AppDelegate* appDelegate = nullptr);
+
+  // The views, connected by the window's layout; all of them are set before viewDidLoad.
+  QPointer<DropView> dropView;
+  QPointer<QCheckBox> subfolderCheckbox;
+  QPointer<QCheckBox> overwriteCheckbox;
+  QPointer<QProgressBar> progressIndicator;
+  QPointer<QLabel> statusLabel;
+  QPointer<QPlainTextEdit> logView;
+
+  /// Font of every log line.
+  const QFont logFont;
+
+  /// Puts the views into their first state and takes over files opened before.
+  void viewDidLoad();
+
+  /// Converts files and folders (BatchDriver::processURLs).
+  void processURLs(const std::vector<std::filesystem::path>& urls);
+  void filesDropped(const std::vector<std::filesystem::path>& urls) override;
+
+  /// Lets the user choose files and folders, and converts them.
+  void showOpenPanel();
+
+  /// No further file is started.
+  void stop();
+
+  /// The window that the views are in.
+  QWidget* window() const;
+
+  const BatchDriver& driver() const { return driver_; }
+
+  bool useSubfolder() const override;
+  bool overwriteExisting() const override;
+  void setStatus(const std::string& text) override;
+  void setProgress(double fraction) override;
+  void appendLog(const std::string& entry) override;
+
+ public slots:
+  void subfolderChanged();
+  void overwriteChanged();
+  void openDocument();
+
+ private:
+  QPointer<AppDelegate> appDelegate_;
+  QString openPanelFolder_;  // where the last panel of this run was
+  QtMainQueue mainQueue_;
+  BatchDriver driver_;  // last: its thread ends before its views and its queue do
+};
+
+}  // namespace corvana
