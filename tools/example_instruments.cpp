@@ -157,9 +157,9 @@ void writeWav(const fs::path& path, const Note& note, const Zone& zone,
   const int fraction = pitch.cents < 0 ? pitch.cents + 100 : pitch.cents;
   const TrailingChunks chunks{
       .cue = cuePoints.empty() ? ByteBuffer() : buildCueChunk(cuePoints),
-      .sampler =
-          buildSamplerChunk(note.rate, static_cast<std::uint32_t>(unityNote),
-                            static_cast<std::uint32_t>(fraction / 100.0 * 4294967296.0), loops),
+      .sampler = buildSamplerChunk(
+          note.rate, static_cast<std::uint32_t>(unityNote),
+          static_cast<std::uint32_t>(std::lround(fraction / 100.0 * 4294967296.0)), loops),
       .instrument = buildInstrumentChunk(instrument)};
 
   const auto width = static_cast<std::uint16_t>(bytesPerSample(note));

@@ -1,0 +1,158 @@
+#include "batch/batch_driver.hpp"
+
+#include <gtest/gtest.h>
+
+#include "support/audio_builder.hpp"
+#include "support/conversion.hpp"
+
+namespace corvana {
+namespace {
+
+using namespace test;
+
+using Events = std::vector<std::string>;
+
+/// Writes down what the driver shows.
+class RecordingView : public BatchView {
+ public:
+  bool useSubfolder() const override { return subfolder; }
+  bool overwriteExisting() const override { return overwrite; }
+  void setStatus(const std::string& text) override { events.push_back(text); }
+  void setProgress(double fraction) override { events.push_back(line("bar ", fraction)); }
+  void appendLog(const std::string& entry) override {
+    events.push_back("log " + entry);
+    log.push_back(entry);
+  }
+
+  bool subfolder = false;
+  bool overwrite = false;
+  Events events;
+  Events log;
+};
+
+class Driver : public testing::Test {
+ protected:
+  void run() {
+    queue.runUntil([this] { return driver.totalFiles() == 0; });
+  }
+  /// The events from the first that equals `first` on.
+  Events eventsFrom(const std::string& first) const {
+    return {std::find(view.events.begin(), view.events.end(), first), view.events.end()};
+  }
+  fs::path writeWav(const std::string& name, std::size_t frames = 1) const {
+    return folder.write(name, wav({fmt({.blockAlign = 1, .bits = 8}), data(ByteBuffer(frames))}));
+  }
+
+  const TemporaryFolder folder;
+  RecordingView view;
+  RunLoop queue;
+  BatchDriver driver{view, queue};
+};
+
+TEST_F(Driver, ShowsAFileStepByStep) {
+  const fs::path input = folder.write(
+      "loop.wav", wav({fmt({}), data(bytes("01 02 03")), smpl(60, 0, {{0, 2, 0, 0, 1}})}));
+  driver.processURLs({input});
+  EXPECT_EQ(driver.totalFiles(), 1);
+  run();
+  EXPECT_EQ(
+      view.events,
+      (Events{"bar 0", "Converting loop.wav …", "bar 1",
+              "log loop.wav => loop.aif  [16-bit, mono, 44100 Hz, root key 60, 1 loop, 2 markers]\n"
+              "   ⚠\uFE0E Incomplete last frame discarded.\n"
+              "   ⚠\uFE0E Loop 1: AIFF has no backward loops – converted to a forward loop.\n"
+              "   ⚠\uFE0E Loop 1: a play count of 1 cannot be stored in AIFF (the loop plays "
+              "indefinitely).",
+              "bar 1", "Done – 1 file processed.", "bar 1"}));
+  EXPECT_EQ(driver.finishedFiles(), 0);
+  EXPECT_EQ(driver.failedFiles(), 0);
+}
+
+TEST_F(Driver, SaysSoWhenThereIsNothingToConvert) {
+  driver.processURLs({folder.write("notes.txt", ""), folder / "missing.wav"});
+  EXPECT_EQ(view.events, Events{"log No WAV or AIFF files found."});
+  EXPECT_EQ(driver.totalFiles(), 0);
+}
+
+TEST_F(Driver, GoesOnAfterABrokenFile) {
+  folder.write("2.wav", "RIFF1234WAVE");
+  folder.write("3.wav", "something else");
+  fs::create_symlink("gone", folder / "4.wav");
+  writeWav("1.wav");
+  folder.write("5.WAV", aiff({comm({}), ssnd({})}));
+  driver.processURLs({folder.path()});
+  run();
+  EXPECT_EQ(view.log,
+            (Events{"1.wav => 1.aif  [8-bit, mono, 44100 Hz]", "✗ 2.wav: The fmt chunk is missing.",
+                    "✗ 3.wav: Unsupported format: neither WAV nor AIFF",
+                    "✗ 4.wav: Cannot read '" + (folder / "4.wav").native() +
+                        "': No such file or directory",
+                    "5.WAV => 5.wav  [16-bit, mono, 44100 Hz]"}));
+  EXPECT_EQ(driver.failedFiles(), 3);
+  EXPECT_EQ(view.events[view.events.size() - 2], "Done – 5 files processed.");
+}
+
+TEST_F(Driver, CountsThePartOfTheCurrentFile) {
+  driver.processURLs(
+      {writeWav("a.wav"), writeWav("b.wav", 2 * 1'048'576), writeWav("c.wav"), writeWav("d.wav")});
+  run();
+  const Events events = eventsFrom("Converting b.wav …");
+  EXPECT_EQ(Events(events.begin(), events.begin() + 5),
+            (Events{"Converting b.wav …", "bar 0.375", "bar 0.5",
+                    "log b.wav => b.aif  [8-bit, mono, 44100 Hz]", "bar 0.5"}));
+}
+
+TEST_F(Driver, ASecondBatchJoinsTheRunningOneWithItsOwnOptions) {
+  std::vector<fs::path> files;
+  for (const char* name : {"1.wav", "2.wav", "3.wav", "4.wav", "5.wav", "6.wav", "7.wav"})
+    files.push_back(writeWav(name));
+  driver.processURLs({files.begin(), files.begin() + 5});
+  view.subfolder = true;
+  queue.runUntil([&] { return driver.finishedFiles() == 3; });
+  driver.processURLs({files.begin() + 5, files.end()});
+  EXPECT_EQ(view.events.back(), line("bar ", 3 / 7.0));
+  EXPECT_EQ(driver.totalFiles(), 7);
+  run();
+  EXPECT_EQ(std::count(view.events.begin(), view.events.end(), "Done – 7 files processed."), 1);
+  EXPECT_EQ(view.log.size(), 7U);
+  EXPECT_TRUE(fs::exists(folder / "5.aif"));
+  EXPECT_TRUE(fs::exists(folder / "AIFF/6.aif"));
+  view.events.clear();
+  driver.processURLs({files[0]});
+  run();
+  EXPECT_EQ(view.events[0], "bar 0") << "counters start again";
+  EXPECT_EQ(view.events[view.events.size() - 2], "Done – 1 file processed.");
+}
+
+TEST_F(Driver, ReplacesOnlyWhenAllowed) {
+  const fs::path input = writeWav("x.wav");
+  folder.write("x.aif", "old");
+  driver.processURLs({input});
+  run();
+  EXPECT_EQ(folder.files(), (std::vector<std::string>{"x (1).aif", "x.aif", "x.wav"}));
+  EXPECT_EQ(readText(folder / "x.aif"), "old");
+  view.overwrite = true;
+  driver.processURLs({input});
+  run();
+  EXPECT_EQ(readFile(folder / "x.aif"), readFile(folder / "x (1).aif"));
+}
+
+TEST_F(Driver, StopsAfterTheCurrentBlock) {
+  const fs::path big = writeWav("big.wav", 0);
+  ByteBuffer header = readFile(big);
+  std::fill(header.end() - 4, header.end(), std::uint8_t{0x7F});
+  folder.write("big.wav", header);
+  fs::resize_file(big, 2'000'000'000);
+  driver.processURLs({big, writeWav("next.wav")});
+  queue.runUntil([this] { return view.events.size() > 3; });
+  driver.stop();
+  run();
+  EXPECT_EQ(view.log,
+            Events{"✗ big.wav: Stopped – '" + (folder / "big.aif").native() + "' is incomplete."});
+  EXPECT_FALSE(fs::exists(folder / "next.aif"));
+  EXPECT_LT(fs::file_size(folder / "big.aif"), 2'000'000'000U);
+  EXPECT_EQ(driver.finishedFiles(), 0);
+}
+
+}  // namespace
+}  // namespace corvana

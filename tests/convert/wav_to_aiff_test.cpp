@@ -1,0 +1,240 @@
+#include "convert/wav_to_aiff.hpp"
+
+#include <gtest/gtest.h>
+
+#include "aiff/aiff_reader.hpp"
+#include "convert/wav_to_aiff_metadata.hpp"
+#include "support/audio_builder.hpp"
+#include "support/conversion.hpp"
+#include "vocabulary/errors.hpp"
+
+namespace corvana {
+namespace {
+
+using namespace test;
+
+TEST(WavToAiff, WritesExactlyTheseBytes) {
+  const Converted plain = convert(wav({fmt({}), data(bytes("01 02 03 04 05 06"))}));
+  EXPECT_EQ(plain.file,
+            bytes("'FORM' 00 00 00 34 'AIFF' 'COMM' 00 00 00 12 00 01 00 00 00 03 00 10 "
+                  "40 0E AC 44 00 00 00 00 00 00 "
+                  "'SSND' 00 00 00 0E 00 00 00 00 00 00 00 00 02 01 04 03 06 05"));
+  EXPECT_EQ(plain.summary, "16-bit, mono, 44100 Hz");
+
+  const Converted odd = convert(wav({
+      fmt({.rate = 48000, .blockAlign = 1, .bits = 8}),
+      data(bytes("00 80 FF")),
+      smpl(60, 0x80000000, {{9, 1, 0, 1, 0}}),
+      cue({{77, 0}, {5, 3}}),
+      inst(InstrumentChunk{61, 10, -6, 0, 130, 0, 200}),
+  }));
+  EXPECT_EQ(odd.file,
+            bytes("'FORM' 00 00 00 8A 'AIFF' 'COMM' 00 00 00 12 00 01 00 00 00 03 00 08 "
+                  "40 0E BB 80 00 00 00 00 00 00 "
+                  "'MARK' 00 00 00 34 00 03 "
+                  "00 01 00 00 00 00 0C 'Loop 1 Start' 00 "
+                  "00 02 00 00 00 02 0A 'Loop 1 End' 00 "
+                  "00 03 00 00 00 03 05 'Cue 5' "
+                  "'INST' 00 00 00 14 3C CE 00 7F 01 7F FF FA 00 02 00 01 00 02 00 00 00 00 00 00 "
+                  "'SSND' 00 00 00 0B 00 00 00 00 00 00 00 00 80 00 7F 00"));
+  EXPECT_EQ(odd.summary, "8-bit, mono, 48000 Hz, root key 60 (-50 ct), 1 loop, 3 markers");
+  EXPECT_EQ(odd.warnings, Warnings{});
+}
+
+TEST(WavToAiff, ConvertsFilesWithoutFrames) {
+  const Converted empty = convert(wav({fmt({.channels = 2, .blockAlign = 4}), data({1, 2, 3})}));
+  EXPECT_EQ(empty.file,
+            bytes("'FORM' 00 00 00 2E 'AIFF' 'COMM' 00 00 00 12 00 02 00 00 00 00 00 10 "
+                  "40 0E AC 44 00 00 00 00 00 00 "
+                  "'SSND' 00 00 00 08 00 00 00 00 00 00 00 00"));
+  EXPECT_EQ(empty.progress, std::vector<double>{1.0});
+  EXPECT_EQ(empty.warnings, Warnings{"Incomplete last frame discarded."});
+}
+
+struct Mapped {
+  AiffMetadata metadata;
+  Warnings warnings;
+};
+
+Mapped mapLoops(const std::vector<SampleLoop>& loops, const std::vector<CuePoint>& cuePoints = {}) {
+  WavInfo info;
+  info.loops = loops;
+  info.cuePoints = cuePoints;
+  Mapped mapped;
+  mapped.metadata = mapWavMetadata(info, 1000, mapped.warnings);
+  return mapped;
+}
+
+std::string describe(const AiffMetadata& metadata) {
+  std::string text;
+  for (const AiffMarker& marker : metadata.markers)
+    text += line(marker.id, " ", marker.name, " @", marker.position, "; ");
+  for (const AiffLoop& loop : {metadata.instrument->sustainLoop, metadata.instrument->releaseLoop})
+    text += line("(", loop.playMode, " ", loop.beginMarker, " ", loop.endMarker, ")");
+  return text;
+}
+
+TEST(WavToAiff, MapsLoops) {
+  const char* none = "(0 0 0)(0 0 0)";
+  const struct {
+    const char* name;
+    std::vector<SampleLoop> loops;
+    std::string expected;
+    Warnings warnings = {};
+  } cases[] = {
+      {"none", {}, none},
+      {"forward", {{0, 0, 100, 199, 0}}, "1 Loop 1 Start @100; 2 Loop 1 End @200; (1 1 2)(0 0 0)"},
+      {"alternating", {{0, 1, 0, 0, 0}}, "1 Loop 1 Start @0; 2 Loop 1 End @1; (2 1 2)(0 0 0)"},
+      {"last frame",
+       {{0, 0, 999, 999, 0}},
+       "1 Loop 1 Start @999; 2 Loop 1 End @1000; (1 1 2)(0 0 0)"},
+      {"end behind the last frame",
+       {{0, 0, 5, 4294967295, 0}},
+       "1 Loop 1 Start @5; 2 Loop 1 End @1000; (1 1 2)(0 0 0)"},
+      {"start behind the last frame",
+       {{0, 0, 1000, 1001, 0}},
+       none,
+       {"Loop 1 is invalid (start 1000, end 1001) – skipped."}},
+      {"reversed, then a good one",
+       {{0, 2, 51, 50, 7}, {0, 0, 7, 8, 0}},
+       "1 Loop 2 Start @7; 2 Loop 2 End @9; (1 1 2)(0 0 0)",
+       {"Loop 1 is invalid (start 51, end 50) – skipped."}},
+      {"backward with a play count",
+       {{0, 2, 0, 9, 3}},
+       "1 Loop 1 Start @0; 2 Loop 1 End @10; (1 1 2)(0 0 0)",
+       {"Loop 1: AIFF has no backward loops – converted to a forward loop.",
+        "Loop 1: a play count of 3 cannot be stored in AIFF (the loop plays indefinitely)."}},
+      {"unknown type",
+       {{0, 4294967295, 0, 9, 0}},
+       "1 Loop 1 Start @0; 2 Loop 1 End @10; (1 1 2)(0 0 0)",
+       {"Loop 1: unknown loop type 4294967295 – converted to a forward loop."}},
+      {"three",
+       {{0, 0, 0, 9, 0}, {0, 1, 10, 19, 0}, {0, 0, 20, 29, 4294967295}},
+       "1 Loop 1 Start @0; 2 Loop 1 End @10; 3 Loop 2 Start @10; 4 Loop 2 End @20; "
+       "5 Loop 3 Start @20; 6 Loop 3 End @30; (1 1 2)(2 3 4)",
+       {"Loop 3: a play count of 4294967295 cannot be stored in AIFF (the loop plays "
+        "indefinitely).",
+        "AIFF supports only 2 loops (sustain/release) – loop 3 and above are kept as markers "
+        "only."}},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.name);
+    const Mapped mapped = mapLoops(c.loops);
+    EXPECT_EQ(describe(mapped.metadata), c.expected);
+    EXPECT_EQ(mapped.warnings, c.warnings);
+  }
+}
+
+TEST(WavToAiff, MapsCuePointsWhereNoMarkerLies) {
+  const Mapped mapped =
+      mapLoops({{0, 0, 100, 199, 0}},
+               {{9, 100}, {8, 200}, {7, 199}, {6, 199}, {4294967295, 1000}, {4, 1001}, {3, 0}});
+  EXPECT_EQ(describe(mapped.metadata),
+            "1 Loop 1 Start @100; 2 Loop 1 End @200; 3 Cue 7 @199; 4 Cue 4294967295 @1000; "
+            "5 Cue 3 @0; (1 1 2)(0 0 0)");
+  EXPECT_EQ(mapped.warnings, Warnings{});
+}
+
+TEST(WavToAiff, StopsAtTheLastMarkerID) {
+  std::vector<CuePoint> points;
+  for (std::uint32_t i = 0; i < 40000; ++i)
+    points.push_back({i, i});
+  WavInfo info;
+  info.cuePoints = points;
+  Warnings warnings;
+  EXPECT_EQ(mapWavMetadata(info, 50000, warnings).markers.size(), 32766U);
+
+  const SampleLoop invalid{0, 0, 9, 1, 0};
+  std::vector<SampleLoop> loops(20000, {0, 0, 0, 9, 0});
+  loops.push_back(invalid);
+  info.loops = loops;
+  const AiffMetadata metadata = mapWavMetadata(info, 50000, warnings);
+  EXPECT_EQ(metadata.loops.size(), 16382U) << "IDs 1 to 32764";
+  EXPECT_EQ(metadata.markers.size(), 32766U) << "two cue points still fit";
+  EXPECT_EQ(metadata.markers.back().id, 32766);
+  ASSERT_EQ(warnings.size(), 1U) << "none for the loops that are not reached";
+  EXPECT_TRUE(warnings[0].starts_with("AIFF supports only 2 loops"));
+}
+
+TEST(WavToAiff, DerivesTheInstrument) {
+  using Chunk = std::optional<InstrumentChunk>;
+  const auto cents = [](double c) { return static_cast<std::uint32_t>(c / 100 * 4294967296.0); };
+  const struct {
+    const char* name;
+    std::optional<std::pair<std::uint32_t, std::uint32_t>> sampler;  ///< note, fraction
+    Chunk chunk;
+    const char* expected;  ///< note, detune, keys, velocities, gain
+  } cases[] = {
+      {"neither", {}, {}, "none"},
+      {"inst alone", {}, Chunk({64, -7, -6, 1, 2, 3, 4}), "64 -7 1-2 3-4 -6"},
+      {"inst beyond AIFF",
+       {},
+       Chunk({200, 100, -128, 130, 140, 0, 200}),
+       "127 50 127-127 1-127 -128"},
+      {"inst below", {}, Chunk({0, -100, 127, 0, 0, 255, 0}), "0 -50 0-0 127-1 127"},
+      {"smpl alone", {{60, 0}}, {}, "60 0 0-127 1-127 0"},
+      {"30 cents above", {{60, cents(30)}}, {}, "60 -30 0-127 1-127 0"},
+      {"50 cents above", {{60, 0x80000000}}, {}, "60 -50 0-127 1-127 0"},
+      {"half a cent rounds away", {{60, 0x8147AE15}}, {}, "61 49 0-127 1-127 0"},
+      {"just below it", {{60, 0x8147AE14}}, {}, "60 -50 0-127 1-127 0"},
+      {"51 cents above", {{60, 0x83D70A3D}}, {}, "61 49 0-127 1-127 0"},
+      {"a whole semitone", {{60, 0xFFFFFFFF}}, {}, "61 0 0-127 1-127 0"},
+      {"note 127 and more", {{4294967295, cents(70)}}, {}, "127 30 0-127 1-127 0"},
+      {"both, same note",
+       {{60, cents(30)}},
+       Chunk({60, 12, 1, 0, 127, 1, 127}),
+       "60 12 0-127 1-127 1"},
+      {"both, other note", {{60, cents(30)}}, Chunk({62, 12, 1, 5, 6, 7, 8}), "60 -30 5-6 7-8 1"},
+      {"both, note cut to 127",
+       {{300, 0}},
+       Chunk({127, 12, 0, 0, 127, 1, 127}),
+       "127 12 0-127 1-127 0"},
+  };
+  for (const auto& c : cases) {
+    WavInfo info;
+    if (c.sampler) {
+      info.loops.emplace();
+      std::tie(info.midiUnityNote, info.midiPitchFraction) = *c.sampler;
+    }
+    info.instrument = c.chunk;
+    Warnings warnings;
+    const auto mapped = mapWavMetadata(info, 10, warnings).instrument;
+    EXPECT_EQ(mapped ? line(+mapped->baseNote, " ", +mapped->detune, " ", +mapped->lowNote, "-",
+                            +mapped->highNote, " ", +mapped->lowVelocity, "-",
+                            +mapped->highVelocity, " ", mapped->gain)
+                     : "none",
+              c.expected)
+        << c.name;
+    EXPECT_EQ(warnings, Warnings{});
+  }
+}
+
+TEST(WavToAiff, RefusesTooManyChannelsAndTooMuchSound) {
+  const TemporaryFolder folder;
+  const fs::path output = folder.write("out.aif", "old");
+  const auto errorOf = [&](const fs::path& path) -> std::string {
+    const InputFile input(path);
+    try {
+      convertWAVToAIFF(input, {output, true, input.identity()}, [](double) { throw 1; });
+    } catch (const ConversionError& error) {
+      return error.errorDescription();
+    } catch (int) {
+    }
+    return "converting";
+  };
+  const fs::path channels =
+      folder.write("a", wav({fmt({.channels = 32768, .blockAlign = 32768, .bits = 8}), data({1})}));
+  EXPECT_EQ(errorOf(channels), "Unsupported format: 32768 channels");
+
+  const fs::path big =
+      folder.write("b", wav({fmt({.blockAlign = 1, .bits = 8}), text("data"), le(0xFFFFFFFF, 4)}));
+  constexpr std::uint64_t mostFrames = 4294966270 - 8;
+  fs::resize_file(big, 44 + mostFrames + 1);
+  EXPECT_EQ(errorOf(big), "The file is too large (max. 4 GB).");
+  EXPECT_EQ(readText(output), "old");
+  fs::resize_file(big, 44 + mostFrames);
+  EXPECT_EQ(errorOf(big), "converting");
+}
+
+}  // namespace
+}  // namespace corvana

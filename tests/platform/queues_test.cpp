@@ -1,0 +1,77 @@
+#include "platform/queues.hpp"
+
+#include <atomic>
+#include <future>
+#include <gtest/gtest.h>
+#include <memory>
+#include <vector>
+
+namespace corvana {
+namespace {
+
+TEST(SerialQueue, RunsTasksInOrderOnOneOtherThread) {
+  std::vector<int> order;
+  std::promise<std::thread::id> last;
+  std::thread::id first;
+  SerialQueue queue("test");
+  for (int i = 0; i < 100; ++i)
+    queue.async([&order, &first, i] {
+      if (i == 0) first = std::this_thread::get_id();
+      order.push_back(i);
+    });
+  queue.async([&last] { last.set_value(std::this_thread::get_id()); });
+  EXPECT_EQ(last.get_future().get(), first);
+  EXPECT_NE(first, std::this_thread::get_id());
+  ASSERT_EQ(order.size(), 100U);
+  EXPECT_TRUE(std::is_sorted(order.begin(), order.end()));
+}
+
+TEST(SerialQueue, EndsAfterTheRunningTaskAndDropsTheRest) {
+  std::promise<void> running;
+  std::promise<void> mayEnd;
+  std::atomic<bool> ended = false;
+  std::atomic<bool> second = false;
+  auto queue = std::make_unique<SerialQueue>("test");
+  queue->async([&] {
+    running.set_value();
+    mayEnd.get_future().wait();
+    ended = true;
+  });
+  queue->async([&] { second = true; });
+  running.get_future().wait();
+  std::thread release([&] {
+    std::this_thread::sleep_for(std::chrono::milliseconds(50));
+    mayEnd.set_value();
+  });
+  queue.reset();
+  EXPECT_TRUE(ended);
+  EXPECT_FALSE(second);
+  release.join();
+}
+
+TEST(RunLoop, KeepsTheOrderOfAWorkerThatIsFarAhead) {
+  constexpr int count = 10'000;
+  std::vector<int> order;
+  RunLoop loop;
+  std::thread worker([&] {
+    for (int i = 0; i < count; ++i)
+      loop.post([&order, i] { order.push_back(i); });
+  });
+  loop.runUntil([&] { return order.size() == count; });
+  worker.join();
+  EXPECT_TRUE(std::is_sorted(order.begin(), order.end()));
+}
+
+TEST(RunLoop, ATaskMayPostEvenWhenTheQueueIsFull) {
+  int done = 0;
+  RunLoop loop;
+  loop.post([&] {
+    for (int i = 0; i < 5000; ++i)
+      loop.post([&] { ++done; });
+  });
+  loop.runUntil([&] { return done == 5000; });
+  EXPECT_EQ(done, 5000);
+}
+
+}  // namespace
+}  // namespace corvana

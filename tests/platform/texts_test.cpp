@@ -1,0 +1,78 @@
+#include "platform/texts.hpp"
+
+#include <gtest/gtest.h>
+#include <limits>
+
+namespace corvana {
+namespace {
+
+using namespace std::string_view_literals;
+
+TEST(Texts, DecimalFormOfDoublesIsTheShortestThatReadsBack) {
+  constexpr double infinity = std::numeric_limits<double>::infinity();
+  const struct {
+    double number;
+    const char* text;
+  } cases[] = {
+      {0, "0.0"},
+      {44100.5, "44100.5"},
+      {22050.0001, "22050.0001"},
+      {0.1 + 0.2, "0.30000000000000004"},
+      {4e9, "4000000000.0"},
+      {9007199254740993.0, "9007199254740992.0"},
+      {9999999999999998.0, "9999999999999998.0"},
+      {1e16, "1e+16"},
+      {123456789012345680.0, "1.2345678901234568e+17"},
+      {1.7976931348623157e308, "1.7976931348623157e+308"},
+      {0.0001, "0.0001"},
+      {0.00009999, "9.999e-05"},
+      {5e-324, "5e-324"},
+      {infinity, "inf"},
+      {-infinity, "-inf"},
+      {std::numeric_limits<double>::quiet_NaN(), "nan"},
+  };
+  for (const auto& [number, text] : cases)
+    EXPECT_EQ(decimalText(number), text);
+}
+
+TEST(Texts, FillsPlacesInOrderAndByNumber) {
+  EXPECT_EQ(fillText("%@ – %@!", {"a", "b"}), "a – b!");
+  EXPECT_EQ(fillText("%2$@ %1$@ %2$@", {"a", "b"}), "b a b");
+  EXPECT_EQ(fillText("<%@|%@|%9$@>", {"a"}), "<a||>") << "places without a text";
+  EXPECT_EQ(fillText("%@ %@", {"%@ %1$@", "b"}), "%@ %1$@ b") << "texts are no formats";
+  EXPECT_EQ(fillText("100 % %0$@ %1$ %d %", {"a"}), "100 % %0$@ %1$ %d %");
+  EXPECT_EQ(fillText("%@", {"a\0b"sv}), "a\0b"sv);
+}
+
+TEST(Texts, CountsPickTheSingularForExactlyOne) {
+  const auto loops = [](std::int64_t count) {
+    return localisedCount("%ld loop", "%ld loops", count);
+  };
+  EXPECT_EQ(loops(1), "1 loop");
+  EXPECT_EQ(loops(0), "0 loops");
+  EXPECT_EQ(loops(-1), "-1 loops");
+  EXPECT_EQ(loops(1234567), "1234567 loops");
+}
+
+TEST(Texts, ReadableTextDrivesNoTerminal) {
+  const std::string bad = "\xEF\xBF\xBD";
+  const struct {
+    std::string_view text;
+    std::string readable;
+  } cases[] = {
+      {"Flügel – 音.wav\n🎹", "Flügel – 音.wav\n🎹"},
+      {"\x1b[2Jx\r\t\x7f", bad + "[2Jx" + bad + bad + bad},
+      {"a\0b"sv, "a" + bad + "b"},
+      {"\xC2\x9B|\xC2\xA0", bad + "|\xC2\xA0"},               // a one-character escape; a blank
+      {"\xE9t\xE9", bad + "t" + bad},                         // Latin-1
+      {"\xE2\x82", bad + bad},                                // cut
+      {"\xC0\xAF\xE0\x80\x80", bad + bad + bad + bad + bad},  // overlong
+      {"\xED\xA0\x80", bad + bad + bad},                      // surrogate
+      {"\xF4\x90\x80\x80", bad + bad + bad + bad},            // beyond the last character
+  };
+  for (const auto& [text, readable] : cases)
+    EXPECT_EQ(readableText(text), readable);
+}
+
+}  // namespace
+}  // namespace corvana

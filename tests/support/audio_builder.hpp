@@ -1,0 +1,199 @@
+// Assembles WAV and AIFF files field by field, independently of the program's own writers, so
+// that every field can also be given a value that no writer would.
+#pragma once
+
+#include <cctype>
+#include <cstdint>
+#include <initializer_list>
+#include <optional>
+#include <string_view>
+#include <vector>
+
+#include "aiff/aiff_format.hpp"
+#include "vocabulary/bytes.hpp"
+#include "wav/wav_format.hpp"
+
+namespace corvana::test {
+
+/// Two hex digits a byte, text between apostrophes: "'RIFF' 24 00 00 00".
+inline ByteBuffer bytes(std::string_view notation) {
+  ByteBuffer result;
+  const auto digit = [](char c) { return c <= '9' ? c - '0' : std::tolower(c) - 'a' + 10; };
+  for (std::size_t i = 0; i < notation.size(); ++i) {
+    if (notation[i] == '\'') {
+      while (notation[++i] != '\'')
+        result.push_back(static_cast<std::uint8_t>(notation[i]));
+    } else if (std::isxdigit(static_cast<unsigned char>(notation[i])) != 0) {
+      result.push_back(static_cast<std::uint8_t>(digit(notation[i]) << 4 | digit(notation[i + 1])));
+      ++i;
+    }
+  }
+  return result;
+}
+
+inline ByteBuffer be(std::uint64_t value, unsigned width) {
+  ByteBuffer result(width);
+  for (unsigned i = width; i-- > 0; value >>= 8)
+    result[i] = static_cast<std::uint8_t>(value);
+  return result;
+}
+
+inline ByteBuffer le(std::uint64_t value, unsigned width) {
+  const ByteBuffer reversed = be(value, width);
+  return {reversed.rbegin(), reversed.rend()};
+}
+
+inline ByteBuffer join(std::initializer_list<ByteBuffer> parts) {
+  ByteBuffer result;
+  for (const ByteBuffer& part : parts)
+    result.insert(result.end(), part.begin(), part.end());
+  return result;
+}
+
+inline ByteBuffer text(std::string_view characters) {
+  return {characters.begin(), characters.end()};
+}
+
+inline ByteBuffer firstBytes(ByteBuffer buffer, std::size_t count) {
+  buffer.resize(count);
+  return buffer;
+}
+
+// WAV, little-endian. Every builder of a chunk gives header, body and pad byte.
+
+inline ByteBuffer wavChunk(std::string_view id, const ByteBuffer& body) {
+  return join({text(id), le(body.size(), 4), body, ByteBuffer(body.size() % 2)});
+}
+
+inline ByteBuffer wav(std::initializer_list<ByteBuffer> chunks) {
+  const ByteBuffer content = join(chunks);
+  return join({text("RIFF"), le(content.size() + 4, 4), text("WAVE"), content});
+}
+
+struct Format {
+  std::uint16_t tag = format_tag::pcm;
+  std::uint16_t channels = 1;
+  std::uint32_t rate = 44100;
+  std::uint16_t blockAlign = 2;
+  std::uint16_t bits = 16;
+  std::optional<std::uint16_t> validBits = std::nullopt;  ///< makes it the extensible form
+  std::uint16_t subFormat = format_tag::pcm;
+};
+
+inline ByteBuffer formatBody(const Format& f) {
+  ByteBuffer body = join({le(f.tag, 2), le(f.channels, 2), le(f.rate, 4), le(0xBAD, 4),
+                          le(f.blockAlign, 2), le(f.bits, 2)});
+  if (!f.validBits) return body;
+  return join({body, le(22, 2), le(*f.validBits, 2), le(0, 4), le(f.subFormat, 2),
+               bytes("00 00 00 00 10 00 80 00 00 AA 00 38 9B 71")});
+}
+
+inline ByteBuffer fmt(const Format& f) {
+  return wavChunk("fmt ", formatBody(f));
+}
+
+inline ByteBuffer data(const ByteBuffer& samples) {
+  return wavChunk("data", samples);
+}
+
+/// The fields that nobody reads are filled with noise.
+inline ByteBuffer samplerBody(std::uint32_t note, std::uint32_t fraction,
+                              const std::vector<SampleLoop>& loops,
+                              std::optional<std::uint32_t> declaredLoops = std::nullopt) {
+  ByteBuffer body = join({le(7, 4), le(8, 4), le(9, 4), le(note, 4), le(fraction, 4), le(10, 4),
+                          le(11, 4), le(declaredLoops.value_or(loops.size()), 4), le(12, 4)});
+  for (const SampleLoop& loop : loops)
+    body = join({body, le(loop.cueID, 4), le(loop.type, 4), le(loop.start, 4), le(loop.end, 4),
+                 le(13, 4), le(loop.playCount, 4)});
+  return body;
+}
+
+inline ByteBuffer smpl(std::uint32_t note, std::uint32_t fraction,
+                       const std::vector<SampleLoop>& loops = {}) {
+  return wavChunk("smpl", samplerBody(note, fraction, loops));
+}
+
+inline ByteBuffer cueBody(const std::vector<CuePoint>& points,
+                          std::optional<std::uint32_t> declaredPoints = std::nullopt) {
+  ByteBuffer body = le(declaredPoints.value_or(points.size()), 4);
+  for (const CuePoint& point : points)
+    body = join({body, le(point.id, 4), le(0xBAD, 4), text("slnt"), le(14, 4), le(15, 4),
+                 le(point.position, 4)});
+  return body;
+}
+
+inline ByteBuffer cue(const std::vector<CuePoint>& points) {
+  return wavChunk("cue ", cueBody(points));
+}
+
+inline ByteBuffer inst(const InstrumentChunk& i) {
+  return wavChunk("inst", {i.unshiftedNote, static_cast<std::uint8_t>(i.fineTune),
+                           static_cast<std::uint8_t>(i.gain), i.lowNote, i.highNote, i.lowVelocity,
+                           i.highVelocity});
+}
+
+// AIFF, big-endian.
+
+inline const ByteBuffer rate44100 = bytes("40 0E AC 44 00 00 00 00 00 00");
+
+inline ByteBuffer aiffChunk(std::string_view id, const ByteBuffer& body) {
+  return join({text(id), be(body.size(), 4), body, ByteBuffer(body.size() % 2)});
+}
+
+inline ByteBuffer aiff(std::initializer_list<ByteBuffer> chunks, std::string_view form = "AIFF") {
+  const ByteBuffer content = join(chunks);
+  return join({text("FORM"), be(content.size() + 4, 4), text(form), content});
+}
+
+struct Common {
+  int channels = 1;
+  std::uint32_t frames = 0;
+  int bits = 16;
+  ByteBuffer rate = rate44100;
+  std::string_view compression = {};  ///< four characters for AIFF-C
+};
+
+inline ByteBuffer commonBody(const Common& c) {
+  return join({be(static_cast<std::uint16_t>(c.channels), 2), be(c.frames, 4),
+               be(static_cast<std::uint16_t>(c.bits), 2), c.rate, text(c.compression)});
+}
+
+inline ByteBuffer comm(const Common& c) {
+  return aiffChunk("COMM", commonBody(c));
+}
+
+inline ByteBuffer ssnd(const ByteBuffer& samples, std::uint32_t offset = 0) {
+  return aiffChunk("SSND", join({be(offset, 4), be(0xBAD, 4), samples}));
+}
+
+inline ByteBuffer markerBody(const std::vector<AiffMarker>& markers,
+                             std::optional<std::uint16_t> declaredMarkers = std::nullopt) {
+  ByteBuffer body = be(declaredMarkers.value_or(markers.size()), 2);
+  for (const AiffMarker& marker : markers)
+    body = join({body, be(static_cast<std::uint16_t>(marker.id), 2), be(marker.position, 4),
+                 be(marker.name.size(), 1), text(marker.name),
+                 ByteBuffer(marker.name.size() % 2 == 0 ? 1 : 0)});
+  return body;
+}
+
+inline ByteBuffer mark(const std::vector<AiffMarker>& markers) {
+  return aiffChunk("MARK", markerBody(markers));
+}
+
+inline ByteBuffer instrumentBody(const AiffInstrument& i) {
+  ByteBuffer body;
+  for (const std::int8_t field :
+       {i.baseNote, i.detune, i.lowNote, i.highNote, i.lowVelocity, i.highVelocity})
+    body.push_back(static_cast<std::uint8_t>(field));
+  for (const std::int16_t field :
+       {i.gain, i.sustainLoop.playMode, i.sustainLoop.beginMarker, i.sustainLoop.endMarker,
+        i.releaseLoop.playMode, i.releaseLoop.beginMarker, i.releaseLoop.endMarker})
+    body = join({body, be(static_cast<std::uint16_t>(field), 2)});
+  return body;
+}
+
+inline ByteBuffer inst(const AiffInstrument& i) {
+  return aiffChunk("INST", instrumentBody(i));
+}
+
+}  // namespace corvana::test

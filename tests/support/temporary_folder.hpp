@@ -1,0 +1,73 @@
+// A folder of its own for one test, removed afterwards.
+#pragma once
+
+#include <algorithm>
+#include <filesystem>
+#include <fstream>
+#include <gtest/gtest.h>
+#include <iterator>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "vocabulary/bytes.hpp"
+
+namespace corvana::test {
+
+namespace fs = std::filesystem;
+
+inline ByteBuffer readFile(const fs::path& path) {
+  std::ifstream file(path, std::ios::binary);
+  EXPECT_TRUE(file.good()) << path;
+  return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
+}
+
+inline std::string readText(const fs::path& path) {
+  const ByteBuffer content = readFile(path);
+  return {content.begin(), content.end()};
+}
+
+class TemporaryFolder {
+ public:
+  TemporaryFolder() {
+    std::string name = (fs::temp_directory_path() / "corvana-test-XXXXXX").native();
+    if (::mkdtemp(name.data()) == nullptr) throw std::runtime_error("no temporary folder");
+    path_ = name;
+  }
+  TemporaryFolder(const TemporaryFolder&) = delete;
+  TemporaryFolder& operator=(const TemporaryFolder&) = delete;
+  ~TemporaryFolder() {
+    std::error_code error;
+    fs::remove_all(path_, error);
+  }
+
+  const fs::path& path() const { return path_; }
+  fs::path operator/(const fs::path& name) const { return path_ / name; }
+
+  /// Makes missing folders on the way.
+  fs::path write(const fs::path& name, ByteView content) const {
+    fs::create_directories((path_ / name).parent_path());
+    std::ofstream file(path_ / name, std::ios::binary);
+    file.write(reinterpret_cast<const char*>(content.data()),
+               static_cast<std::streamsize>(content.size()));
+    return path_ / name;
+  }
+  fs::path write(const fs::path& name, std::string_view content) const {
+    return write(name,
+                 ByteView(reinterpret_cast<const std::uint8_t*>(content.data()), content.size()));
+  }
+
+  /// The files below, relative and sorted.
+  std::vector<std::string> files() const {
+    std::vector<std::string> names;
+    for (const auto& entry : fs::recursive_directory_iterator(path_))
+      if (!entry.is_directory()) names.push_back(entry.path().lexically_relative(path_).native());
+    std::sort(names.begin(), names.end());
+    return names;
+  }
+
+ private:
+  fs::path path_;
+};
+
+}  // namespace corvana::test
