@@ -2,6 +2,8 @@
 
 #include <array>
 
+#include "platform/unicode.hpp"
+
 namespace corvana {
 namespace {
 
@@ -26,19 +28,6 @@ constexpr std::array<char16_t, 128> upperHalf = {
     0x00AF, 0x02D8, 0x02D9, 0x02DA, 0x00B8, 0x02DD, 0x02DB, 0x02C7,  // ¯ ˘ ˙ ˚ ¸ ˝ ˛ ˇ
 };
 // clang-format on
-
-void appendUtf8(std::string& text, char16_t character) {
-  if (character < 0x80) {
-    text += static_cast<char>(character);
-  } else if (character < 0x800) {
-    text += static_cast<char>(0xC0 | character >> 6);
-    text += static_cast<char>(0x80 | (character & 0x3F));
-  } else {
-    text += static_cast<char>(0xE0 | character >> 12);
-    text += static_cast<char>(0x80 | (character >> 6 & 0x3F));
-    text += static_cast<char>(0x80 | (character & 0x3F));
-  }
-}
 
 }  // namespace
 

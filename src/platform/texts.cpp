@@ -9,6 +9,8 @@
 #include <libintl.h>
 #include <system_error>
 
+#include "platform/unicode.hpp"
+
 namespace corvana {
 namespace {
 
@@ -39,30 +41,6 @@ std::string groupedText(std::int64_t number) {
       std::snprintf(text.data(), text.size(), "%'lld", static_cast<long long>(number));
 #pragma GCC diagnostic pop
   return {text.data(), static_cast<std::size_t>(length)};
-}
-
-/// Length of the well-formed UTF-8 sequence at the start of `text`, 0 when there is none.
-std::size_t utf8SequenceLength(std::string_view text) {
-  const auto byte = [&](std::size_t index) {
-    return index < text.size() ? static_cast<unsigned char>(text[index]) : 0U;
-  };
-  const auto continues = [&](std::size_t index, unsigned low = 0x80, unsigned high = 0xBF) {
-    return byte(index) >= low && byte(index) <= high;
-  };
-  const unsigned first = byte(0);
-  if (first < 0x80) return 1;
-  if (first >= 0xC2 && first <= 0xDF) return continues(1) ? 2 : 0;
-  if (first >= 0xE0 && first <= 0xEF) {
-    const unsigned low = first == 0xE0 ? 0xA0 : 0x80;
-    const unsigned high = first == 0xED ? 0x9F : 0xBF;
-    return continues(1, low, high) && continues(2) ? 3 : 0;
-  }
-  if (first >= 0xF0 && first <= 0xF4) {
-    const unsigned low = first == 0xF0 ? 0x90 : 0x80;
-    const unsigned high = first == 0xF4 ? 0x8F : 0xBF;
-    return continues(1, low, high) && continues(2) && continues(3) ? 4 : 0;
-  }
-  return 0;
 }
 
 }  // namespace

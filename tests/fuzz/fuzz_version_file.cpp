@@ -1,0 +1,41 @@
+// Feeds the version file's reader: an even first byte takes the rest for a scrambled file as a
+// server may send it, an odd one for a plain file, which it scrambles first. Run with
+// -close_fd_mask=1, since refused text writes a line to standard output.
+
+#include <cstddef>
+#include <cstdint>
+#include <cstdlib>
+#include <string_view>
+
+#include "platform/unicode.hpp"
+#include "update/result_texts.hpp"
+#include "update/simple_encrypt_text.hpp"
+#include "update/version_file.hpp"
+
+namespace {
+
+void require(bool condition) {
+  if (!condition) std::abort();
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+  if (size == 0) return 0;
+  const std::string_view bytes(reinterpret_cast<const char*>(data) + 1, size - 1);
+  std::u16string text = corvana::utf16FromUtf8(bytes);
+  const bool isPlain = data[0] % 2 != 0;
+  if (isPlain) {
+    const auto unsafe = corvana::firstUnsafeCharacter(text);
+    require(!unsafe || *unsafe < text.size());
+    text = corvana::simpleEncryptText(text, true);
+  }
+
+  const corvana::VantorErgebnis ergebnis = corvana::parseVersionFile(text, u"Corvana", u"1.1");
+  require(ergebnis.neueVersionVorhanden == !ergebnis.newAppVersion.empty());
+  require(ergebnis.neueVersionVorhanden == !ergebnis.newReleaseNotes.empty());
+  require(ergebnis.neueVersionVorhanden || ergebnis.newDownloadURL.empty());
+  require(ergebnis.warDasEineGueltigeDatei || ergebnis == corvana::VantorErgebnis());
+  require(!corvana::resultTexts(ergebnis, 200, u"Corvana", u"1.1").text.empty());
+  return 0;
+}

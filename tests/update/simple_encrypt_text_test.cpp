@@ -1,0 +1,142 @@
+#include "update/simple_encrypt_text.hpp"
+
+#include <algorithm>
+#include <gtest/gtest.h>
+#include <random>
+
+#include "platform/unicode.hpp"
+
+namespace corvana {
+namespace {
+
+constexpr std::size_t commonPeriod = std::size_t{7} * 11 * 13 * 17 * 19;
+
+constexpr const char* failureA =
+    "Sorry, this text encoder / decoder is only suitable for simple text files. It is not "
+    "suitable for binary files!\n";
+
+std::u16string roundTrip(std::u16string_view text) {
+  return simpleEncryptText(simpleEncryptText(text, true), false);
+}
+
+// A version file that is on the server now has to stay readable, whatever is changed here.
+TEST(SimpleEncryptText, KeepsItsFormat) {
+  const std::u16string plain = u"$APP$:Corvana\n$URLINFO$ https://www.corvana.example/ $";
+  const std::u16string scrambled = simpleEncryptText(plain, true);
+  EXPECT_EQ(
+      utf8FromUtf16(scrambled),
+      utf8FromUtf16(
+          u"Ln\u0082\u0087`{ih\u00ACq]q\u00A7\u009C\u0094\u0096\u00A0\u008C\u009Aabc^\u00B6gie"));
+  EXPECT_EQ(simpleEncryptText(scrambled, false), plain);
+}
+
+TEST(SimpleEncryptText, EveryPositionHoldsEveryPrintableCharacter) {
+  for (const char16_t character : {u'\n', u'~', largestScramblableCharacter}) {
+    const std::u16string plain(commonPeriod + 50, character);
+    const std::u16string scrambled = simpleEncryptText(plain, true);
+    ASSERT_EQ(scrambled.size(), plain.size());
+    EXPECT_LT(*std::max_element(scrambled.begin(), scrambled.end()), scrambledLimit);
+    EXPECT_GE(*std::min_element(scrambled.begin(), scrambled.end()), u' ');
+    EXPECT_EQ(scrambled.substr(commonPeriod), scrambled.substr(0, 50));
+    EXPECT_EQ(simpleEncryptText(scrambled, false), plain);
+  }
+}
+
+TEST(SimpleEncryptText, ShortensKnownPhrasesLongestFirst) {
+  const struct {
+    std::u16string_view plain;
+    std::size_t length;
+  } cases[] = {
+      {u"https://www.corvana.example/resources/downloads/x", 5},
+      {u"https://www.corvana.example/resources/x", 5},
+      {u"https://www.corvana.example/x", 5},
+      {u"https://www.x", 6},
+      {u"https://x", 6},
+      {u"CorvanaVantorCorvana", 12},
+      {u"http://x", 8},
+  };
+  for (const auto& c : cases) {
+    EXPECT_EQ(simpleEncryptText(c.plain, true).size(), c.length) << utf8FromUtf16(c.plain);
+    EXPECT_EQ(roundTrip(c.plain), c.plain);
+  }
+}
+
+TEST(SimpleEncryptText, PhrasesAndCodesDisregardCase) {
+  EXPECT_EQ(roundTrip(u"CORVANA and hTTps://x"), u"Corvana and https://x");
+  EXPECT_EQ(roundTrip(u"#$C#"), u"Corvana");
+}
+
+TEST(SimpleEncryptText, RefusesWhatIsNoScrambledText) {
+  const struct {
+    std::u16string_view text;
+    bool encrypt;
+    std::string message;
+  } cases[] = {
+      {u"", false, ""},
+      {u"", true, ""},
+      {u"\u00EF", false, failureA},
+      {u"\u00EF", true, failureA},
+      {u"\uFEFFabc", false, failureA},
+      {u"\U0001F600", true, failureA},
+      // The first shift is 40, the second 45. The first fault in the text counts.
+      {u"\n", false, "simpleEncryptText: ungültiger Zeichenwert -30\n"},
+      {u"\u00EE\n\u00EF", false, "simpleEncryptText: ungültiger Zeichenwert -35\n"},
+      {u"\u00EE\u00EF\n", false, failureA},
+  };
+  for (const auto& c : cases) {
+    testing::internal::CaptureStdout();
+    EXPECT_EQ(simpleEncryptText(c.text, c.encrypt), u"");
+    EXPECT_EQ(testing::internal::GetCapturedStdout(), c.message) << utf8FromUtf16(c.text);
+  }
+}
+
+// Pieces of phrases and codes make it likely that a text meets every way of not surviving.
+TEST(SimpleEncryptText, RandomTextSurvivesUnlessItIsCalledUnsafe) {
+  const std::u16string_view pieces[] = {u"#",  u"$",        u"c",       u"C",       u"#$c#",
+                                        u"h1", u"https://", u"Corvana", u"corvana", u"Vantor",
+                                        u"\n", u"www.",     u"~",       u" "};
+  std::mt19937 random(4);
+  std::uniform_int_distribution<char16_t> printable(u' ', u'~');
+  std::uniform_int_distribution<std::size_t> piece(0, std::size(pieces) - 1);
+  int safe = 0;
+  int unsafe = 0;
+  for (int run = 0; run < 4000; ++run) {
+    std::u16string text;
+    const int characters = run % 2 == 0 ? 400 : 3;
+    for (int i = 0; i < characters; ++i)
+      text += printable(random);
+    if (run % 2 != 0) {
+      for (int i = 0; i < 6; ++i)
+        text += pieces[piece(random)];
+    }
+    const auto index = firstUnsafeCharacter(text);
+    const std::u16string back = roundTrip(text);
+    if (index) {
+      ++unsafe;
+      EXPECT_EQ(back.substr(0, *index), text.substr(0, *index));
+      EXPECT_NE(back.substr(*index, 1), text.substr(*index, 1));
+    } else {
+      ++safe;
+      EXPECT_EQ(back, text);
+    }
+  }
+  EXPECT_GT(safe, 2000);
+  EXPECT_GT(unsafe, 500);
+}
+
+TEST(FirstUnsafeCharacter, NamesThePlace) {
+  const struct {
+    std::u16string_view text;
+    std::optional<std::size_t> index;
+  } cases[] = {
+      {u"", std::nullopt}, {u"Corvana, https://x ~\t\r\n", std::nullopt},
+      {u"to corvana", 3},  {u"to cor\nvana", std::nullopt},
+      {u"a \u00E4", 2},    {u"a corvana \u2013", 10},  // a character out of range is named first
+      {u"x #$c# y", 2},    {u"#$cCorvana", 0},         // the code of the name completes another one
+  };
+  for (const auto& c : cases)
+    EXPECT_EQ(firstUnsafeCharacter(c.text), c.index) << utf8FromUtf16(c.text);
+}
+
+}  // namespace
+}  // namespace corvana

@@ -1,0 +1,112 @@
+// Runs the maker's tool as a release script does.
+
+#include <array>
+#include <cstdio>
+#include <filesystem>
+#include <fstream>
+#include <gtest/gtest.h>
+#include <string>
+#include <sys/wait.h>
+
+namespace {
+
+struct Outcome {
+  int status = -1;
+  std::string output;  ///< standard output and standard error
+};
+
+class VersionfileTool : public testing::Test {
+ protected:
+  void SetUp() override {
+    folder_ =
+        std::filesystem::path(testing::TempDir()) / ("versionfile-" + std::to_string(::getpid()));
+    std::filesystem::create_directories(folder_);
+  }
+  void TearDown() override { std::filesystem::remove_all(folder_); }
+
+  void write(const std::string& name, const std::string& text) const {
+    std::ofstream(folder_ / name, std::ios::binary) << text;
+  }
+
+  /// Runs a shell line in the test's folder; "TOOL" stands for the program.
+  Outcome run(std::string line) const {
+    line.replace(line.find("TOOL"), 4, "LC_ALL=C '" CORVANA_VERSIONFILE "'");
+    line = "cd '" + folder_.string() + "' && " + line + " 2>&1";
+    Outcome outcome;
+    FILE* pipe = ::popen(line.c_str(), "r");
+    std::array<char, 4096> block{};
+    while (const std::size_t count = std::fread(block.data(), 1, block.size(), pipe))
+      outcome.output.append(block.data(), count);
+    outcome.status = WEXITSTATUS(::pclose(pipe));
+    return outcome;
+  }
+
+ private:
+  std::filesystem::path folder_;
+};
+
+constexpr const char* plain =
+    "$APP$:Corvana\n$VERMAC$ 1.2\n$INFOMAC$ Faster.\n"
+    "$URLMAC$ https://www.corvana.example/d\n$URLINFO$ https://www.corvana.example/\n$\n";
+
+TEST_F(VersionfileTool, ScramblesUnscramblesAndChecks) {
+  write("plain.txt", plain);
+  ASSERT_EQ(run("TOOL scramble plain.txt > server.txt").status, 0);
+  const Outcome back = run("TOOL unscramble server.txt");
+  EXPECT_EQ(back.status, 0);
+  EXPECT_EQ(back.output, plain);
+
+  const Outcome newer = run("TOOL check server.txt --installed 1.1");
+  EXPECT_EQ(newer.status, 0);
+  EXPECT_EQ(newer.output,
+            "A new version of Corvana is available!\n"
+            "Corvana 1.2 is now available - you have 1.1. Would you like to download it now?\n\n"
+            "Release Notes:\nCorvana 1.2\n" +
+                std::string(62, '-') +
+                "\nFaster.\n\n\n\nProduct Website: https://www.corvana.example/\n"
+                "Download URL: https://www.corvana.example/d\n\n");
+
+  const Outcome same = run("TOOL check server.txt --installed 1.2");
+  EXPECT_EQ(same.status, 0);
+  EXPECT_NE(same.output.find("You are using the latest version 1.2.\n"), std::string::npos);
+
+  const Outcome other = run("TOOL check server.txt --app Vantor --installed 1.2");
+  EXPECT_EQ(other.status, 1);
+  EXPECT_NE(other.output.find("has no record of \"Vantor\""), std::string::npos);
+}
+
+TEST_F(VersionfileTool, NamesThePlaceOfWhatWouldNotSurvive) {
+  const struct {
+    const char* text;
+    const char* message;
+  } cases[] = {
+      {"a\nb \xC3\xA4\n", "p:2:3: \"\xC3\xA4\" begins with a character beyond ASCII"},
+      {"\xFF", "p:1:1: "},
+      {"\xEF\xBB\xBF", "p:1:1: "},
+      {"a\n\nthe corvana-cli\n", "p:3:5: \"corvana-cli\" would come out as \"Corvana-cli\""},
+  };
+  for (const auto& c : cases) {
+    write("p", c.text);
+    const Outcome outcome = run("TOOL scramble p");
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_NE(outcome.output.find(c.message), std::string::npos) << outcome.output;
+  }
+}
+
+TEST_F(VersionfileTool, ExitStatusTellsFaultsFromWrongUsage) {
+  write("binary", "\xEF\xBF\xBD");
+  write("empty", "");
+  EXPECT_EQ(run("TOOL unscramble binary").status, 1);
+  EXPECT_EQ(run("TOOL unscramble empty").status, 0);
+  EXPECT_EQ(run("TOOL check empty --installed 1").status, 1);
+  EXPECT_EQ(run("TOOL scramble missing").status, 1);
+  EXPECT_EQ(run("TOOL scramble .").status, 1);
+  EXPECT_EQ(run("TOOL scramble empty > /dev/full").status, 0);
+  write("plain", plain);
+  EXPECT_EQ(run("TOOL scramble plain > /dev/full").status, 1);
+  EXPECT_EQ(run("TOOL check plain --installed beta").status, 2);
+  EXPECT_EQ(run("TOOL").status, 2);
+  EXPECT_EQ(run("TOOL --help").status, 0);
+}
+
+}  // namespace
