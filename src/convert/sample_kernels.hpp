@@ -21,4 +21,20 @@ struct SampleConversion {
 void convertSamples(const SampleConversion& conversion, ByteView source,
                     std::span<std::uint8_t> output);
 
+/// What a kernel may expect of the processor.
+enum class Processor {
+  anyKind,        ///< nothing beyond what the program is compiled for
+  shufflesBytes,  ///< an instruction that puts the bytes of a vector into any order
+};
+
+/// What this processor can do, and the program was compiled to make use of.
+Processor thisProcessor();
+
+/// The inner loop of convertSamples. Source and output do not overlap and need no alignment.
+using SampleKernel = void (*)(const std::uint8_t* source, std::uint8_t* output,
+                              std::size_t samples);
+
+/// The kernel for a conversion; `processor` is at most thisProcessor().
+SampleKernel sampleKernel(const SampleConversion& conversion, Processor processor);
+
 }  // namespace corvana
