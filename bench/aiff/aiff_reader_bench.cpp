@@ -35,7 +35,7 @@ corvana::ByteBuffer aiffWithMarkers(std::uint32_t count) {
 void parseMarkers(benchmark::State& state) {
   const auto count = static_cast<std::uint32_t>(state.range(0));
   const corvana::ByteBuffer file = aiffWithMarkers(count);
-  for (auto round : state)
+  while (state.KeepRunning())
     benchmark::DoNotOptimize(corvana::parseAiff(file));
   state.SetItemsProcessed(state.iterations() * state.range(0));
 }

@@ -2,7 +2,6 @@
 
 #include <benchmark/benchmark.h>
 #include <cstring>
-#include <string>
 
 #include "convert/sample_kernels.hpp"
 
@@ -26,7 +25,7 @@ void countBytes(benchmark::State& state) {
 void copyBlock(benchmark::State& state) {
   const ByteBuffer source(dataOffset + blockBytes, 1);
   ByteBuffer output(blockBytes);
-  for (auto round : state) {
+  while (state.KeepRunning()) {
     std::memcpy(output.data(), source.data() + dataOffset, blockBytes);
     benchmark::DoNotOptimize(output.data());
     benchmark::ClobberMemory();
@@ -34,13 +33,17 @@ void copyBlock(benchmark::State& state) {
   countBytes(state);
 }
 
-void convertBlock(benchmark::State& state, const SampleConversion& conversion,
-                  Processor processor) {
+/// Bytes per sample in the input and in the output, whether bytes are reversed, the Processor.
+void convertBlock(benchmark::State& state) {
+  const SampleConversion conversion{static_cast<std::uint32_t>(state.range(0)),
+                                    static_cast<std::uint32_t>(state.range(1)),
+                                    state.range(2) != 0};
   const std::size_t samples = blockBytes / conversion.sourceWidth;
   const ByteBuffer source(dataOffset + blockBytes, 1);
   ByteBuffer output(samples * conversion.outputWidth);
-  const corvana::SampleKernel kernel = corvana::sampleKernel(conversion, processor);
-  for (auto round : state) {
+  const corvana::SampleKernel kernel =
+      corvana::sampleKernel(conversion, static_cast<Processor>(state.range(3)));
+  while (state.KeepRunning()) {
     kernel(source.data() + dataOffset, output.data(), samples);
     benchmark::DoNotOptimize(output.data());
     benchmark::ClobberMemory();
@@ -48,33 +51,17 @@ void convertBlock(benchmark::State& state, const SampleConversion& conversion,
   countBytes(state);
 }
 
-std::string nameOf(const SampleConversion& conversion) {
-  const std::string to = conversion.outputWidth == conversion.sourceWidth
-                             ? ""
-                             : " to " + std::to_string(8 * conversion.outputWidth);
-  return std::to_string(8 * conversion.sourceWidth) + to + " bits" +
-         (conversion.reverseBytes ? "" : " unchanged");
-}
-
-void registerConversion(const SampleConversion& conversion) {
-  const auto add = [&](const std::string& kind, Processor processor) {
-    benchmark::RegisterBenchmark((nameOf(conversion) + kind).c_str(), convertBlock, conversion,
-                                 processor);
-  };
-  const bool isCopy = !conversion.reverseBytes;
-  const bool hasShuffles = corvana::thisProcessor() == Processor::shufflesBytes;
-  if (!isCopy && hasShuffles) add(", by shuffles", Processor::shufflesBytes);
-  add(isCopy ? "" : ", any processor", Processor::anyKind);
-}
-
-const bool registered = [] {
-  benchmark::RegisterBenchmark("memcpy", copyBlock);
-  for (std::uint32_t sourceWidth = 1; sourceWidth <= 4; ++sourceWidth) {
-    for (std::uint32_t outputWidth = sourceWidth; outputWidth >= 1; --outputWidth)
-      registerConversion({sourceWidth, outputWidth, true});
-    if (sourceWidth > 1) registerConversion({sourceWidth, sourceWidth, false});
+void everyConversion(benchmark::internal::Benchmark* benchmark) {
+  benchmark->ArgNames({"bytes", "to", "reversed", "shuffles"});
+  for (int width = 1; width <= 4; ++width) {
+    for (int outputWidth = width; outputWidth >= 1; --outputWidth)
+      for (int processor = 0; processor <= static_cast<int>(corvana::thisProcessor()); ++processor)
+        benchmark->Args({width, outputWidth, 1, processor});
+    if (width > 1) benchmark->Args({width, width, 0, 0});
   }
-  return true;
-}();
+}
+
+BENCHMARK(copyBlock);
+BENCHMARK(convertBlock)->Apply(everyConversion);
 
 }  // namespace

@@ -25,7 +25,7 @@ corvana::ByteBuffer wavWithCuePoints(std::uint32_t count) {
 void parseCuePoints(benchmark::State& state) {
   const auto count = static_cast<std::uint32_t>(state.range(0));
   const corvana::ByteBuffer file = wavWithCuePoints(count);
-  for (auto round : state)
+  while (state.KeepRunning())
     benchmark::DoNotOptimize(corvana::parseWav(file));
   state.SetItemsProcessed(state.iterations() * state.range(0));
 }

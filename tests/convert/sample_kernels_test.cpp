@@ -70,8 +70,8 @@ TEST_P(SampleKernels, FollowTheRuleForEveryWidthLengthAndAlignment) {
 
 INSTANTIATE_TEST_SUITE_P(Processors, SampleKernels,
                          testing::Values(Processor::anyKind, Processor::shufflesBytes),
-                         [](const auto& info) {
-                           return info.param == Processor::anyKind ? "AnyKind" : "ShufflesBytes";
+                         [](const auto& test) {
+                           return test.param == Processor::anyKind ? "AnyKind" : "ShufflesBytes";
                          });
 
 }  // namespace
