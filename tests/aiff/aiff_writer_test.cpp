@@ -31,21 +31,6 @@ TEST(AiffWriter, ExtendedNumbersAreExact) {
   }
 }
 
-TEST(AiffWriter, PascalStringsTakeAnEvenNumberOfBytes) {
-  const std::string many(255, 'x');
-  const std::pair<std::string, ByteBuffer> cases[] = {
-      {"", bytes("00 00")},
-      {"Cue 5", bytes("05 'Cue 5'")},
-      {"Loop 1 Start", bytes("0C 'Loop 1 Start' 00")},
-      {many + "y", bytes("FF '" + many + "'")},
-  };
-  for (const auto& [name, expected] : cases) {
-    ByteBuffer buffer = text("ahead");
-    appendPString(buffer, name);
-    EXPECT_EQ(buffer, join({text("ahead"), expected}));
-  }
-}
-
 TEST(AiffWriter, RefusesWhatTheFormSizeCannotHold) {
   struct HeaderAccepted {};
   const TemporaryFolder folder;

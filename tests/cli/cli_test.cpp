@@ -39,6 +39,8 @@ class Program : public testing::Test {
     if (::chdir(in().c_str()) != 0) ::_exit(99);
     ::dup2(::open((out / "1").c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600), 1);
     ::dup2(::open((out / "2").c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600), 2);
+    ::setenv("LC_ALL", "C.UTF-8", 1);
+    ::unsetenv("LANGUAGE");
     prepare();
     ::execv(CORVANA_CLI, pointers.data());
     ::_exit(99);
@@ -180,6 +182,16 @@ TEST_F(Program, StopsWithinASecond) {
         << outcome.output;
     fs::remove(in() / "big.aif");
   }
+}
+
+TEST_F(Program, SpeaksTheUsersLanguage) {
+  if (!fs::exists(fs::path(CORVANA_CLI).parent_path() / "locale/de/LC_MESSAGES/Corvana.mo"))
+    GTEST_SKIP() << "built without the German catalogue";
+  folder.write("in/bad.wav", "");
+  const Outcome german = run({"bad.wav"}, [] { ::setenv("LANGUAGE", "de", 1); });
+  EXPECT_TRUE(german.output.starts_with("✗ bad.wav: ")) << german.output;
+  EXPECT_EQ(german.output.find("Unsupported format"), std::string::npos);
+  EXPECT_EQ(german.errors.find("processed"), std::string::npos);
 }
 
 TEST_F(Program, ConvertsTheExampleInstrumentsThereAndBack) {

@@ -42,185 +42,127 @@ TEST(AiffToWav, WritesExactlyTheseBytes) {
 }
 
 TEST(AiffToWav, UsesTheFramesThatAreThere) {
-  const auto framesOf = [](std::uint32_t declared, std::size_t there, Warnings expected) {
+  const auto check = [](std::uint32_t declared, std::size_t there, std::uint32_t used) {
     const Converted converted =
         convert(aiff({comm({.frames = declared}), ssnd(ByteBuffer(there))}));
-    EXPECT_EQ(converted.warnings, expected);
+    EXPECT_EQ(Fields(converted.file, ByteOrder::little).u32(40), 2 * used);
     EXPECT_EQ(converted.progress, std::vector<double>{1.0});
-    return Fields(converted.file, ByteOrder::little).u32(40) / 2;
+    return lines(converted.warnings);
   };
-  EXPECT_EQ(framesOf(900, 2000, {}), 900U);
-  EXPECT_EQ(framesOf(0, 10, {}), 0U);
-  EXPECT_EQ(framesOf(1000, 1801,
-                     {"The SSND chunk contains less data than declared – 900 instead of "
-                      "1000 frames used."}),
-            900U);
-  EXPECT_EQ(framesOf(4294967295, 1,
-                     {"The SSND chunk contains less data than declared – 0 instead of "
-                      "4294967295 frames used."}),
-            0U);
+  EXPECT_EQ(check(900, 2000, 900), "");
+  EXPECT_EQ(check(0, 10, 0), "");
+  EXPECT_EQ(check(1000, 1801, 900),
+            "The SSND chunk contains less data than declared – 900 instead of 1000 frames used.\n");
+  EXPECT_EQ(
+      check(4294967295, 1, 0),
+      "The SSND chunk contains less data than declared – 0 instead of 4294967295 frames used.\n");
 }
 
 TEST(AiffToWav, RoundsTheRate) {
-  const struct {
-    const char* rate;
-    std::uint32_t rounded;
-    Warnings warnings;
-  } cases[] = {
-      {"40 0E AC 44 80 00 00 00 00 00",
-       44101,
-       {"Sample rate of 44100.5 Hz rounded to 44101 Hz (WAV only supports whole numbers)."}},
-      {"40 0D AC 43 00 00 00 00 00 00",
-       22050,
-       {"Sample rate of 22049.5 Hz rounded to 22050 Hz (WAV only supports whole numbers)."}},
-      {"40 0E AC 44 00 20 C4 9C 00 00", 44100, {}},  // 0.0005 above
-      {"3F FF C0 00 00 00 00 00 00 00",
-       2,
-       {"Sample rate of 1.5 Hz rounded to 2 Hz (WAV only supports whole numbers)."}},
-      {"40 1E EE 6B 27 FF C0 00 00 00",
-       4'000'000'000,
-       {"Sample rate of 3999999999.75 Hz rounded to 4000000000 Hz (WAV only supports whole "
-        "numbers)."}},
+  const auto check = [](const char* rate, std::uint32_t rounded, const std::string& texts) {
+    const Converted converted = convert(aiff({comm({.rate = bytes(rate)}), ssnd({})}));
+    EXPECT_EQ(Fields(converted.file, ByteOrder::little).u32(24), rounded);
+    EXPECT_EQ(lines(converted.warnings),
+              texts.empty()
+                  ? ""
+                  : "Sample rate of " + texts + " Hz (WAV only supports whole numbers).\n");
   };
-  for (const auto& c : cases) {
-    const Converted converted = convert(aiff({comm({.rate = bytes(c.rate)}), ssnd({})}));
-    EXPECT_EQ(Fields(converted.file, ByteOrder::little).u32(24), c.rounded);
-    EXPECT_EQ(converted.warnings, c.warnings);
-  }
+  check("40 0E AC 44 80 00 00 00 00 00", 44101, "44100.5 Hz rounded to 44101");
+  check("40 0D AC 43 00 00 00 00 00 00", 22050, "22049.5 Hz rounded to 22050");
+  check("3F FF C0 00 00 00 00 00 00 00", 2, "1.5 Hz rounded to 2");
+  check("40 1E EE 6B 27 FF C0 00 00 00", 4'000'000'000, "3999999999.75 Hz rounded to 4000000000");
+  check("40 0E AC 44 00 20 C4 9C 00 00", 44100, "");  // 0.0005 above
 }
 
 TEST(AiffToWav, MapsLoopsAndMarkers) {
-  const std::vector<AiffMarker> four = {{1, 0, ""}, {2, 10, ""}, {3, 20, ""}, {4, 4000, ""}};
-  const char* allCues = "cues 1@0 2@10 3@20 4@4000 ";
-  const struct {
-    const char* name;
-    std::vector<AiffMarker> markers;
-    AiffLoop sustain, release;
-    std::string expected;
-    Warnings warnings = {};
-  } cases[] = {
-      {"no loops", four, {0, 1, 2}, {}, allCues},
-      {"sustain", four, {1, 1, 2}, {}, "cues 1@20 2@4000 loop 0 type 0 0-9 "},
-      {"both", four, {2, 1, 2}, {1, 2, 3}, "cues 1@4000 loop 0 type 1 0-9 loop 1 type 0 10-19 "},
-      {"release only", four, {}, {1, 3, 4}, "cues 1@0 2@10 loop 0 type 0 20-3999 "},
-      {"end beyond the sound",
-       {{1, 100, ""}, {2, 5000, ""}, {3, 4001, ""}},
-       {1, 1, 2},
-       {},
-       "cues loop 0 type 0 100-3999 "},
-      {"both ends beyond",
-       {{1, 4500, ""}, {2, 5000, ""}},
-       {1, 1, 2},
-       {},
-       "cues ",
-       {"Sustain loop is invalid (start 4000, end 4000) – skipped."}},
-      {"unknown play modes",
-       four,
-       {3, 1, 2},
-       {-1, 3, 4},
-       "cues loop 0 type 0 0-9 loop 1 type 0 20-3999 ",
-       {"Sustain loop: unknown play mode 3 – converted to a forward loop.",
-        "Release loop: unknown play mode -1 – converted to a forward loop."}},
-      {"empty and reversed",
-       four,
-       {9, 2, 2},
-       {1, 3, 2},
-       allCues,
-       {"Sustain loop is invalid (start 10, end 10) – skipped.",
-        "Release loop is invalid (start 20, end 10) – skipped."}},
-      {"markers missing",
-       four,
-       {1, 1, 7},
-       {9, 0, 2},
-       allCues,
-       {"Sustain loop: the associated markers are missing – skipped.",
-        "Release loop: the associated markers are missing – skipped."}},
-      {"no markers",
-       {},
-       {1, 0, 0},
-       {},
-       "cues ",
-       {"Sustain loop: the associated markers are missing – skipped."}},
-      {"a marker used by one loop and by a skipped one",
-       four,
-       {1, 1, 2},
-       {1, 2, 9},
-       "cues 1@20 2@4000 loop 0 type 0 0-9 ",
-       {"Release loop: the associated markers are missing – skipped."}},
-      {"the later of equal IDs",
-       {{1, 0, ""}, {2, 10, ""}, {1, 5, ""}, {-3, 7, ""}},
-       {1, 1, 2},
-       {},
-       "cues 1@7 loop 0 type 0 5-9 "},
-      {"negative IDs and duplicates",
-       {{-1, 3, ""}, {0, 8, ""}, {7, 8, ""}, {7, 8, ""}},
-       {1, -1, 0},
-       {},
-       "cues 1@8 2@8 loop 0 type 0 3-7 "},
-  };
-  for (const auto& c : cases) {
-    SCOPED_TRACE(c.name);
+  using Markers = std::vector<AiffMarker>;
+  const auto check = [](const char* name, const Markers& markers, const AiffLoop& sustain,
+                        const AiffLoop& release, const char* expected,
+                        const std::string& expectedWarnings = "") {
+    SCOPED_TRACE(name);
     AiffInfo info;
-    info.markers = c.markers;
+    info.markers = markers;
     info.instrument = AiffInstrument{};
-    info.instrument->sustainLoop = c.sustain;
-    info.instrument->releaseLoop = c.release;
+    info.instrument->sustainLoop = sustain;
+    info.instrument->releaseLoop = release;
     Warnings warnings;
     const WavMetadata metadata = mapLoopsAndMarkers(info, 4000, warnings);
-    std::string text = "cues ";
+    std::string text = "cues";
     for (const CuePoint& point : metadata.cuePoints)
-      text += line(point.id, "@", point.position, " ");
+      text += line(" ", point.id, "@", point.position);
     for (const SampleLoop& loop : metadata.loops)
-      text += line("loop ", loop.cueID, " type ", loop.type, " ", loop.start, "-", loop.end, " ");
-    EXPECT_EQ(text, c.expected);
-    EXPECT_EQ(warnings, c.warnings);
-  }
+      text += line(", loop ", loop.cueID, " type ", loop.type, " ", loop.start, "-", loop.end);
+    EXPECT_EQ(text, expected);
+    EXPECT_EQ(lines(warnings), expectedWarnings);
+  };
+  const Markers four = {{1, 0, ""}, {2, 10, ""}, {3, 20, ""}, {4, 4000, ""}};
+  const char* allCues = "cues 1@0 2@10 3@20 4@4000";
+  check("no loops", four, {0, 1, 2}, {}, allCues);
+  check("sustain", four, {1, 1, 2}, {}, "cues 1@20 2@4000, loop 0 type 0 0-9");
+  check("both", four, {2, 1, 2}, {1, 2, 3}, "cues 1@4000, loop 0 type 1 0-9, loop 1 type 0 10-19");
+  check("release only", four, {}, {1, 3, 4}, "cues 1@0 2@10, loop 0 type 0 20-3999");
+  check("end beyond the sound", {{1, 100, ""}, {2, 5000, ""}, {3, 4001, ""}}, {1, 1, 2}, {},
+        "cues, loop 0 type 0 100-3999");
+  check("both ends beyond", {{1, 4500, ""}, {2, 5000, ""}}, {1, 1, 2}, {}, "cues",
+        "Sustain loop is invalid (start 4000, end 4000) – skipped.\n");
+  check("unknown play modes", four, {3, 1, 2}, {-1, 3, 4},
+        "cues, loop 0 type 0 0-9, loop 1 type 0 20-3999",
+        "Sustain loop: unknown play mode 3 – converted to a forward loop.\n"
+        "Release loop: unknown play mode -1 – converted to a forward loop.\n");
+  check("empty and reversed", four, {9, 2, 2}, {1, 3, 2}, allCues,
+        "Sustain loop is invalid (start 10, end 10) – skipped.\n"
+        "Release loop is invalid (start 20, end 10) – skipped.\n");
+  check("markers missing", four, {1, 1, 7}, {9, 0, 2}, allCues,
+        "Sustain loop: the associated markers are missing – skipped.\n"
+        "Release loop: the associated markers are missing – skipped.\n");
+  check("no markers", {}, {1, 0, 0}, {}, "cues",
+        "Sustain loop: the associated markers are missing – skipped.\n");
+  check("a marker of a loop and of a skipped one", four, {1, 1, 2}, {1, 2, 9},
+        "cues 1@20 2@4000, loop 0 type 0 0-9",
+        "Release loop: the associated markers are missing – skipped.\n");
+  check("the later of equal IDs", {{1, 0, ""}, {2, 10, ""}, {1, 5, ""}, {-3, 7, ""}}, {1, 1, 2}, {},
+        "cues 1@7, loop 0 type 0 5-9");
+  check("negative IDs, duplicates", {{-1, 3, ""}, {0, 8, ""}, {7, 8, ""}, {7, 8, ""}}, {1, -1, 0},
+        {}, "cues 1@8 2@8, loop 0 type 0 3-7");
 }
 
 TEST(AiffToWav, DerivesTheInstrument) {
-  const struct {
-    int baseNote, detune, gain;
-    const char* expected;  ///< unity note + fraction, inst note, fine tune, gain
-  } cases[] = {
-      {60, 0, 0, "60+0 60 0 0"},
-      {60, -10, -6, "60+429496730 60 -10 -6"},
-      {60, 10, 127, "59+3865470566 60 10 127"},
-      {60, 1, -128, "59+4252017623 60 1 -128"},
-      {60, 50, 0, "59+2147483648 60 50 0"},
-      {60, 127, 0, "59+2147483648 60 50 0"},
-      {60, -50, 0, "60+2147483648 60 -50 0"},
-      {60, -128, 0, "60+2147483648 60 -50 0"},
-      {1, 20, 0, "0+3435973837 1 20 0"},
-      {0, 20, 0, "0+0 0 20 0"},
-      {-5, 20, 0, "0+0 0 20 0"},
-      {-128, -20, 0, "0+858993459 0 -20 0"},
-      {127, 0, 128,
-       "127+0 127 0 127 A gain of 128 dB does not fit into the WAV inst chunk – clamped."},
-      {127, 0, -32768,
-       "127+0 127 0 -128 A gain of -32768 dB does not fit into the WAV inst chunk – clamped."},
-  };
-  for (const auto& c : cases) {
+  const auto check = [](int baseNote, int detune, int gain, const std::string& expected) {
     AiffInfo info;
     info.instrument = AiffInstrument{};
-    info.instrument->baseNote = static_cast<std::int8_t>(c.baseNote);
-    info.instrument->detune = static_cast<std::int8_t>(c.detune);
-    info.instrument->gain = static_cast<std::int16_t>(c.gain);
+    info.instrument->baseNote = static_cast<std::int8_t>(baseNote);
+    info.instrument->detune = static_cast<std::int8_t>(detune);
+    info.instrument->gain = static_cast<std::int16_t>(gain);
     info.instrument->lowNote = -1;
     info.instrument->highVelocity = -128;
     Warnings warnings;
     const WavMetadata metadata = mapLoopsAndMarkers(info, 10, warnings);
     const InstrumentChunk& chunk = *metadata.instrument;
-    std::string text = line(metadata.unityNote, "+", metadata.pitchFraction, " ",
-                            +chunk.unshiftedNote, " ", +chunk.fineTune, " ", +chunk.gain);
-    for (const std::string& warning : warnings)
-      text += " " + warning;
-    EXPECT_EQ(text, c.expected);
+    EXPECT_EQ(line(metadata.unityNote, "+", metadata.pitchFraction, " ", +chunk.unshiftedNote, " ",
+                   +chunk.fineTune, " ", +chunk.gain),
+              expected);
     EXPECT_EQ(metadata.rootKey, chunk.unshiftedNote);
     EXPECT_EQ(metadata.fineTune, chunk.fineTune);
-    EXPECT_EQ(chunk.lowNote, 0);
-    EXPECT_EQ(chunk.lowVelocity, 1);
-    EXPECT_EQ(chunk.highVelocity, 1);
-  }
+    EXPECT_EQ(line(+chunk.lowNote, +chunk.lowVelocity, +chunk.highVelocity), "011");
+    EXPECT_EQ(lines(warnings), chunk.gain == gain
+                                   ? ""
+                                   : line("A gain of ", gain,
+                                          " dB does not fit into the WAV inst chunk – clamped.\n"));
+  };
+  check(60, 0, 0, "60+0 60 0 0");  // unity note + fraction, inst note, fine tune, gain
+  check(60, -10, -6, "60+429496730 60 -10 -6");
+  check(60, 10, 127, "59+3865470566 60 10 127");
+  check(60, 1, -128, "59+4252017623 60 1 -128");
+  check(60, 50, 0, "59+2147483648 60 50 0");
+  check(60, 127, 0, "59+2147483648 60 50 0");
+  check(60, -50, 0, "60+2147483648 60 -50 0");
+  check(60, -128, 0, "60+2147483648 60 -50 0");
+  check(1, 20, 0, "0+3435973837 1 20 0");
+  check(0, 20, 0, "0+0 0 20 0");
+  check(-5, 20, 0, "0+0 0 20 0");
+  check(-128, -20, 0, "0+858993459 0 -20 0");
+  check(127, 0, 128, "127+0 127 0 127");
+  check(127, 0, -32768, "127+0 127 0 -128");
 }
 
 TEST(AiffToWav, RefusesFramesThatWavCannotState) {

@@ -51,88 +51,54 @@ TEST(WavToAiff, ConvertsFilesWithoutFrames) {
   EXPECT_EQ(empty.warnings, Warnings{"Incomplete last frame discarded."});
 }
 
-struct Mapped {
-  AiffMetadata metadata;
-  Warnings warnings;
-};
-
-Mapped mapLoops(const std::vector<SampleLoop>& loops, const std::vector<CuePoint>& cuePoints = {}) {
-  WavInfo info;
-  info.loops = loops;
-  info.cuePoints = cuePoints;
-  Mapped mapped;
-  mapped.metadata = mapWavMetadata(info, 1000, mapped.warnings);
-  return mapped;
-}
-
-std::string describe(const AiffMetadata& metadata) {
-  std::string text;
-  for (const AiffMarker& marker : metadata.markers)
-    text += line(marker.id, " ", marker.name, " @", marker.position, "; ");
-  for (const AiffLoop& loop : {metadata.instrument->sustainLoop, metadata.instrument->releaseLoop})
-    text += line("(", loop.playMode, " ", loop.beginMarker, " ", loop.endMarker, ")");
-  return text;
-}
-
-TEST(WavToAiff, MapsLoops) {
-  const char* none = "(0 0 0)(0 0 0)";
-  const struct {
-    const char* name;
-    std::vector<SampleLoop> loops;
-    std::string expected;
-    Warnings warnings = {};
-  } cases[] = {
-      {"none", {}, none},
-      {"forward", {{0, 0, 100, 199, 0}}, "1 Loop 1 Start @100; 2 Loop 1 End @200; (1 1 2)(0 0 0)"},
-      {"alternating", {{0, 1, 0, 0, 0}}, "1 Loop 1 Start @0; 2 Loop 1 End @1; (2 1 2)(0 0 0)"},
-      {"last frame",
-       {{0, 0, 999, 999, 0}},
-       "1 Loop 1 Start @999; 2 Loop 1 End @1000; (1 1 2)(0 0 0)"},
-      {"end behind the last frame",
-       {{0, 0, 5, 4294967295, 0}},
-       "1 Loop 1 Start @5; 2 Loop 1 End @1000; (1 1 2)(0 0 0)"},
-      {"start behind the last frame",
-       {{0, 0, 1000, 1001, 0}},
-       none,
-       {"Loop 1 is invalid (start 1000, end 1001) – skipped."}},
-      {"reversed, then a good one",
-       {{0, 2, 51, 50, 7}, {0, 0, 7, 8, 0}},
-       "1 Loop 2 Start @7; 2 Loop 2 End @9; (1 1 2)(0 0 0)",
-       {"Loop 1 is invalid (start 51, end 50) – skipped."}},
-      {"backward with a play count",
-       {{0, 2, 0, 9, 3}},
-       "1 Loop 1 Start @0; 2 Loop 1 End @10; (1 1 2)(0 0 0)",
-       {"Loop 1: AIFF has no backward loops – converted to a forward loop.",
-        "Loop 1: a play count of 3 cannot be stored in AIFF (the loop plays indefinitely)."}},
-      {"unknown type",
-       {{0, 4294967295, 0, 9, 0}},
-       "1 Loop 1 Start @0; 2 Loop 1 End @10; (1 1 2)(0 0 0)",
-       {"Loop 1: unknown loop type 4294967295 – converted to a forward loop."}},
-      {"three",
-       {{0, 0, 0, 9, 0}, {0, 1, 10, 19, 0}, {0, 0, 20, 29, 4294967295}},
-       "1 Loop 1 Start @0; 2 Loop 1 End @10; 3 Loop 2 Start @10; 4 Loop 2 End @20; "
-       "5 Loop 3 Start @20; 6 Loop 3 End @30; (1 1 2)(2 3 4)",
-       {"Loop 3: a play count of 4294967295 cannot be stored in AIFF (the loop plays "
-        "indefinitely).",
-        "AIFF supports only 2 loops (sustain/release) – loop 3 and above are kept as markers "
-        "only."}},
+TEST(WavToAiff, MapsLoopsAndCuePoints) {
+  const auto check = [](const char* name, const std::vector<SampleLoop>& loops,
+                        const std::vector<CuePoint>& cuePoints, const std::string& expected,
+                        const std::string& expectedWarnings = "") {
+    SCOPED_TRACE(name);
+    WavInfo info;
+    info.loops = loops;
+    info.cuePoints = cuePoints;
+    Warnings warnings;
+    const AiffMetadata metadata = mapWavMetadata(info, 1000, warnings);
+    std::string text;
+    for (const AiffMarker& marker : metadata.markers)
+      text += line(marker.id, " ", marker.name, " @", marker.position, ", ");
+    for (const AiffLoop& loop :
+         {metadata.instrument->sustainLoop, metadata.instrument->releaseLoop})
+      text += line("(", loop.playMode, " ", loop.beginMarker, " ", loop.endMarker, ")");
+    EXPECT_EQ(text, expected);
+    EXPECT_EQ(lines(warnings), expectedWarnings);
   };
-  for (const auto& c : cases) {
-    SCOPED_TRACE(c.name);
-    const Mapped mapped = mapLoops(c.loops);
-    EXPECT_EQ(describe(mapped.metadata), c.expected);
-    EXPECT_EQ(mapped.warnings, c.warnings);
-  }
-}
-
-TEST(WavToAiff, MapsCuePointsWhereNoMarkerLies) {
-  const Mapped mapped =
-      mapLoops({{0, 0, 100, 199, 0}},
-               {{9, 100}, {8, 200}, {7, 199}, {6, 199}, {4294967295, 1000}, {4, 1001}, {3, 0}});
-  EXPECT_EQ(describe(mapped.metadata),
-            "1 Loop 1 Start @100; 2 Loop 1 End @200; 3 Cue 7 @199; 4 Cue 4294967295 @1000; "
-            "5 Cue 3 @0; (1 1 2)(0 0 0)");
-  EXPECT_EQ(mapped.warnings, Warnings{});
+  const auto oneLoop = [](const char* start, const char* end, const char* mode) {
+    return line("1 Loop 1 Start @", start, ", 2 Loop 1 End @", end, ", (", mode, " 1 2)(0 0 0)");
+  };
+  const char* none = "(0 0 0)(0 0 0)";
+  check("none", {}, {}, none);
+  check("forward", {{0, 0, 100, 199, 0}}, {}, oneLoop("100", "200", "1"));
+  check("alternating", {{0, 1, 0, 0, 0}}, {}, oneLoop("0", "1", "2"));
+  check("last frame", {{0, 0, 999, 999, 0}}, {}, oneLoop("999", "1000", "1"));
+  check("end behind the last frame", {{0, 0, 5, 4294967295, 0}}, {}, oneLoop("5", "1000", "1"));
+  check("start behind the last frame", {{0, 0, 1000, 1001, 0}}, {}, none,
+        "Loop 1 is invalid (start 1000, end 1001) – skipped.\n");
+  check("reversed, then a good one", {{0, 2, 51, 50, 7}, {0, 0, 7, 8, 0}}, {},
+        "1 Loop 2 Start @7, 2 Loop 2 End @9, (1 1 2)(0 0 0)",
+        "Loop 1 is invalid (start 51, end 50) – skipped.\n");
+  check("backward with a play count", {{0, 2, 0, 9, 3}}, {}, oneLoop("0", "10", "1"),
+        "Loop 1: AIFF has no backward loops – converted to a forward loop.\n"
+        "Loop 1: a play count of 3 cannot be stored in AIFF (the loop plays indefinitely).\n");
+  check("unknown type", {{0, 4294967295, 0, 9, 0}}, {}, oneLoop("0", "10", "1"),
+        "Loop 1: unknown loop type 4294967295 – converted to a forward loop.\n");
+  check("three", {{0, 0, 0, 9, 0}, {0, 1, 10, 19, 0}, {0, 0, 20, 29, 0}}, {},
+        "1 Loop 1 Start @0, 2 Loop 1 End @10, 3 Loop 2 Start @10, 4 Loop 2 End @20, "
+        "5 Loop 3 Start @20, 6 Loop 3 End @30, (1 1 2)(2 3 4)",
+        "AIFF supports only 2 loops (sustain/release) – loop 3 and above are kept as markers "
+        "only.\n");
+  check("cue points where no marker lies", {},
+        {{9, 100}, {8, 200}, {7, 100}, {4294967295, 1000}, {4, 1001}, {3, 0}},
+        "1 Cue 9 @100, 2 Cue 8 @200, 3 Cue 4294967295 @1000, 4 Cue 3 @0, (0 0 0)(0 0 0)");
+  check("cue points at loop points", {{0, 0, 0, 9, 0}}, {{1, 10}, {2, 9}, {3, 0}},
+        "1 Loop 1 Start @0, 2 Loop 1 End @10, 3 Cue 2 @9, (1 1 2)(0 0 0)");
 }
 
 TEST(WavToAiff, StopsAtTheLastMarkerID) {
@@ -157,56 +123,43 @@ TEST(WavToAiff, StopsAtTheLastMarkerID) {
 }
 
 TEST(WavToAiff, DerivesTheInstrument) {
-  using Chunk = std::optional<InstrumentChunk>;
-  const auto cents = [](double c) { return static_cast<std::uint32_t>(c / 100 * 4294967296.0); };
-  const struct {
-    const char* name;
-    std::optional<std::pair<std::uint32_t, std::uint32_t>> sampler;  ///< note, fraction
-    Chunk chunk;
-    const char* expected;  ///< note, detune, keys, velocities, gain
-  } cases[] = {
-      {"neither", {}, {}, "none"},
-      {"inst alone", {}, Chunk({64, -7, -6, 1, 2, 3, 4}), "64 -7 1-2 3-4 -6"},
-      {"inst beyond AIFF",
-       {},
-       Chunk({200, 100, -128, 130, 140, 0, 200}),
-       "127 50 127-127 1-127 -128"},
-      {"inst below", {}, Chunk({0, -100, 127, 0, 0, 255, 0}), "0 -50 0-0 127-1 127"},
-      {"smpl alone", {{60, 0}}, {}, "60 0 0-127 1-127 0"},
-      {"30 cents above", {{60, cents(30)}}, {}, "60 -30 0-127 1-127 0"},
-      {"50 cents above", {{60, 0x80000000}}, {}, "60 -50 0-127 1-127 0"},
-      {"half a cent rounds away", {{60, 0x8147AE15}}, {}, "61 49 0-127 1-127 0"},
-      {"just below it", {{60, 0x8147AE14}}, {}, "60 -50 0-127 1-127 0"},
-      {"51 cents above", {{60, 0x83D70A3D}}, {}, "61 49 0-127 1-127 0"},
-      {"a whole semitone", {{60, 0xFFFFFFFF}}, {}, "61 0 0-127 1-127 0"},
-      {"note 127 and more", {{4294967295, cents(70)}}, {}, "127 30 0-127 1-127 0"},
-      {"both, same note",
-       {{60, cents(30)}},
-       Chunk({60, 12, 1, 0, 127, 1, 127}),
-       "60 12 0-127 1-127 1"},
-      {"both, other note", {{60, cents(30)}}, Chunk({62, 12, 1, 5, 6, 7, 8}), "60 -30 5-6 7-8 1"},
-      {"both, note cut to 127",
-       {{300, 0}},
-       Chunk({127, 12, 0, 0, 127, 1, 127}),
-       "127 12 0-127 1-127 0"},
+  struct Sampler {
+    std::uint32_t note, fraction;
   };
-  for (const auto& c : cases) {
+  using Chunk = InstrumentChunk;
+  const auto check = [](std::optional<Sampler> sampler, std::optional<Chunk> chunk,
+                        const char* expected) {
     WavInfo info;
-    if (c.sampler) {
+    if (sampler) {
       info.loops.emplace();
-      std::tie(info.midiUnityNote, info.midiPitchFraction) = *c.sampler;
+      info.midiUnityNote = sampler->note;
+      info.midiPitchFraction = sampler->fraction;
     }
-    info.instrument = c.chunk;
+    info.instrument = chunk;
     Warnings warnings;
     const auto mapped = mapWavMetadata(info, 10, warnings).instrument;
     EXPECT_EQ(mapped ? line(+mapped->baseNote, " ", +mapped->detune, " ", +mapped->lowNote, "-",
                             +mapped->highNote, " ", +mapped->lowVelocity, "-",
                             +mapped->highVelocity, " ", mapped->gain)
                      : "none",
-              c.expected)
-        << c.name;
+              expected);
     EXPECT_EQ(warnings, Warnings{});
-  }
+  };
+  const auto cents = [](double c) { return static_cast<std::uint32_t>(c / 100 * 4294967296.0); };
+  check({}, {}, "none");  // note, detune, keys, velocities, gain
+  check({}, Chunk{64, -7, -6, 1, 2, 3, 4}, "64 -7 1-2 3-4 -6");
+  check({}, Chunk{200, 100, -128, 130, 140, 0, 200}, "127 50 127-127 1-127 -128");
+  check({}, Chunk{0, -100, 127, 0, 0, 255, 0}, "0 -50 0-0 127-1 127");
+  check(Sampler{60, 0}, {}, "60 0 0-127 1-127 0");
+  check(Sampler{60, cents(30)}, {}, "60 -30 0-127 1-127 0");
+  check(Sampler{60, 0x80000000}, {}, "60 -50 0-127 1-127 0");
+  check(Sampler{60, 0x8147AE14}, {}, "60 -50 0-127 1-127 0");  // just below 50.5 cents
+  check(Sampler{60, 0x8147AE15}, {}, "61 49 0-127 1-127 0");
+  check(Sampler{60, 0xFFFFFFFF}, {}, "61 0 0-127 1-127 0");
+  check(Sampler{4294967295, cents(70)}, {}, "127 30 0-127 1-127 0");
+  check(Sampler{60, cents(30)}, Chunk{60, 12, 1, 0, 127, 1, 127}, "60 12 0-127 1-127 1");
+  check(Sampler{60, cents(30)}, Chunk{62, 12, 1, 5, 6, 7, 8}, "60 -30 5-6 7-8 1");
+  check(Sampler{300, 0}, Chunk{127, 12, 0, 0, 127, 1, 127}, "127 12 0-127 1-127 0");
 }
 
 TEST(WavToAiff, RefusesTooManyChannelsAndTooMuchSound) {

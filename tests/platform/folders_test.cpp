@@ -45,13 +45,6 @@ TEST(SearchFolder, StepsOverUnreadableFolders) {
   fs::permissions(folder / "closed", fs::perms::owner_all);
 }
 
-TEST(SearchFolder, FindsNothingInAMissingFolder) {
-  bool found = false;
-  searchFolder("/nonexistent-folder", {[&](std::string_view) { found = true; },
-                                       [](std::string_view) { return Descend::yes; }});
-  EXPECT_FALSE(found);
-}
-
 TEST(IsPackageName, KnowsBundlesInAnyCase) {
   for (const char* name : {"Sampler.app", "Song.logicx", "Synth.VST3", "a.b.Component"})
     EXPECT_TRUE(isPackageName(name)) << name;

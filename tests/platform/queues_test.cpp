@@ -62,16 +62,5 @@ TEST(RunLoop, KeepsTheOrderOfAWorkerThatIsFarAhead) {
   EXPECT_TRUE(std::is_sorted(order.begin(), order.end()));
 }
 
-TEST(RunLoop, ATaskMayPostEvenWhenTheQueueIsFull) {
-  int done = 0;
-  RunLoop loop;
-  loop.post([&] {
-    for (int i = 0; i < 5000; ++i)
-      loop.post([&] { ++done; });
-  });
-  loop.runUntil([&] { return done == 5000; });
-  EXPECT_EQ(done, 5000);
-}
-
 }  // namespace
 }  // namespace corvana

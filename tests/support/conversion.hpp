@@ -43,6 +43,13 @@ std::string line(const Values&... values) {
   return text.str();
 }
 
+inline std::string lines(const Warnings& warnings) {
+  std::string text;
+  for (const std::string& warning : warnings)
+    text += warning + "\n";
+  return text;
+}
+
 /// `count` bytes without a pattern that a wrong offset could repeat.
 inline ByteBuffer noise(std::size_t count) {
   ByteBuffer samples(count);
