@@ -5,7 +5,8 @@
 //     $VERMAC$ 1.1 $INFOMAC$ First line.#+#Second line.
 //     $URLMAC$ https://… $URLINFO$ https://… $
 //
-// A value ends at the next "$"; one character between key and value is skipped.
+// A value ends at the next "$" of its record, so the last one needs a "$" of its own. One
+// character between key and value is skipped.
 #pragma once
 
 #include <optional>

@@ -1,0 +1,100 @@
+#include "update/fetch_version_file.hpp"
+
+#include <QCoreApplication>
+#include <QNetworkReply>
+#include <QNetworkRequest>
+#include <QtConcurrent>
+#include <utility>
+
+#include "platform/unicode.hpp"
+
+namespace corvana {
+namespace {
+
+constexpr qint64 readBufferSize = 64 * 1024;
+constexpr int largestRedirectCount = 10;
+
+QNetworkRequest requestFor(const QUrl& address) {
+  QNetworkRequest request(address);
+  request.setAttribute(QNetworkRequest::RedirectPolicyAttribute,
+                       QNetworkRequest::NoLessSafeRedirectPolicy);
+  request.setMaximumRedirectsAllowed(largestRedirectCount);
+  request.setAttribute(QNetworkRequest::CookieLoadControlAttribute, QNetworkRequest::Manual);
+  request.setAttribute(QNetworkRequest::CookieSaveControlAttribute, QNetworkRequest::Manual);
+  request.setAttribute(QNetworkRequest::Http2AllowedAttribute, false);
+  // Both replace headers that the toolkit would send anyway: the one asks for an answer as it
+  // is, which cannot unpack to more than its size, the other keeps the user's language private.
+  request.setRawHeader("Accept-Encoding", "identity");
+  request.setRawHeader("Accept-Language", "*");
+  return request;
+}
+
+/// Whether the answer came through, whatever its status. The toolkit reports a status from 400
+/// on as an error too, in a range of its own.
+bool isComplete(QNetworkReply::NetworkError error, int status) {
+  if (error == QNetworkReply::NoError) return true;
+  return status >= 400 && error >= QNetworkReply::ContentAccessDenied &&
+         error != QNetworkReply::ProtocolFailure;
+}
+
+}  // namespace
+
+DataTask::DataTask(const QUrl& address, std::chrono::milliseconds deadline, Parse parse,
+                   Deliver deliver, QObject* receiver)
+    : QObject(receiver), parse_(std::move(parse)), deliver_(std::move(deliver)) {
+  reply_ = session_.get(requestFor(address));
+  reply_->setReadBufferSize(readBufferSize);
+  connect(reply_, &QNetworkReply::readyRead, this, &DataTask::receive);
+  connect(reply_, &QNetworkReply::finished, this, &DataTask::complete);
+  connect(&deadline_, &QTimer::timeout, this, &DataTask::cancel);
+  // A program that ends does not wait for servers.
+  connect(QCoreApplication::instance(), &QCoreApplication::aboutToQuit, this,
+          [this] { delete this; });
+  deadline_.setSingleShot(true);
+  deadline_.start(deadline);
+}
+
+void DataTask::cancel() {
+  if (completed_) return;
+  failed_ = true;
+  reply_->abort();  // completes before it returns
+}
+
+void DataTask::receive() {
+  body_ += reply_->read(largestVersionFile + 1 - body_.size());
+  if (body_.size() > largestVersionFile) cancel();
+}
+
+void DataTask::complete() {
+  completed_ = true;
+  deadline_.stop();
+  const int status = reply_->attribute(QNetworkRequest::HttpStatusCodeAttribute).toInt();
+  std::optional<std::u16string> text;
+  if (!failed_ && isComplete(reply_->error(), status)) {
+    body_ += reply_->readAll();
+    if (body_.size() <= largestVersionFile)
+      text = utf16FromUtf8({body_.constData(), static_cast<std::size_t>(body_.size())});
+  }
+  connect(&parsing_, &QFutureWatcherBase::finished, this, [this, status] {
+    deleteLater();
+    deliver_(parsing_.result(), status);
+  });
+  parsing_.setFuture(QtConcurrent::run(parse_, std::move(text)));
+}
+
+DataTask* fetchVersionFile(const QUrl& address, const std::u16string& applicationName,
+                           const std::u16string& installedVersion, std::int64_t requestNumber,
+                           QObject* receiver, const ReceiveResult& receiveResult,
+                           std::chrono::milliseconds deadline) {
+  return new DataTask(
+      address, deadline,
+      [=](const std::optional<std::u16string>& text) {
+        return parseVersionFile(text, applicationName, installedVersion);
+      },
+      [=](const VantorErgebnis& ergebnis, int status) {
+        receiveResult(requestNumber, ergebnis, status);
+      },
+      receiver);
+}
+
+}  // namespace corvana
