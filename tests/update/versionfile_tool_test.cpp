@@ -17,21 +17,12 @@ struct Outcome {
 
 class VersionfileTool : public testing::Test {
  protected:
-  void SetUp() override {
-    folder_ =
-        std::filesystem::path(testing::TempDir()) / ("versionfile-" + std::to_string(::getpid()));
-    std::filesystem::create_directories(folder_);
-  }
-  void TearDown() override { std::filesystem::remove_all(folder_); }
-
-  void write(const std::string& name, const std::string& text) const {
-    std::ofstream(folder_ / name, std::ios::binary) << text;
-  }
+  void write(const char* name, std::string_view text) const { folder_.write(name, text); }
 
   /// Runs a shell line in the test's folder; "TOOL" stands for the program.
   Outcome run(std::string line) const {
     line.replace(line.find("TOOL"), 4, "LC_ALL=C '" CORVANA_VERSIONFILE "'");
-    line = "cd '" + folder_.string() + "' && " + line + " 2>&1";
+    line = "cd '" + folder_.path().native() + "' && " + line + " 2>&1";
     Outcome outcome;
     FILE* pipe = ::popen(line.c_str(), "r");
     std::array<char, 4096> block{};
@@ -42,7 +33,7 @@ class VersionfileTool : public testing::Test {
   }
 
  private:
-  std::filesystem::path folder_;
+  const corvana::test::TemporaryFolder folder_;
 };
 
 constexpr const char* plain =
