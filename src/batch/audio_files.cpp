@@ -13,7 +13,7 @@ namespace fs = std::filesystem;
 
 bool isInput(const fs::path& candidate, const fs::path& input, const FileIdentity& inputIdentity) {
   return candidate.lexically_normal() == input.lexically_normal() ||
-         identityOf(candidate) == inputIdentity;
+         mayLeadTo(candidate, inputIdentity);
 }
 
 }  // namespace

@@ -29,6 +29,15 @@ namespace {
   throw FileError(errorNumber, localised("Cannot write '%1$@': %2$@"), path);
 }
 
+/// A call that a signal interrupted before it did anything is made again.
+template <typename Call>
+auto uninterrupted(const Call& call) {
+  auto result = call();
+  while (result < 0 && errno == EINTR)
+    result = call();
+  return result;
+}
+
 }  // namespace
 
 FileError::FileError(int errorNumber, const std::string& format, const std::filesystem::path& path)
@@ -52,9 +61,11 @@ int FileDescriptor::release() {
   return std::exchange(number_, -1);
 }
 
-// O_NONBLOCK: opening a pipe without a writer would otherwise wait for one.
 InputFile::InputFile(const std::filesystem::path& path)
-    : path_(path), file_(::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY)) {
+    : path_(path), file_(uninterrupted([&path] {
+        // O_NONBLOCK: opening a pipe without a writer would otherwise wait for one.
+        return ::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY);
+      })) {
   if (file_.number() < 0) failReading(errno, path);
   struct stat status {};
   if (::fstat(file_.number(), &status) != 0) failReading(errno, path);
@@ -93,10 +104,11 @@ void InputFile::checkStillThere() const {
   if (static_cast<std::size_t>(status.st_size) < size_) failReading(EIO, path_);
 }
 
-std::optional<FileIdentity> identityOf(const std::filesystem::path& path) {
+bool mayLeadTo(const std::filesystem::path& path, const FileIdentity& file) {
   struct stat status {};
-  if (::stat(path.c_str(), &status) != 0) return std::nullopt;
-  return FileIdentity{status.st_dev, status.st_ino};
+  if (::stat(path.c_str(), &status) == 0) return file == FileIdentity{status.st_dev, status.st_ino};
+  const bool leadsNowhere = errno == ENOENT || errno == ENOTDIR || errno == ELOOP;
+  return !leadsNowhere;
 }
 
 bool nameExists(const std::filesystem::path& path) {
@@ -112,7 +124,8 @@ void createFolders(const std::filesystem::path& folder) {
 }
 
 std::optional<FileDescriptor> createNewFile(const std::filesystem::path& path) {
-  FileDescriptor file(::open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666));
+  FileDescriptor file(uninterrupted(
+      [&path] { return ::open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666); }));
   if (file.number() >= 0) return file;
   if (errno == EEXIST) return std::nullopt;
   failCreating(errno, path);
@@ -131,8 +144,8 @@ void removeFile(const std::filesystem::path& path) {
 void writeAll(const FileDescriptor& file, std::span<const std::uint8_t> bytes,
               const std::filesystem::path& path) {
   while (!bytes.empty()) {
-    const ssize_t written = ::write(file.number(), bytes.data(), bytes.size());
-    if (written < 0 && errno == EINTR) continue;
+    const ssize_t written = uninterrupted(
+        [&file, &bytes] { return ::write(file.number(), bytes.data(), bytes.size()); });
     if (written < 0) failWriting(errno, path);
     if (written == 0) failWriting(EIO, path);
     bytes = bytes.subspan(static_cast<std::size_t>(written));

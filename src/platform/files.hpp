@@ -96,8 +96,9 @@ class InputFile {
   mutable std::atomic<bool> lost_ = false;  ///< a part of the mapping no longer has a file
 };
 
-/// The identity of what `path` leads to (links followed); absent when nothing can be reached.
-std::optional<FileIdentity> identityOf(const std::filesystem::path& path);
+/// Whether `path` leads to this file (links followed). Also true where the system cannot tell:
+/// who asks wants to spare the file.
+bool mayLeadTo(const std::filesystem::path& path, const FileIdentity& file);
 
 /// Whether the name is taken: by a file, a folder, or a link, even one that leads nowhere.
 bool nameExists(const std::filesystem::path& path);

@@ -26,7 +26,7 @@ std::optional<FileDescriptor> createInFolder(const std::filesystem::path& path) 
 
 FileDescriptor createOutput(const OutputTarget& target) {
   std::optional<FileDescriptor> file = createInFolder(target.url);
-  if (!file && target.replaceExisting && identityOf(target.url) != target.input) {
+  if (!file && target.replaceExisting && !mayLeadTo(target.url, target.input)) {
     removeFile(target.url);
     file = createInFolder(target.url);
   }

@@ -97,7 +97,7 @@ TEST(AudioFiles, NamesTheOutput) {
       folder.write(name, "");
     const fs::path input = folder.write(c.input, "");
     const auto output = [&](const fs::path& path) {
-      return makeOutputURL(path, *identityOf(path), c.isAIFF, c.useSubfolder, c.overwrite);
+      return makeOutputURL(path, InputFile(path).identity(), c.isAIFF, c.useSubfolder, c.overwrite);
     };
     EXPECT_EQ(output(input), folder / c.output);
     EXPECT_EQ(output(folder.path() / "." / c.input).lexically_normal(), folder / c.output);
@@ -111,7 +111,7 @@ TEST(AudioFiles, NoLinkLeadsTheOutputToTheInput) {
   fs::create_symlink("song.wav", folder / "song (1).aif");
   fs::create_symlink("gone", folder / "song (2).aif");
   const auto output = [&](bool overwrite) {
-    return makeOutputURL(input, *identityOf(input), false, false, overwrite).filename();
+    return makeOutputURL(input, InputFile(input).identity(), false, false, overwrite).filename();
   };
   EXPECT_EQ(output(true), "song (2).aif");
   EXPECT_EQ(output(false), "song (3).aif") << "a link to nothing takes its name";

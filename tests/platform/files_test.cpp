@@ -45,13 +45,23 @@ TEST(InputFile, HandsOverTheWholeFile) {
   const auto sizeOf = [](const InputFile& file) {
     return file.read([](std::span<const std::uint8_t> content) { return content.size(); });
   };
-  const InputFile full(folder.write("full", "abc"));
-  EXPECT_EQ(sizeOf(full), 3U);
+  EXPECT_EQ(sizeOf(InputFile(folder.write("full", "abc"))), 3U);
   EXPECT_EQ(sizeOf(InputFile(folder.write("empty", ""))), 0U);
-  fs::create_hard_link(folder / "full", folder / "link");
-  EXPECT_EQ(identityOf(folder / "link"), full.identity());
-  EXPECT_NE(identityOf(folder / "empty"), full.identity());
-  EXPECT_EQ(identityOf(folder / "missing"), std::nullopt);
+}
+
+TEST(MayLeadTo, FollowsLinksAndSparesWhatItCannotTell) {
+  const TemporaryFolder folder;
+  const FileIdentity file = InputFile(folder.write("file", "abc")).identity();
+  folder.write("other", "abc");
+  fs::create_hard_link(folder / "file", folder / "hard link");
+  fs::create_symlink("file", folder / "link");
+  fs::create_symlink("nowhere", folder / "dangling");
+  fs::create_symlink("loop", folder / "loop");
+  for (const char* name : {"file", "hard link", "link"})
+    EXPECT_TRUE(mayLeadTo(folder / name, file)) << name;
+  for (const char* name : {"other", "dangling", "loop", "missing", "file/below"})
+    EXPECT_FALSE(mayLeadTo(folder / name, file)) << name;
+  EXPECT_TRUE(mayLeadTo(folder / std::string(300, 'x'), file)) << "too long to be asked for";
 }
 
 TEST(RemoveFile, RemovesFilesAndLinksAndNothingElse) {

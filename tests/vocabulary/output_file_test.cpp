@@ -57,7 +57,7 @@ TEST(OutputFile, NeverRemovesTheInputUnderWhateverName) {
   fs::create_hard_link(input, folder / "hard link");
   fs::create_symlink("input.wav", folder / "symbolic link");
   for (const char* name : {"input.wav", "hard link", "symbolic link"}) {
-    EXPECT_THROW(create(folder / name, true, *identityOf(input)), ConversionError) << name;
+    EXPECT_THROW(create(folder / name, true, InputFile(input).identity()), ConversionError) << name;
     EXPECT_EQ(readText(folder / name), "samples") << name;
   }
 }
