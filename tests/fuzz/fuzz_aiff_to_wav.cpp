@@ -1,0 +1,36 @@
+// Any AIFF file becomes a WAV file that our own reader understands in the same way.
+#include <cmath>
+
+#include "aiff/aiff_reader.hpp"
+#include "convert/aiff_to_wav.hpp"
+#include "fuzz/conversion.hpp"
+#include "wav/wav_reader.hpp"
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+  using namespace corvana;
+  const auto output = fuzz::convert(convertAIFFToWAV, {data, size});
+  if (!output) return 0;
+  const AiffInfo before = parseAiff({data, size});
+  const WavInfo after = parseWav(*output);
+  const std::uint64_t frameSize = std::uint64_t{before.channels} * ((before.sampleSize + 7U) / 8);
+  const std::uint64_t frames =
+      std::min<std::uint64_t>(before.frameCount, before.soundSize / frameSize);
+  REQUIRE(output->size() == std::uint64_t{8} + Fields(*output, ByteOrder::little).u32(4));
+  REQUIRE(after.channels == before.channels);
+  REQUIRE(after.bitsPerSample == before.sampleSize);
+  REQUIRE(after.sampleRate == std::round(before.sampleRate));
+  REQUIRE(after.dataSize == frames * frameSize);
+  REQUIRE(after.instrument.has_value() == before.instrument.has_value());
+  REQUIRE(after.loops.has_value() == before.instrument.has_value());
+  if (after.loops) {
+    const auto isOn = [](const AiffLoop& loop) { return loop.playMode != play_mode::none; };
+    REQUIRE(after.loops->size() <= static_cast<std::size_t>(isOn(before.instrument->sustainLoop)) +
+                                       isOn(before.instrument->releaseLoop));
+    for (const SampleLoop& loop : *after.loops)
+      REQUIRE(loop.start <= loop.end && loop.end < frames);
+  }
+  REQUIRE(after.cuePoints.size() <= before.markers.size());
+  for (const CuePoint& point : after.cuePoints)
+    REQUIRE(point.position <= frames);
+  return 0;
+}
