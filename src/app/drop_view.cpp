@@ -11,7 +11,6 @@ namespace corvana {
 namespace {
 
 // In points of the window.
-constexpr double inset = 6;
 constexpr double cornerRadius = 10;
 constexpr double lineWidth = 2;
 constexpr double dashDrawn = 8;

@@ -24,6 +24,9 @@ class DropView : public QWidget {
  public:
   explicit DropView(QWidget* parent = nullptr);
 
+  /// From the edges of the view to its frame.
+  static constexpr int inset = 6;
+
   /// May be empty: drops are then accepted and go nowhere.
   QPointer<DropViewDelegate> delegate;
 

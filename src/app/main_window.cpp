@@ -62,6 +62,7 @@ void MainWindow::makeViews() {
 
   auto* log = new QPlainTextEdit;
   log->setTabChangesFocus(true);
+  log->setPlaceholderText(qtText(localised("Converted files and their warnings appear here.")));
   log->setAccessibleName(qtText(localised("Log")));
 
   auto* options = new QVBoxLayout;
@@ -74,14 +75,21 @@ void MainWindow::makeViews() {
   run->addWidget(status);
   run->addWidget(progress);
 
+  // The frame of the drop view, not its edge, stands in line with the views below it.
+  constexpr int outside = margin - DropView::inset;
+  auto* below = new QVBoxLayout;
+  below->setContentsMargins(DropView::inset, 0, DropView::inset, DropView::inset);
+  below->setSpacing(spacing);
+  below->addLayout(options);
+  below->addLayout(run);
+  below->addWidget(log, 1);
+
   auto* content = new QWidget;
   auto* layout = new QVBoxLayout(content);
-  layout->setContentsMargins(margin, margin, margin, margin);
-  layout->setSpacing(spacing);
+  layout->setContentsMargins(outside, outside, outside, outside);
+  layout->setSpacing(spacing - DropView::inset);
   layout->addWidget(dropView, 2);
-  layout->addLayout(options);
-  layout->addLayout(run);
-  layout->addWidget(log, 3);
+  layout->addLayout(below, 5);
   setCentralWidget(content);
 
   controller_.dropView = dropView;
@@ -116,7 +124,7 @@ void MainWindow::makeMenus() {
   file->addAction(qtText(localised("&Open…")), QKeySequence::Open, &controller_,
                   &ViewController::openDocument);
   file->addSeparator();
-  file->addAction(qtText(localised("&Quit")), QKeySequence::Quit, this, &MainWindow::close)
+  file->addAction(qtText(localised("&Quit")), Qt::CTRL | Qt::Key_Q, this, &MainWindow::close)
       ->setMenuRole(QAction::QuitRole);
 
   QPlainTextEdit* log = controller_.logView;

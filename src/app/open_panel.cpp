@@ -1,8 +1,8 @@
 #include "app/open_panel.hpp"
 
-#include <QAbstractItemView>
 #include <QFile>
 #include <QFileInfo>
+#include <QLineEdit>
 #include <algorithm>
 
 #include "app/qt_values.hpp"
@@ -42,14 +42,17 @@ std::vector<std::filesystem::path> OpenPanel::chosenURLs() const {
 
 void OpenPanel::accept() {
   const QStringList files = selectedFiles();
+  const auto* nameField = findChild<QLineEdit*>(QStringLiteral("fileNameEdit"));
+  const bool goesIntoFolder = nameField != nullptr && nameField->hasFocus() && files.size() == 1 &&
+                              QFileInfo(files.front()).isDir();
   const bool allExist =
       !files.isEmpty() && std::all_of(files.begin(), files.end(),
                                       [](const QString& file) { return QFileInfo::exists(file); });
-  // The base class would go into a chosen folder; it knows what to say about missing files.
-  if (allExist) {
-    QDialog::accept();
-  } else {
+  // The base class goes into every folder, and knows what to say about missing files.
+  if (goesIntoFolder || !allExist) {
     QFileDialog::accept();
+  } else {
+    QDialog::accept();
   }
 }
 

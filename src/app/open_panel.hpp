@@ -8,7 +8,8 @@
 namespace corvana {
 
 /// Shows audio files and folders, all files on request. Its confirm button takes what is
-/// selected, folders included; a double click still goes into a folder.
+/// selected, folders included. A double click goes into a folder, and so does Enter behind its
+/// typed name.
 class OpenPanel : public QFileDialog {
   Q_OBJECT
  public:

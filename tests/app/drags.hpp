@@ -1,0 +1,49 @@
+// Drags as another program would make them, sent to a view.
+#pragma once
+
+#include <QApplication>
+#include <QDropEvent>
+#include <QMimeData>
+#include <QTest>
+#include <filesystem>
+#include <vector>
+
+#include "app/drop_view.hpp"
+#include "app/qt_values.hpp"
+
+namespace corvana::test {
+
+/// Whether the view takes the drag.
+inline bool enter(DropView& view, const QMimeData& data,
+                  Qt::DropActions actions = Qt::CopyAction | Qt::MoveAction) {
+  QDragEnterEvent event(view.rect().center(), actions, &data, Qt::LeftButton, Qt::NoModifier);
+  QApplication::sendEvent(&view, &event);
+  EXPECT_TRUE(!event.isAccepted() || event.dropAction() == Qt::CopyAction);
+  return event.isAccepted();
+}
+
+inline void leave(DropView& view) {
+  QDragLeaveEvent event;
+  QApplication::sendEvent(&view, &event);
+}
+
+/// Whether the view takes the drop.
+inline bool drop(DropView& view, const QMimeData& data) {
+  QDropEvent event(view.rect().center(), Qt::CopyAction | Qt::MoveAction, &data, Qt::LeftButton,
+                   Qt::NoModifier);
+  QApplication::sendEvent(&view, &event);
+  EXPECT_TRUE(!event.isAccepted() || event.dropAction() == Qt::CopyAction);
+  return event.isAccepted();
+}
+
+inline void dragAndDrop(DropView& view, const std::vector<std::filesystem::path>& paths) {
+  QMimeData data;
+  QList<QUrl> urls;
+  for (const std::filesystem::path& path : paths)
+    urls << QUrl(urlTextOfPath(path));
+  data.setUrls(urls);
+  EXPECT_TRUE(enter(view, data));
+  EXPECT_TRUE(drop(view, data));
+}
+
+}  // namespace corvana::test

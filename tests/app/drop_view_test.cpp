@@ -1,0 +1,124 @@
+#include "app/drop_view.hpp"
+
+#include <QImage>
+#include <gtest/gtest.h>
+#include <string>
+
+#include "app/drags.hpp"
+
+namespace corvana::test {
+namespace {
+
+namespace fs = std::filesystem;
+
+struct Receiver : DropViewDelegate {
+  void filesDropped(const std::vector<fs::path>& urls) override { received.push_back(urls); }
+  std::vector<std::vector<fs::path>> received;
+};
+
+TEST(DropView, TakesDragsThatCarryFiles) {
+  struct Case {
+    const char* what;
+    const char* uris;
+    std::vector<fs::path> urls;
+  };
+  const std::string here = "file://" + QSysInfo::machineHostName().toStdString() + "/tmp/a.wav";
+  for (const Case& test : {
+           Case{"file", "file:///tmp/a.wav", {"/tmp/a.wav"}},
+           Case{"folder", "file:///tmp/Samples/", {"/tmp/Samples/"}},
+           Case{"several, in their order", "file:///b\r\nfile:///a\r\n", {"/b", "/a"}},
+           Case{"any type", "file:///tmp/notes.txt", {"/tmp/notes.txt"}},
+           Case{"spaces, percent, hash", "file:///a%20b%25%23.wav", {"/a b%#.wav"}},
+           Case{"UTF-8", "file:///Fl%C3%B6te.wav", {"/Flöte.wav"}},
+           Case{"not UTF-8", "file:///Fl%F6te.wav", {"/Fl\xF6te.wav"}},
+           Case{"with the name of this machine", here.c_str(), {"/tmp/a.wav"}},
+           Case{"localhost", "file://localhost/tmp/a.wav", {"/tmp/a.wav"}},
+           Case{"files among other things", "https://a.example/x.wav\r\nfile:///x.wav", {"/x.wav"}},
+           Case{"web address", "https://a.example/x.wav", {}},
+           Case{"file of another machine", "file://far.example/x.wav", {}},
+           Case{"nothing", "", {}},
+       }) {
+    SCOPED_TRACE(test.what);
+    DropView view;
+    Receiver receiver;
+    view.delegate = &receiver;
+    QMimeData data;
+    data.setData("text/uri-list", test.uris);
+
+    const bool carriesFiles = !test.urls.empty();
+    EXPECT_EQ(enter(view, data), carriesFiles);
+    EXPECT_EQ(view.isHighlighted(), carriesFiles);
+    leave(view);
+    EXPECT_FALSE(view.isHighlighted());
+
+    enter(view, data);
+    EXPECT_EQ(drop(view, data), carriesFiles);
+    EXPECT_FALSE(view.isHighlighted());
+    EXPECT_TRUE(receiver.received.empty()) << "the other program still waits";
+    QCoreApplication::processEvents();
+    const std::vector<std::vector<fs::path>> expected(carriesFiles ? 1 : 0, test.urls);
+    EXPECT_EQ(receiver.received, expected);
+  }
+}
+
+TEST(DropView, RefusesTextImagesAndMoves) {
+  DropView view;
+  QMimeData text;
+  text.setText("file:///tmp/a.wav");
+  EXPECT_FALSE(enter(view, text));
+  QMimeData image;
+  image.setImageData(QImage(4, 4, QImage::Format_RGB32));
+  EXPECT_FALSE(enter(view, image));
+  QMimeData file;
+  file.setUrls({QUrl("file:///tmp/a.wav")});
+  EXPECT_FALSE(enter(view, file, Qt::MoveAction)) << "the other program would delete the file";
+  EXPECT_FALSE(view.isHighlighted());
+}
+
+TEST(DropView, TakesDropsWithoutAndAfterItsDelegate) {
+  DropView view;
+  dragAndDrop(view, {"/tmp/a.wav"});
+  auto receiver = std::make_unique<Receiver>();
+  view.delegate = receiver.get();
+  dragAndDrop(view, {"/tmp/a.wav"});
+  receiver.reset();
+  QCoreApplication::processEvents();
+}
+
+TEST(DropView, DrawsADashedFrameAndATintInTheColoursOfTheTheme) {
+  for (const auto& [background, frame, tint] :
+       {std::tuple(Qt::white, Qt::black, Qt::blue), std::tuple(Qt::black, Qt::white, Qt::red)}) {
+    DropView view;
+    view.resize(200, 100);
+    QPalette theme;
+    theme.setColor(QPalette::Window, background);
+    theme.setColor(QPalette::PlaceholderText, frame);
+    theme.setColor(QPalette::Highlight, tint);
+    view.setPalette(theme);
+    const auto isInk = [&](const QImage& image, int x, int y) {
+      return image.pixelColor(x, y) == QColor(frame);
+    };
+    QImage picture = view.grab().toImage();
+    EXPECT_EQ(picture.pixelColor(100, 50), QColor(background));
+    EXPECT_EQ(picture.pixelColor(2, 50), QColor(background)) << "outside the frame";
+    // The line lies on the middle of its two pixels, 6 from the edge.
+    int ink = 0;
+    for (int x = 20; x < 20 + 13 * 12; ++x)
+      if (isInk(picture, x, 5) && isInk(picture, x, 6)) ++ink;
+    EXPECT_NEAR(ink, 8 * 12, 12) << "8 points drawn, 5 left out";
+
+    QMimeData data;
+    data.setUrls({QUrl("file:///tmp/a.wav")});
+    enter(view, data);
+    picture = view.grab().toImage();
+    const QColor tinted = picture.pixelColor(100, 50);
+    const QColor full(tint);
+    const QColor base(background);
+    EXPECT_NEAR(tinted.red(), 0.35 * full.red() + 0.65 * base.red(), 2);
+    EXPECT_NEAR(tinted.blue(), 0.35 * full.blue() + 0.65 * base.blue(), 2);
+    EXPECT_EQ(picture.pixelColor(2, 50), base) << "outside the frame";
+  }
+}
+
+}  // namespace
+}  // namespace corvana::test

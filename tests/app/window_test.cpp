@@ -1,0 +1,268 @@
+// The main window and its controller, with real files and the real batch driver.
+
+#include <QClipboard>
+#include <QElapsedTimer>
+#include <QFileDialog>
+#include <QFileOpenEvent>
+#include <QScrollBar>
+#include <QSettings>
+#include <gtest/gtest.h>
+#include <optional>
+
+#include "app/drags.hpp"
+#include "app/main_window.hpp"
+#include "support/audio_builder.hpp"
+#include "support/temporary_folder.hpp"
+
+namespace corvana::test {
+namespace {
+
+constexpr int patience = 20'000;  // ms
+
+ByteBuffer shortWav() {
+  return wav({fmt({}), data(ByteBuffer(200))});
+}
+
+/// A WAV file that takes a while; on the disk it is a hole.
+fs::path writeLongWav(const TemporaryFolder& folder, const fs::path& name) {
+  constexpr std::uint32_t size = 1U << 30;
+  const ByteBuffer beginning =
+      join({text("RIFF"), le(size + 36, 4), text("WAVE"), fmt({}), text("data"), le(size, 4)});
+  const fs::path path = folder.write(name, beginning);
+  fs::resize_file(path, beginning.size() + size);
+  return path;
+}
+
+class Window : public testing::Test {
+ protected:
+  Window() { QSettings().clear(); }
+
+  void makeWindow() {
+    window.emplace(&appDelegate);
+    window->show();
+  }
+
+  ViewController& controller() { return window->controller(); }
+  QString status() { return controller().statusLabel->text(); }
+  QString log() { return controller().logView->toPlainText(); }
+  double progress() {
+    const QProgressBar& bar = *controller().progressIndicator;
+    return static_cast<double>(bar.value()) / bar.maximum();
+  }
+  void waitForEnd() {
+    EXPECT_TRUE(QTest::qWaitFor([&] { return controller().driver().totalFiles() == 0; }, patience));
+  }
+  static void click(QCheckBox& checkbox) {
+    QTest::mouseClick(&checkbox, Qt::LeftButton, {}, QPoint(10, checkbox.height() / 2));
+  }
+
+  TemporaryFolder folder;
+  AppDelegate appDelegate;
+  std::optional<MainWindow> window;
+};
+
+TEST_F(Window, IsReadyAtTheStart) {
+  makeWindow();
+  EXPECT_EQ(status(), "Ready.");
+  EXPECT_EQ(progress(), 0);
+  EXPECT_EQ(log(), "");
+  EXPECT_TRUE(controller().logView->isReadOnly());
+  EXPECT_EQ(controller().logView->font().pointSize(), 11);
+  EXPECT_FALSE(controller().useSubfolder());
+  EXPECT_FALSE(controller().overwriteExisting());
+  EXPECT_EQ(appDelegate.mainViewController, &controller());
+}
+
+TEST_F(Window, ConvertsADroppedFolder) {
+  folder.write("Set/a.WAV", shortWav());
+  folder.write("Set/c.txt", "no sound");
+  folder.write("Set/Deep/d.wav", shortWav());
+  makeWindow();
+  dragAndDrop(*controller().dropView, {folder / "Set"});
+  QCoreApplication::processEvents();
+  waitForEnd();
+  EXPECT_EQ(log(),
+            "d.wav => d.aif  [16-bit, mono, 44100 Hz]\na.WAV => a.aif  [16-bit, mono, 44100 Hz]\n");
+  EXPECT_EQ(status(), "Done – 2 files processed.");
+  EXPECT_EQ(progress(), 1);
+  EXPECT_TRUE(fs::exists(folder / "Set/a.aif") && fs::exists(folder / "Set/Deep/d.aif"));
+}
+
+TEST_F(Window, SaysSoWhereThereIsNothingToConvert) {
+  makeWindow();
+  controller().processURLs({folder.write("notes.txt", "no sound")});
+  EXPECT_EQ(log(), "No WAV or AIFF files found.\n");
+  EXPECT_EQ(status(), "Ready.");
+}
+
+TEST_F(Window, GoesOnBehindABrokenFile) {
+  const fs::path first = folder.write("1.wav", shortWav());
+  const fs::path broken = folder.write("2.wav", "neither of the two formats");
+  const fs::path last = folder.write("3.wav", shortWav());
+  makeWindow();
+  controller().processURLs({first, broken, last});
+  waitForEnd();
+  EXPECT_EQ(log(),
+            "1.wav => 1.aif  [16-bit, mono, 44100 Hz]\n"
+            "✗ 2.wav: Unsupported format: neither WAV nor AIFF\n"
+            "3.wav => 3.aif  [16-bit, mono, 44100 Hz]\n");
+  EXPECT_EQ(status(), "Done – 3 files processed.");
+}
+
+TEST_F(Window, CountsASecondDropIntoTheRun) {
+  std::vector<fs::path> firstDrop;
+  std::vector<fs::path> secondDrop;
+  for (int i = 0; i < 7; ++i)
+    (i < 5 ? firstDrop : secondDrop)
+        .push_back(folder.write("in/" + std::to_string(i) + ".wav", shortWav()));
+  makeWindow();
+  // The log changes while the third file is being counted.
+  double progressAfterDrop = 0;
+  QObject::connect(controller().logView, &QPlainTextEdit::textChanged, [&] {
+    if (controller().driver().finishedFiles() != 3 || controller().driver().totalFiles() != 5)
+      return;
+    click(*controller().subfolderCheckbox);
+    controller().processURLs(secondDrop);
+    progressAfterDrop = progress();
+  });
+  controller().processURLs(firstDrop);
+  EXPECT_EQ(status(), "Ready.");
+  waitForEnd();
+  EXPECT_NEAR(progressAfterDrop, 3.0 / 7, 1e-4);
+  EXPECT_EQ(status(), "Done – 7 files processed.");
+  EXPECT_EQ(log().count('\n'), 7);
+  EXPECT_TRUE(fs::exists(folder / "in/4.aif")) << "options are those of the first drop";
+  EXPECT_TRUE(fs::exists(folder / "in/AIFF/5.aif")) << "options are those of the second drop";
+}
+
+TEST_F(Window, ShowsProgressWithinAFile) {
+  makeWindow();
+  for (const double fraction : {0.0, 0.375, 1.0}) {
+    static_cast<BatchView&>(controller()).setProgress(fraction);
+    EXPECT_NEAR(progress(), fraction, 1e-5);
+  }
+}
+
+TEST_F(Window, ShowsHostileNamesAsTheyAre) {
+  makeWindow();
+  const fs::path file = folder.write("<b>bold<b>\x1B[2J\nsecond line\xFF.wav", shortWav());
+  controller().processURLs({file});
+  waitForEnd();
+  EXPECT_TRUE(log().startsWith("<b>bold<b>\uFFFD[2J\nsecond line\uFFFD.wav => <b>bold<b>\uFFFD"))
+      << log().toStdString();
+  EXPECT_EQ(controller().statusLabel->textFormat(), Qt::PlainText);
+  EXPECT_EQ(controller().statusLabel->minimumSizeHint().width(), 0)
+      << "a long name must not widen the window";
+}
+
+TEST_F(Window, KeepsTheSelectionAndShowsTheEndWhenTheLogGrows) {
+  makeWindow();
+  for (int i = 0; i < 100; ++i)
+    static_cast<BatchView&>(controller()).appendLog("entry " + std::to_string(i));
+  QPlainTextEdit& view = *controller().logView;
+  QTextCursor selection = view.textCursor();
+  selection.setPosition(0);
+  selection.setPosition(5, QTextCursor::KeepAnchor);
+  view.setTextCursor(selection);
+  static_cast<BatchView&>(controller()).appendLog("last");
+  EXPECT_EQ(view.textCursor().selectedText(), "entry");
+  EXPECT_EQ(view.verticalScrollBar()->value(), view.verticalScrollBar()->maximum());
+}
+
+TEST_F(Window, WritesTheLogInTheTextColourOfTheTheme) {
+  makeWindow();
+  static_cast<BatchView&>(controller()).appendLog("entry");
+  QTextCursor cursor(controller().logView->document());
+  cursor.movePosition(QTextCursor::NextCharacter);
+  EXPECT_FALSE(cursor.charFormat().hasProperty(QTextFormat::ForegroundBrush));
+}
+
+TEST_F(Window, KeepsItsOptions) {
+  struct Option {
+    QPointer<QCheckBox> ViewController::*checkbox;
+    const char* key;
+  };
+  for (const Option& option : {Option{&ViewController::subfolderCheckbox, "UseAIFFSubfolder"},
+                               Option{&ViewController::overwriteCheckbox, "OverwriteExisting"}}) {
+    for (const bool checked : {true, false}) {
+      makeWindow();
+      click(*(controller().*option.checkbox));
+      // As another program sees it: from the file.
+      const QSettings file(QSettings().fileName(), QSettings::IniFormat);
+      EXPECT_EQ(file.value(option.key).toBool(), checked) << option.key;
+      window.reset();
+      makeWindow();
+      EXPECT_EQ((controller().*option.checkbox)->isChecked(), checked) << option.key;
+      EXPECT_EQ(QSettings().allKeys().size(), 1 + (option.key[0] == 'O')) << "nothing else";
+    }
+  }
+}
+
+TEST_F(Window, TakesOverFilesOpenedBeforeItWasThere) {
+  const fs::path first = folder.write("1.wav", shortWav());
+  const fs::path second = folder.write("2.wav", shortWav());
+  appDelegate.openFiles({first});
+  appDelegate.openFiles({second});
+  EXPECT_EQ(appDelegate.pendingURLs, (std::vector<fs::path>{first, second}));
+  makeWindow();
+  EXPECT_TRUE(appDelegate.pendingURLs.empty());
+  EXPECT_EQ(controller().driver().totalFiles(), 2);
+  waitForEnd();
+  EXPECT_EQ(status(), "Done – 2 files processed.");
+}
+
+TEST_F(Window, OpensFilesFromTheDesktopAtOnce) {
+  makeWindow();
+  const fs::path file = folder.write("1.wav", shortWav());
+  QFileOpenEvent request(QUrl(urlTextOfPath(file)));
+  EXPECT_TRUE(QCoreApplication::sendEvent(qApp, &request));
+  EXPECT_EQ(controller().driver().totalFiles(), 1);
+  EXPECT_TRUE(appDelegate.pendingURLs.empty());
+  waitForEnd();
+  EXPECT_TRUE(fs::exists(folder / "1.aif"));
+}
+
+TEST_F(Window, EndsWithinASecondWhileConverting) {
+  const fs::path first = writeLongWav(folder, "1.wav");
+  const fs::path second = writeLongWav(folder, "2.wav");
+  makeWindow();
+  controller().processURLs({first, second});
+  ASSERT_TRUE(QTest::qWaitFor([&] { return fs::exists(folder / "1.aif"); }, patience));
+  QElapsedTimer clock;
+  clock.start();
+  window->close();
+  window.reset();
+  EXPECT_LT(clock.elapsed(), 1000);
+  QCoreApplication::processEvents();
+  EXPECT_FALSE(fs::exists(folder / "2.aif"));
+}
+
+TEST_F(Window, IsUsableByKeyboard) {
+  makeWindow();
+  window->activateWindow();
+  ASSERT_TRUE(QTest::qWaitForWindowActive(&*window, patience));
+  controller().subfolderCheckbox->setFocus();
+  QTest::keyClick(&*controller().subfolderCheckbox, Qt::Key_Space);
+  EXPECT_TRUE(controller().useSubfolder());
+  EXPECT_EQ(controller().subfolderCheckbox->nextInFocusChain(), controller().overwriteCheckbox);
+  for (QWidget* view : window->centralWidget()->findChildren<QWidget*>()) {
+    const bool isReached = (view->focusPolicy() & Qt::TabFocus) != 0;
+    const QString title = view->accessibleName() + view->property("text").toString();
+    EXPECT_FALSE(isReached && title.isEmpty()) << view->metaObject()->className();
+  }
+
+  static_cast<BatchView&>(controller()).appendLog("entry");
+  const auto press = [&](Qt::Key key) { QTest::keyClick(&*window, key, Qt::ControlModifier); };
+  press(Qt::Key_A);
+  press(Qt::Key_C);
+  EXPECT_EQ(QGuiApplication::clipboard()->text(), "entry\n");
+  press(Qt::Key_O);
+  auto* panel = window->findChild<QFileDialog*>();
+  ASSERT_NE(panel, nullptr);
+  panel->reject();
+  press(Qt::Key_Q);
+  EXPECT_FALSE(window->isVisible());
+}
+
+}  // namespace
+}  // namespace corvana::test
