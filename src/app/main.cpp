@@ -2,6 +2,7 @@
 
 #include <QApplication>
 #include <QCommandLineParser>
+#include <QDir>
 #include <QIcon>
 #include <QLibraryInfo>
 #include <QTranslator>
@@ -28,6 +29,14 @@ void describeProgram() {
   QCoreApplication::setApplicationVersion(
       corvana::qtText(corvana::bundleValue(info, corvana::bundleVersionKey)));
   QGuiApplication::setDesktopFileName(corvana::desktopId);
+}
+
+/// Made by the build in several sizes, where it can; otherwise the installed one.
+QIcon programIcon() {
+  QIcon icon;
+  for (const QFileInfo& size : QDir(QStringLiteral(":/icons")).entryInfoList())
+    icon.addFile(size.filePath());
+  return icon.isNull() ? QIcon::fromTheme(corvana::desktopId) : icon;
 }
 
 /// The toolkit's own texts: buttons of the open panel, context menu of the log.
@@ -83,6 +92,7 @@ int main(int argumentCount, char** argumentValues) {
   corvana::useSystemLanguage(corvana::runningProgramFolder());
   describeProgram();
   QApplication application(argumentCount, argumentValues);
+  QApplication::setWindowIcon(programIcon());
   QTranslator toolkitTexts;
   translateToolkit(toolkitTexts);
   checkOptions(application);

@@ -13,6 +13,10 @@ namespace {
 /// at 60 Hz.
 constexpr std::chrono::milliseconds turn{8};
 
+/// Between two batches. To be woken for every small file would cost the worker and the window
+/// more time than the file.
+constexpr std::chrono::milliseconds pause{10};
+
 }  // namespace
 
 void QtMainQueue::post(Task task) {
@@ -27,7 +31,12 @@ void QtMainQueue::post(Task task) {
 
 bool QtMainQueue::event(QEvent* event) {
   if (event->type() != QEvent::User) return QObject::event(event);
-  runTasks();
+  const std::chrono::milliseconds elapsed(sinceBatch_.isValid() ? sinceBatch_.elapsed() : 0);
+  if (!sinceBatch_.isValid() || elapsed >= pause) {
+    runTasks();
+  } else {
+    QTimer::singleShot(pause - elapsed, Qt::PreciseTimer, this, [this] { runTasks(); });
+  }
   return true;
 }
 
@@ -39,6 +48,7 @@ void QtMainQueue::runTasks() {
       const std::lock_guard lock(mutex_);
       if (tasks_.empty()) {
         isWoken_ = false;
+        sinceBatch_.start();
         return;
       }
       task = std::move(tasks_.front());

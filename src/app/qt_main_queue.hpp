@@ -1,6 +1,7 @@
 // The main queue of the window: posted tasks run in the toolkit's event loop.
 #pragma once
 
+#include <QElapsedTimer>
 #include <QObject>
 #include <deque>
 #include <mutex>
@@ -9,7 +10,8 @@
 
 namespace corvana {
 
-/// Made and destroyed on the main thread; tasks that have not run by then are dropped.
+/// Runs tasks in batches, some milliseconds apart. Made and destroyed on the main thread; tasks
+/// that have not run by then are dropped.
 class QtMainQueue : public QObject, public MainQueue {
  public:
   void post(Task task) override;
@@ -23,6 +25,7 @@ class QtMainQueue : public QObject, public MainQueue {
   std::mutex mutex_;
   std::deque<Task> tasks_;
   bool isWoken_ = false;  // runTasks will come
+  QElapsedTimer sinceBatch_;
 };
 
 }  // namespace corvana

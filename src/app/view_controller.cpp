@@ -59,7 +59,7 @@ void ViewController::viewDidLoad() {
   restoreCheckboxState(*overwriteCheckbox, overwriteKey);
   progressIndicator->setRange(0, progressSteps);
   progressIndicator->setValue(0);
-  setStatus(localised("Ready."));
+  statusLabel->setText(qtText(localised("Ready.")));
   if (!appDelegate_) return;
   appDelegate_->mainViewController = this;
   if (const auto urls = std::exchange(appDelegate_->pendingURLs, {}); !urls.empty())
@@ -101,18 +101,35 @@ bool ViewController::overwriteExisting() const {
 }
 
 void ViewController::setStatus(const std::string& text) {
-  statusLabel->setText(screenText(text));
+  news_.status = text;
+  announceNews();
 }
 
 void ViewController::setProgress(double fraction) {
-  progressIndicator->setValue(static_cast<int>(std::lround(fraction * progressSteps)));
+  news_.progress = fraction;
+  announceNews();
 }
 
 void ViewController::appendLog(const std::string& entry) {
+  news_.log += entry + '\n';
+  announceNews();
+}
+
+void ViewController::announceNews() {
+  if (!std::exchange(news_.isAnnounced, true))
+    QMetaObject::invokeMethod(this, &ViewController::showNews, Qt::QueuedConnection);
+}
+
+void ViewController::showNews() {
+  const News news = std::exchange(news_, {});
+  if (news.status) statusLabel->setText(screenText(*news.status));
+  if (news.progress)
+    progressIndicator->setValue(static_cast<int>(std::lround(*news.progress * progressSteps)));
+  if (news.log.empty()) return;
   // A cursor of its own leaves the user's selection alone.
   QTextCursor end(logView->document());
   end.movePosition(QTextCursor::End);
-  end.insertText(screenText(entry) + QLatin1Char('\n'));
+  end.insertText(screenText(news.log));
   QScrollBar* bar = logView->verticalScrollBar();
   bar->setValue(bar->maximum());
 }

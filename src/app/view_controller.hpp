@@ -8,6 +8,8 @@
 #include <QPlainTextEdit>
 #include <QPointer>
 #include <QProgressBar>
+#include <optional>
+#include <string>
 
 #include "app/app_delegate.hpp"
 #include "app/drop_view.hpp"
@@ -52,6 +54,8 @@ class ViewController : public DropViewDelegate, public BatchView {
 
   const BatchDriver& driver() const { return driver_; }
 
+  // What the driver says of the run is shown at the end of the event loop's turn: the views need
+  // longer for one change than the driver for a short file.
   bool useSubfolder() const override;
   bool overwriteExisting() const override;
   void setStatus(const std::string& text) override;
@@ -64,7 +68,19 @@ class ViewController : public DropViewDelegate, public BatchView {
   void openDocument();
 
  private:
+  /// What the views are to show.
+  struct News {
+    std::optional<std::string> status;
+    std::optional<double> progress;
+    std::string log;
+    bool isAnnounced = false;  // showNews will come
+  };
+
+  void announceNews();
+  void showNews();
+
   QPointer<AppDelegate> appDelegate_;
+  News news_;
   QString openPanelFolder_;  // where the last panel of this run was
   QtMainQueue mainQueue_;
   BatchDriver driver_;  // last: its thread ends before its views and its queue do

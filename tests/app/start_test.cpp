@@ -1,0 +1,120 @@
+// The program itself, started once and again, on a session bus of its own and without one.
+
+#include <QDir>
+#include <QProcess>
+#include <QStandardPaths>
+#include <QTest>
+#include <gtest/gtest.h>
+
+#include "app/qt_values.hpp"
+#include "support/audio_builder.hpp"
+#include "support/temporary_folder.hpp"
+
+namespace corvana::test {
+namespace {
+
+constexpr int patience = 20'000;  // ms
+
+class Start : public testing::Test {
+ protected:
+  ~Start() override { end(bus); }
+
+  /// Whether there is a session bus to start.
+  bool startBus() {
+    const QString daemon = QStandardPaths::findExecutable("dbus-daemon");
+    if (daemon.isEmpty()) return false;
+    bus.start(daemon, {"--session", "--nofork", "--print-address"});
+    if (!bus.waitForReadyRead(patience)) return false;
+    busAddress = QString::fromLatin1(bus.readLine()).trimmed();
+    return true;
+  }
+
+  void start(QProcess& program, const QStringList& arguments) {
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    environment.insert("DBUS_SESSION_BUS_ADDRESS", busAddress);
+    environment.insert("XDG_CONFIG_HOME", (folder / "config").c_str());
+    environment.insert("LANGUAGE", "en");
+    program.setProcessEnvironment(environment);
+    program.setWorkingDirectory(folder.path().c_str());
+    program.start(CORVANA_PROGRAM, arguments);
+    ASSERT_TRUE(program.waitForStarted(patience));
+  }
+
+  static void end(QProcess& program) {
+    program.terminate();
+    program.waitForFinished(patience);
+  }
+
+  fs::path writeWav(const fs::path& name) {
+    return folder.write(name, wav({fmt({}), data(ByteBuffer(8))}));
+  }
+
+  void waitForFile(const fs::path& name) {
+    EXPECT_TRUE(QTest::qWaitFor([&] { return fs::exists(folder / name); }, patience)) << name;
+  }
+
+  TemporaryFolder folder;
+  QProcess bus;
+  QString busAddress = "disabled:";
+};
+
+TEST_F(Start, LaterStartsHandTheirFilesToTheFirst) {
+  if (!startBus()) GTEST_SKIP() << "no dbus-daemon here";
+  writeWav("1.wav");
+  writeWav("2.wav");
+  const fs::path third = writeWav("Flöte #3 100%.wav");
+  QProcess first;
+  start(first, {"1.wav"});
+  waitForFile("1.aif");
+
+  for (const auto& [arguments, output] :
+       {std::pair(QStringList{"--", "2.wav"}, "2.aif"),
+        std::pair(QStringList{urlTextOfPath(third)}, "Flöte #3 100%.aif"),
+        std::pair(QStringList{}, "1.aif")}) {
+    QProcess later;
+    start(later, arguments);
+    EXPECT_TRUE(later.waitForFinished(patience));
+    EXPECT_EQ(later.exitCode(), 0);
+    waitForFile(output);
+  }
+  EXPECT_EQ(first.state(), QProcess::Running);
+  end(first);
+
+  // The name is free again.
+  writeWav("4.wav");
+  QProcess next;
+  start(next, {"4.wav"});
+  waitForFile("4.aif");
+  EXPECT_EQ(next.state(), QProcess::Running);
+  end(next);
+}
+
+TEST_F(Start, EveryStartHasAWindowWithoutASessionBus) {
+  writeWav("1.wav");
+  writeWav("2.wav");
+  QProcess first;
+  QProcess second;
+  start(first, {"1.wav"});
+  waitForFile("1.aif");
+  start(second, {"2.wav"});
+  waitForFile("2.aif");
+  EXPECT_EQ(first.state(), QProcess::Running);
+  EXPECT_EQ(second.state(), QProcess::Running);
+  end(first);
+  end(second);
+}
+
+TEST_F(Start, ConvertsNamesThatAreNotUtf8) {
+  writeWav("Fl\xF6te.wav");
+  QProcess shell;
+  QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+  environment.insert("XDG_CONFIG_HOME", (folder / "config").c_str());
+  shell.setProcessEnvironment(environment);
+  shell.setWorkingDirectory(folder.path().c_str());
+  shell.start("sh", {"-c", "exec \"$0\" Fl*.wav", CORVANA_PROGRAM});
+  waitForFile("Fl\xF6te.aif");
+  end(shell);
+}
+
+}  // namespace
+}  // namespace corvana::test

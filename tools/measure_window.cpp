@@ -1,0 +1,127 @@
+// measure_window CLI FILES [ROUNDS]: drops a folder of FILES small instruments on the window and
+// prints the longest time for which its event loop stood still, and how long the run took beside
+// the command line program CLI on the same files.
+
+#include <QApplication>
+#include <QDir>
+#include <QElapsedTimer>
+#include <QProcess>
+#include <QSettings>
+#include <QTemporaryDir>
+#include <QTimer>
+#include <algorithm>
+#include <cstdio>
+#include <cstdlib>
+#include <vector>
+
+#include "app/main_window.hpp"
+#include "wav/wav_writer.hpp"
+
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr std::size_t bytesPerFile = 16'384;
+
+/// A folder of its own for every run: on some file systems replacing many files is far slower
+/// than making them, and the second run would pay for the first.
+fs::path makeInstruments(const fs::path& folder, int count) {
+  fs::create_directories(folder);
+  const corvana::ByteBuffer samples(bytesPerFile, 0x11);
+  const corvana::TrailingChunks chunks{
+      .cue = {},
+      .sampler = corvana::buildSamplerChunk(44100, 60, 0, {{.start = 100, .end = 4000}}),
+      .instrument = {}};
+  for (int i = 0; i < count; ++i) {
+    const corvana::OutputTarget target{.url = folder / ("instrument " + std::to_string(i) + ".wav"),
+                                       .replaceExisting = false,
+                                       .input = {}};
+    corvana::WavFileWriter writer(target, corvana::buildFormatChunk(1, 44100, 16, 2, 2),
+                                  samples.size(), chunks);
+    writer.file().append(samples);
+    writer.finish();
+  }
+  return folder;
+}
+
+/// Milliseconds.
+struct Figures {
+  double run;
+  double longestStall;
+};
+
+Figures runWindow(const fs::path& folder) {
+  corvana::MainWindow window;
+  window.show();
+  QCoreApplication::processEvents();
+
+  Figures figures{0, 0};
+  QElapsedTimer run;
+  run.start();
+  window.controller().processURLs({folder});
+  // The search is over. From now on the loop comes round again and again, or it stands still.
+  QElapsedTimer sinceBeat;
+  sinceBeat.start();
+  QTimer beat;
+  QObject::connect(&beat, &QTimer::timeout, [&] {
+    figures.longestStall =
+        std::max(figures.longestStall, static_cast<double>(sinceBeat.nsecsElapsed()) / 1e6);
+    sinceBeat.start();
+  });
+  beat.start(1);
+  while (window.controller().driver().totalFiles() > 0)
+    QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
+  figures.run = static_cast<double>(run.nsecsElapsed()) / 1e6;
+  return figures;
+}
+
+double runCommandLine(const QString& program, const fs::path& folder) {
+  QProcess process;
+  process.setStandardOutputFile(QProcess::nullDevice());
+  process.setStandardErrorFile(QProcess::nullDevice());
+  QElapsedTimer run;
+  run.start();
+  process.start(program, {QString::fromStdString(folder.native())});
+  if (!process.waitForFinished(-1) || process.exitCode() != 0) {
+    std::fprintf(stderr, "measure_window: the command line program failed\n");
+    std::exit(1);
+  }
+  return static_cast<double>(run.nsecsElapsed()) / 1e6;
+}
+
+double median(std::vector<double> values) {
+  std::sort(values.begin(), values.end());
+  return values[values.size() / 2];
+}
+
+}  // namespace
+
+int main(int argumentCount, char** argumentValues) {
+  QApplication application(argumentCount, argumentValues);
+  if (argumentCount < 3) {
+    std::fprintf(stderr, "Usage: measure_window CLI FILES [ROUNDS]\n");
+    return 2;
+  }
+  const int files = std::atoi(argumentValues[2]);
+  const int rounds = argumentCount > 3 ? std::atoi(argumentValues[3]) : 7;
+  const QTemporaryDir folder;
+  QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, folder.path());
+  const fs::path parent = folder.path().toStdString();
+
+  std::vector<double> window;
+  std::vector<double> commandLine;
+  double longestStall = 0;
+  for (int i = 0; i < rounds; ++i) {
+    const std::string number = std::to_string(i);
+    const Figures figures = runWindow(makeInstruments(parent / ("window " + number), files));
+    window.push_back(figures.run);
+    longestStall = std::max(longestStall, figures.longestStall);
+    commandLine.push_back(runCommandLine(
+        argumentValues[1], makeInstruments(parent / ("command line " + number), files)));
+  }
+  std::printf("%d files, %d rounds\n", files, rounds);
+  std::printf("longest stall of the event loop  %7.1f ms\n", longestStall);
+  std::printf("run in the window, median        %7.1f ms\n", median(window));
+  std::printf("run of the command line, median  %7.1f ms\n", median(commandLine));
+  return 0;
+}
