@@ -1,6 +1,6 @@
 // measure_window CLI FILES [ROUNDS]: drops a folder of FILES small instruments on the window and
 // prints the longest time for which its event loop stood still, and how long the run took beside
-// the command line program CLI on the same files.
+// the command line program CLI on equal files.
 
 #include <QApplication>
 #include <QDir>
@@ -12,7 +12,8 @@
 #include <algorithm>
 #include <cstdio>
 #include <cstdlib>
-#include <vector>
+#include <ctime>
+#include <limits>
 
 #include "app/main_window.hpp"
 #include "wav/wav_writer.hpp"
@@ -46,26 +47,36 @@ fs::path makeInstruments(const fs::path& folder, int count) {
 
 /// Milliseconds.
 struct Figures {
-  double run;
-  double longestStall;
+  double run = std::numeric_limits<double>::infinity();
+  double longestStall = 0;
+  double longestWork = 0;  ///< processor time of the event loop between two beats
 };
+
+double workOfThread() {
+  timespec time{};
+  ::clock_gettime(CLOCK_THREAD_CPUTIME_ID, &time);
+  return static_cast<double>(time.tv_sec) * 1e3 + static_cast<double>(time.tv_nsec) / 1e6;
+}
 
 Figures runWindow(const fs::path& folder) {
   corvana::MainWindow window;
   window.show();
   QCoreApplication::processEvents();
 
-  Figures figures{0, 0};
+  Figures figures;
   QElapsedTimer run;
   run.start();
   window.controller().processURLs({folder});
   // The search is over. From now on the loop comes round again and again, or it stands still.
   QElapsedTimer sinceBeat;
   sinceBeat.start();
+  double workAtBeat = workOfThread();
   QTimer beat;
   QObject::connect(&beat, &QTimer::timeout, [&] {
     figures.longestStall =
         std::max(figures.longestStall, static_cast<double>(sinceBeat.nsecsElapsed()) / 1e6);
+    figures.longestWork = std::max(figures.longestWork, workOfThread() - workAtBeat);
+    workAtBeat = workOfThread();
     sinceBeat.start();
   });
   beat.start(1);
@@ -89,11 +100,6 @@ double runCommandLine(const QString& program, const fs::path& folder) {
   return static_cast<double>(run.nsecsElapsed()) / 1e6;
 }
 
-double median(std::vector<double> values) {
-  std::sort(values.begin(), values.end());
-  return values[values.size() / 2];
-}
-
 }  // namespace
 
 int main(int argumentCount, char** argumentValues) {
@@ -108,20 +114,23 @@ int main(int argumentCount, char** argumentValues) {
   QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, folder.path());
   const fs::path parent = folder.path().toStdString();
 
-  std::vector<double> window;
-  std::vector<double> commandLine;
-  double longestStall = 0;
+  // Other programs only ever make a run longer: the shortest says most.
+  Figures window;
+  double commandLine = window.run;
   for (int i = 0; i < rounds; ++i) {
     const std::string number = std::to_string(i);
     const Figures figures = runWindow(makeInstruments(parent / ("window " + number), files));
-    window.push_back(figures.run);
-    longestStall = std::max(longestStall, figures.longestStall);
-    commandLine.push_back(runCommandLine(
-        argumentValues[1], makeInstruments(parent / ("command line " + number), files)));
+    window.run = std::min(window.run, figures.run);
+    window.longestStall = std::max(window.longestStall, figures.longestStall);
+    window.longestWork = std::max(window.longestWork, figures.longestWork);
+    commandLine = std::min(
+        commandLine,
+        runCommandLine(argumentValues[1], makeInstruments(parent / ("cli " + number), files)));
   }
   std::printf("%d files, %d rounds\n", files, rounds);
-  std::printf("longest stall of the event loop  %7.1f ms\n", longestStall);
-  std::printf("run in the window, median        %7.1f ms\n", median(window));
-  std::printf("run of the command line, median  %7.1f ms\n", median(commandLine));
+  std::printf("longest stall of the event loop       %7.1f ms\n", window.longestStall);
+  std::printf("  most processor time it used at once %7.1f ms\n", window.longestWork);
+  std::printf("shortest run in the window            %7.1f ms\n", window.run);
+  std::printf("shortest run of the command line      %7.1f ms\n", commandLine);
   return 0;
 }
