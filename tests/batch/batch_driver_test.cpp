@@ -137,6 +137,29 @@ TEST_F(Driver, ReplacesOnlyWhenAllowed) {
   EXPECT_EQ(readFile(folder / "x.aif"), readFile(folder / "x (1).aif"));
 }
 
+TEST_F(Driver, InputsThatWantOneNameKeepApartOrReplaceEachOther) {
+  const ByteBuffer aiffInput = aiff({comm({.frames = 3, .bits = 8}), ssnd({1, 2, 3})});
+  const std::vector<std::string> names = {"a.aif", "a.wav", "x.wav", "x.wave"};
+  std::vector<fs::path> inputs;
+  for (const std::string& name : names)
+    inputs.push_back(name == "a.aif" ? folder.write(name, aiffInput) : writeWav(name, name.size()));
+  const ByteBuffer wavInput = readFile(folder / "a.wav");
+
+  driver.processURLs(inputs);
+  run();
+  EXPECT_EQ(folder.files(), (std::vector<std::string>{"a (1).aif", "a (1).wav", "a.aif", "a.wav",
+                                                      "x (1).aif", "x.aif", "x.wav", "x.wave"}));
+  EXPECT_EQ(readFile(folder / "a.aif"), aiffInput);
+  EXPECT_EQ(readFile(folder / "a.wav"), wavInput);
+
+  view.overwrite = true;
+  driver.processURLs(inputs);
+  run();
+  EXPECT_EQ(folder.files().size(), 8U);
+  EXPECT_EQ(readFile(folder / "x.aif"), readFile(folder / "x (1).aif")) << "the later one stays";
+  EXPECT_EQ(readFile(folder / "a.wav"), readFile(folder / "a (1).wav")) << "an input as well";
+}
+
 TEST_F(Driver, StopsAfterTheCurrentBlock) {
   const fs::path big = writeWav("big.wav", 0);
   ByteBuffer header = readFile(big);

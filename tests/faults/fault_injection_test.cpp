@@ -1,6 +1,5 @@
 // The real program with one system call going wrong: three files are converted, the fault hits
 // the second.
-#include <cerrno>
 #include <cstdlib>
 #include <gtest/gtest.h>
 #include <map>
@@ -37,17 +36,12 @@ enum class Outcome {
 };
 
 struct Case {
-  const char* fault;    ///< as CORVANA_FAULT
+  std::string fault;    ///< as CORVANA_FAULT
   Outcome outcome;      ///< of the second file
-  const char* message;  ///< "%IN", "%OUT" and "%DIR" stand for the paths
-  const char* options = "";
-  const char* present = "";  ///< content of a file that already has the output's name
+  std::string message;  ///< "%IN", "%OUT" and "%DIR" stand for paths; or the output's number
+  std::string options = {};
+  std::string present = {};  ///< content of a file that already has the output's name
 };
-
-// Error numbers are those of Linux, on every machine that it commonly runs on.
-static_assert(EPERM == 1 && EINTR == 4 && EIO == 5 && ENXIO == 6 && ENOMEM == 12 && EACCES == 13 &&
-              EBUSY == 16 && EEXIST == 17 && ENFILE == 23 && EMFILE == 24 && EFBIG == 27 &&
-              ENOSPC == 28 && EROFS == 30 && EDQUOT == 122 && ESTALE == 116);
 
 constexpr const char* writingFailed = "Writing failed: %OUT";
 constexpr const char* readError = "Cannot read '%IN': Input/output error";
@@ -55,46 +49,47 @@ constexpr const char* subfolder = "--subfolder";
 constexpr const char* overwrite = "--overwrite";
 
 const Case cases[] = {
-    {"open:1:13", Outcome::failed, "Cannot read '%IN': Permission denied"},
-    {"open:1:24", Outcome::failed, "Cannot read '%IN': Too many open files"},
-    {"open:1:5", Outcome::failed, readError},
-    {"open:1:116", Outcome::failed, "Cannot read '%IN': Stale file handle"},
-    {"open:1:4", Outcome::converted, ""},
-    {"fstat:1:5", Outcome::failed, readError},
-    {"fstat:2:5", Outcome::failed, readError},
-    {"fstat:3:116", Outcome::failed, "Cannot read '%IN': Stale file handle"},
-    {"fstat:5:5", Outcome::partial, readError},
-    {"mmap:1:12", Outcome::failed, "Cannot read '%IN': Cannot allocate memory"},
+    {"open:1:EACCES", Outcome::failed, "Cannot read '%IN': Permission denied"},
+    {"open:1:EMFILE", Outcome::failed, "Cannot read '%IN': Too many open files"},
+    {"open:1:EIO", Outcome::failed, readError},
+    {"open:1:ESTALE", Outcome::failed, "Cannot read '%IN': Stale file handle"},
+    {"open:1:EINTR", Outcome::converted, ""},
+    {"fstat:1:EIO", Outcome::failed, readError},
+    {"fstat:2:EIO", Outcome::failed, readError},
+    {"fstat:3:ESTALE", Outcome::failed, "Cannot read '%IN': Stale file handle"},
+    {"fstat:5:EIO", Outcome::partial, readError},
+    {"mmap:1:ENOMEM", Outcome::failed, "Cannot read '%IN': Cannot allocate memory"},
     {"mmap:1:shrink", Outcome::failed, readError},
     {"create:1:shrink", Outcome::partial, readError},
     {"write:2:shrink", Outcome::partial, readError},
     {"write:3:shrink", Outcome::converted, ""},  // every sample has been read by then
 
     // The name is taken although the system could not say so: it is not used.
-    {"lstat:1:5", Outcome::failed, writingFailed, "", "kept"},
-    {"lstat:1:13", Outcome::converted, ""},
-    {"stat:1:5", Outcome::converted, "%NUMBERED", overwrite, "kept"},
-    {"stat:2:5", Outcome::failed, writingFailed, overwrite, "kept"},
-    {"lstat:2:5", Outcome::failed, "Cannot replace '%OUT': Input/output error", overwrite, "kept"},
-    {"unlink:1:1", Outcome::failed, "Cannot replace '%OUT': Operation not permitted", overwrite,
+    {"lstat:1:EIO", Outcome::failed, writingFailed, "", "kept"},
+    {"lstat:1:EACCES", Outcome::converted, ""},
+    {"stat:1:EIO", Outcome::converted, " (1)", overwrite, "kept"},
+    {"stat:2:EIO", Outcome::failed, writingFailed, overwrite, "kept"},
+    {"lstat:2:EIO", Outcome::failed, "Cannot replace '%OUT': Input/output error", overwrite,
      "kept"},
-    {"unlink:1:16", Outcome::failed, "Cannot replace '%OUT': Device or resource busy", overwrite,
+    {"unlink:1:EPERM", Outcome::failed, "Cannot replace '%OUT': Operation not permitted", overwrite,
      "kept"},
-    {"unlink:1:30", Outcome::failed, "Cannot replace '%OUT': Read-only file system", overwrite,
+    {"unlink:1:EBUSY", Outcome::failed, "Cannot replace '%OUT': Device or resource busy", overwrite,
+     "kept"},
+    {"unlink:1:EROFS", Outcome::failed, "Cannot replace '%OUT': Read-only file system", overwrite,
      "kept"},
 
-    {"mkdir:1:13", Outcome::failed, "Cannot create '%DIR': Permission denied", subfolder},
-    {"mkdir:1:28", Outcome::failed, "Cannot create '%DIR': No space left on device", subfolder},
-    {"mkdir:1:30", Outcome::failed, "Cannot create '%DIR': Read-only file system", subfolder},
+    {"mkdir:1:EACCES", Outcome::failed, "Cannot create '%DIR': Permission denied", subfolder},
+    {"mkdir:1:ENOSPC", Outcome::failed, "Cannot create '%DIR': No space left on device", subfolder},
+    {"mkdir:1:EROFS", Outcome::failed, "Cannot create '%DIR': Read-only file system", subfolder},
 
-    {"create:1:13", Outcome::failed, writingFailed},
-    {"create:1:23", Outcome::failed, writingFailed},
-    {"create:1:28", Outcome::failed, writingFailed},
-    {"create:1:30", Outcome::failed, writingFailed},
-    {"create:1:122", Outcome::failed, writingFailed},
-    {"create:1:4", Outcome::converted, ""},
-    {"create:1+:2", Outcome::failed, writingFailed},
-    {"create:2:28", Outcome::failed, writingFailed, subfolder},
+    {"create:1:EACCES", Outcome::failed, writingFailed},
+    {"create:1:ENFILE", Outcome::failed, writingFailed},
+    {"create:1:ENOSPC", Outcome::failed, writingFailed},
+    {"create:1:EROFS", Outcome::failed, writingFailed},
+    {"create:1:EDQUOT", Outcome::failed, writingFailed},
+    {"create:1:EINTR", Outcome::converted, ""},
+    {"create:1+:ENOENT", Outcome::failed, writingFailed},
+    {"create:2:ENOSPC", Outcome::failed, writingFailed, subfolder},
 
     // Another program makes a file or a link of this name in between.
     {"create:1:steal", Outcome::failed, writingFailed},
@@ -103,17 +98,17 @@ const Case cases[] = {
     {"create:1:link:../a/a.%EXT", Outcome::failed, writingFailed},
     {"create:1:link:nowhere", Outcome::failed, writingFailed},
 
-    {"write:1:28", Outcome::partial, writingFailed},
-    {"write:2:5", Outcome::partial, writingFailed},
-    {"write:2:27", Outcome::partial, writingFailed},
-    {"write:3+:28", Outcome::partial, writingFailed},
-    {"write:4:122", Outcome::partial, writingFailed},
-    {"write:2:4", Outcome::converted, ""},
+    {"write:1:ENOSPC", Outcome::partial, writingFailed},
+    {"write:2:EIO", Outcome::partial, writingFailed},
+    {"write:2:EFBIG", Outcome::partial, writingFailed},
+    {"write:3+:ENOSPC", Outcome::partial, writingFailed},
+    {"write:4:EDQUOT", Outcome::partial, writingFailed},
+    {"write:2:EINTR", Outcome::converted, ""},
     {"write:1:short", Outcome::converted, ""},
-    {"close:1:5", Outcome::partial, writingFailed},
-    {"close:1:28", Outcome::partial, writingFailed},
-    {"close:1:122", Outcome::partial, writingFailed},
-    {"close:1:4", Outcome::converted, ""},
+    {"close:1:EIO", Outcome::partial, writingFailed},
+    {"close:1:ENOSPC", Outcome::partial, writingFailed},
+    {"close:1:EDQUOT", Outcome::partial, writingFailed},
+    {"close:1:EINTR", Outcome::converted, ""},
 };
 
 std::string replaceAll(std::string text, const std::string& place, const std::string& value) {
@@ -122,93 +117,108 @@ std::string replaceAll(std::string text, const std::string& place, const std::st
   return text;
 }
 
-class FaultInjection : public testing::TestWithParam<bool> {};
-
-TEST_P(FaultInjection, CostsOneFileAndNothingElse) {
+/// The folders a, b and c with an input each; the fault hits b.
+class FaultInjection : public testing::TestWithParam<bool> {
+ protected:
   const bool isAIFF = GetParam();
   const std::string in = isAIFF ? ".aif" : ".wav";
   const std::string out = isAIFF ? ".wav" : ".aif";
   const ByteBuffer input = instrument(isAIFF);
-  ByteBuffer output;  // of the first file, always converted
+  ByteBuffer output;  ///< what every complete output holds
 
-  for (const Case& testCase : cases) {
-    SCOPED_TRACE(std::string(testCase.fault) + " " + testCase.options + " " + testCase.present);
-    const TemporaryFolder folder;
-    std::string paths;
-    for (const std::string name : {"a", "b", "c"})
-      paths += " '" + folder.write(name + "/" + name + in, input).native() + "'";
-    const bool inSubfolder = testCase.options == subfolder;
-    const fs::path outputFolder = folder / "b" / (inSubfolder ? (isAIFF ? "WAV" : "AIFF") : "");
-    const fs::path outputPath = outputFolder / ("b" + out);
-    const std::string fault = testCase.fault;
+  /// Relative to the folder of the test.
+  fs::path inputOf(const std::string& name) const { return fs::path(name) / (name + in); }
+  fs::path outputOf(const std::string& name, const Case& testCase,
+                    const std::string& number = {}) const {
+    const fs::path folder = testCase.options == subfolder ? (isAIFF ? "WAV" : "AIFF") : "";
+    return name / folder / (name + number + out);
+  }
+
+  /// The exit status; the log and what else is said are in the files "log" and "errors".
+  int run(const Case& testCase, const TemporaryFolder& folder) const {
+    const std::string& fault = testCase.fault;
+    // Whether a name exists is also asked of the input.
     const bool isAboutOutput = fault.starts_with("stat") || fault.starts_with("lstat");
-    const std::string present = testCase.present;
-    if (!present.empty()) folder.write(outputPath.lexically_relative(folder.path()), present);
-
+    const auto quoted = [&folder](const fs::path& path) {
+      return "'" + (folder / path).native() + "' ";
+    };
     const std::string command =
-        "ASAN_OPTIONS=verify_asan_link_order=0 CORVANA_FAULT_BELOW='" +
-        (isAboutOutput ? outputPath : folder / "b").native() + "' CORVANA_FAULT='" +
-        replaceAll(fault, ".%EXT", in) + "' LD_PRELOAD='" CORVANA_FAULTS_LIBRARY "' '" +
-        CORVANA_CLI "' --quiet " + testCase.options + paths + " >'" + (folder / "log").native() +
-        "' 2>'" + (folder / "errors").native() + "'";
+        "ASAN_OPTIONS=verify_asan_link_order=0 LD_PRELOAD=" CORVANA_FAULTS_LIBRARY
+        " CORVANA_FAULT_BELOW=" +
+        quoted(isAboutOutput ? outputOf("b", testCase) : "b") +
+        " CORVANA_FAULT=" + replaceAll(fault, ".%EXT", in) + " '" CORVANA_CLI "' --quiet " +
+        testCase.options + " " + quoted(inputOf("a")) + quoted(inputOf("b")) +
+        quoted(inputOf("c")) + " >" + quoted("log") + "2>" + quoted("errors");
     const int status = std::system(command.c_str());
-    const bool converted = testCase.outcome == Outcome::converted;
-    EXPECT_TRUE(WIFEXITED(status));
-    EXPECT_EQ(WEXITSTATUS(status), converted ? 0 : 1);
-    EXPECT_EQ(readText(folder / "errors"), "");
+    return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+  }
 
-    // The log.
+  void expectLog(const Case& testCase, const TemporaryFolder& folder) const {
+    std::vector<std::string> lines;
     std::istringstream log(readText(folder / "log"));
-    std::string first, second, third, rest;
-    std::getline(log, first);
-    std::getline(log, second);
-    std::getline(log, third);
-    EXPECT_FALSE(std::getline(log, rest)) << rest;
-    EXPECT_TRUE(first.starts_with("a" + in + " => a" + out + "  [8-bit, mono, 44100 Hz")) << first;
-    EXPECT_EQ(third, replaceAll(replaceAll(first, "a" + in, "c" + in), "a" + out, "c" + out));
-    const std::string message = testCase.message;
-    const bool numbered = message == "%NUMBERED";
-    if (converted) {
-      EXPECT_EQ(second.substr(0, second.find("  [")),
-                "b" + in + " => b" + (numbered ? " (1)" : "") + out);
-    } else {
-      std::string expected = replaceAll(message, "%IN", (folder / "b" / ("b" + in)).native());
-      expected = replaceAll(expected, "%OUT", outputPath.native());
-      expected = replaceAll(expected, "%DIR", outputFolder.native());
-      EXPECT_EQ(second, "✗ b" + in + ": " + expected);
+    for (std::string line; std::getline(log, line);)
+      lines.push_back(line);
+    ASSERT_EQ(lines.size(), 3U);
+    const auto success = [this](const std::string& name, const std::string& number = {}) {
+      return name + in + " => " + name + number + out + "  [8-bit, mono, 44100 Hz, root key 60";
+    };
+    EXPECT_TRUE(lines[0].starts_with(success("a"))) << lines[0];
+    EXPECT_TRUE(lines[2].starts_with(success("c"))) << lines[2];
+    if (testCase.outcome == Outcome::converted) {
+      EXPECT_TRUE(lines[1].starts_with(success("b", testCase.message))) << lines[1];
+      return;
     }
+    const fs::path path = folder / outputOf("b", testCase);
+    std::string message = replaceAll(testCase.message, "%IN", (folder / inputOf("b")).native());
+    message = replaceAll(message, "%OUT", path.native());
+    message = replaceAll(message, "%DIR", path.parent_path().native());
+    EXPECT_EQ(lines[1], "✗ b" + in + ": " + message);
+  }
 
-    // The files.
-    const bool shrunk = fault.ends_with("shrink");
-    EXPECT_TRUE(readFile(folder / "b" / ("b" + in)) == (shrunk ? ByteBuffer() : input));
-    for (const std::string name : {"a", "c"})
-      EXPECT_TRUE(readFile(folder / name / (name + in)) == input);
-    const fs::path firstOutput = inSubfolder ? fs::path(isAIFF ? "WAV" : "AIFF") : fs::path();
+  void expectFiles(const Case& testCase, const TemporaryFolder& folder) {
+    const std::string& fault = testCase.fault;
+    const std::string& present = testCase.present;
+    std::size_t fileCount = 3 + 2 + 2;  // inputs, outputs of a and c, log and errors
     for (const std::string name : {"a", "c"}) {
-      const ByteBuffer written = readFile(folder / name / firstOutput / (name + out));
+      EXPECT_TRUE(readFile(folder / inputOf(name)) == input);
+      const ByteBuffer written = readFile(folder / outputOf(name, testCase));
       if (output.empty()) output = written;
       EXPECT_TRUE(written == output);
     }
-    const bool stolen = fault.find("steal") != std::string::npos;
-    std::size_t fileCount = 3 + 2 + 2;  // inputs, outputs of the others, log and errors
-    if (stolen || present == "kept") {
-      EXPECT_TRUE(readText(outputPath) == (stolen ? "theirs" : present));
+    EXPECT_TRUE(readFile(folder / inputOf("b")) ==
+                (fault.ends_with("shrink") ? ByteBuffer() : input));
+    const fs::path path = folder / outputOf("b", testCase);
+    if (fault.ends_with("steal") || present == "kept") {
+      EXPECT_EQ(readText(path), fault.ends_with("steal") ? "theirs" : present);
       ++fileCount;
     } else if (fault.find("link:") != std::string::npos) {
-      EXPECT_TRUE(fs::is_symlink(outputPath));
+      EXPECT_TRUE(fs::is_symlink(path));
       ++fileCount;
     }
-    if (testCase.outcome != Outcome::failed) {
-      const ByteBuffer written = readFile(numbered ? outputFolder / ("b (1)" + out) : outputPath);
-      if (converted) {
-        EXPECT_TRUE(written == output);
-      } else {
-        ASSERT_LE(written.size(), output.size());
-        EXPECT_TRUE(std::equal(written.begin(), written.end(), output.begin()));
-      }
+    if (testCase.outcome == Outcome::converted) {
+      EXPECT_TRUE(readFile(folder / outputOf("b", testCase, testCase.message)) == output);
+      ++fileCount;
+    } else if (testCase.outcome == Outcome::partial) {
+      const ByteBuffer written = readFile(path);
+      ASSERT_LE(written.size(), output.size());
+      EXPECT_TRUE(std::equal(written.begin(), written.end(), output.begin()));
       ++fileCount;
     }
     EXPECT_EQ(folder.files().size(), fileCount) << testing::PrintToString(folder.files());
+  }
+};
+
+TEST_P(FaultInjection, CostsOneFileAndNothingElse) {
+  for (const Case& testCase : cases) {
+    SCOPED_TRACE(testCase.fault + " " + testCase.options + " " + testCase.present);
+    const TemporaryFolder folder;
+    for (const char* name : {"a", "b", "c"})
+      folder.write(inputOf(name), input);
+    if (!testCase.present.empty()) folder.write(outputOf("b", testCase), testCase.present);
+    EXPECT_EQ(run(testCase, folder), testCase.outcome == Outcome::converted ? 0 : 1);
+    EXPECT_EQ(readText(folder / "errors"), "");
+    expectLog(testCase, folder);
+    expectFiles(testCase, folder);
   }
 }
 

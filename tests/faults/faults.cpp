@@ -4,7 +4,7 @@
 //   CORVANA_FAULT         CALL:NTH:ACTION, or CALL:NTH+:ACTION for this and every later one.
 //
 // CALL is open (reading), create (opening with O_CREAT), fstat, stat, lstat, mmap, mkdir, unlink,
-// write, or close (of a file that was created). ACTION is an error number, or
+// write, or close (of a file that was created). ACTION is the name of an error (ENOSPC), or
 //   short           write: only a part of the bytes
 //   shrink          cut the last opened input to nothing before the call
 //   steal, link:TO  create: another program makes a file, or a link to TO, of this name first
@@ -68,6 +68,15 @@ std::atomic<int> calls = 0;
 std::atomic<int> mappings = 0;
 std::atomic<bool> happened = false;
 
+int errorNumber(std::string_view name) {
+  constexpr int mostErrors = 134;
+  for (int number = 1; number < mostErrors; ++number) {
+    const char* known = ::strerrorname_np(number);
+    if (known != nullptr && name == known) return number;
+  }
+  std::abort();
+}
+
 template <typename Function>
 Function next(const char* name) {
   return reinterpret_cast<Function>(::dlsym(RTLD_NEXT, name));
@@ -108,7 +117,7 @@ bool failsNow(std::string_view call, const char* path = nullptr) {
   } else if (action == "steal" || action.starts_with("link:")) {
     makeAsAnotherProgram(path);
   } else if (action != "short") {
-    errno = std::atoi(action.c_str());
+    errno = errorNumber(action);
     return true;
   }
   return false;
