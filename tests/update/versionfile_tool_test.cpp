@@ -8,6 +8,8 @@
 #include <string>
 #include <sys/wait.h>
 
+#include "support/temporary_folder.hpp"
+
 namespace {
 
 struct Outcome {
