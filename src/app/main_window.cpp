@@ -16,7 +16,7 @@
 namespace corvana {
 namespace {
 
-constexpr QSize firstSize{680, 600};
+constexpr QSize firstSize{860, 660};
 constexpr int margin = 16;
 constexpr int spacing = 12;
 constexpr int dropViewHeight = 150;  // at least
@@ -109,6 +109,8 @@ QWidget* MainWindow::makeInvitation() {
   text->setFont(font);
 
   auto* button = new QPushButton(qtText(localised("&Choose Files or Folders…")));
+  // Some styles leave a text this long no room at its sides.
+  button->setMinimumWidth(button->sizeHint().width() + 2 * spacing);
   connect(button, &QPushButton::clicked, &controller_, &ViewController::openDocument);
 
   auto* invitation = new QWidget;
