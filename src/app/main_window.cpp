@@ -139,6 +139,9 @@ void MainWindow::makeMenus() {
                   &QPlainTextEdit::selectAll);
 
   QMenu* help = menuBar()->addMenu(qtText(localised("&Help")));
+  help->addAction(qtText(localised("Check for &Updates…")), &controller_,
+                  &ViewController::mnuCheckForUpdates);
+  help->addSeparator();
   help->addAction(qtText(localised("&About Corvana")), this, &MainWindow::showAbout)
       ->setMenuRole(QAction::AboutRole);
 }

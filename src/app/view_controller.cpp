@@ -10,7 +10,9 @@
 
 #include "app/open_panel.hpp"
 #include "app/qt_values.hpp"
+#include "platform/bundle_info.hpp"
 #include "platform/texts.hpp"
+#include "update/check_for_updates.hpp"
 
 namespace corvana {
 namespace {
@@ -144,6 +146,10 @@ void ViewController::overwriteChanged() {
 
 void ViewController::openDocument() {
   showOpenPanel();
+}
+
+void ViewController::mnuCheckForUpdates() {
+  checkForUpdates(mainBundleInfo());
 }
 
 }  // namespace corvana

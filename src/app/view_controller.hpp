@@ -66,6 +66,7 @@ class ViewController : public DropViewDelegate, public BatchView {
   void subfolderChanged();
   void overwriteChanged();
   void openDocument();
+  void mnuCheckForUpdates();
 
  private:
   /// What the views are to show.

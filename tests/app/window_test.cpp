@@ -13,6 +13,7 @@
 #include "app/main_window.hpp"
 #include "support/audio_builder.hpp"
 #include "support/temporary_folder.hpp"
+#include "update/vantor_window_controller.hpp"
 
 namespace corvana::test {
 namespace {
@@ -242,6 +243,15 @@ TEST_F(Window, EndsWithinASecondWhileConverting) {
   EXPECT_LT(clock.elapsed(), 1000);
   QCoreApplication::processEvents();
   EXPECT_FALSE(fs::exists(folder / "2.aif"));
+}
+
+TEST_F(Window, ChecksForUpdatesOnRequest) {
+  makeWindow();
+  for (QAction* action : window->findChildren<QAction*>())
+    if (action->text().contains("Check for &Updates")) action->trigger();
+  const auto& updates = VantorWindowController::sharedController();
+  EXPECT_TRUE(updates.isVisible());
+  VantorWindowController::sharedController().close();
 }
 
 TEST_F(Window, IsUsableByKeyboard) {
