@@ -33,7 +33,8 @@ constexpr const char* description =
 constexpr const char* footer =
     "Each output is written beside its input: song.wav becomes song.aif, song.aiff becomes\n"
     "song.wav. An existing file is never replaced unless --overwrite is given; the output is\n"
-    "then called \"song (1).aif\", \"song (2).aif\" and so on. Inputs are never changed.\n"
+    "then called \"song (1).aif\", \"song (2).aif\" and so on. The file being read is never\n"
+    "changed or replaced, whatever links lead to it.\n"
     "Folders are searched in depth for .wav, .wave, .aif, .aiff and .aifc files; hidden files,\n"
     "packages and subfolders named AIFF or WAV are left out.\n"
     "\n"
