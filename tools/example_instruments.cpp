@@ -73,7 +73,7 @@ double envelope(const Note& note, double frame) {
 /// Between -1 and 1. Cosines that start with the loop are mirrored at both of its ends, so it
 /// may be played back and forth as well.
 double sampleAt(const Note& note, std::uint32_t frame, unsigned channel) {
-  const double turn = 2 * std::numbers::pi * (double{1} * frame - note.loopStart) /
+  const double turn = 2 * std::numbers::pi * (static_cast<double>(frame) - note.loopStart) /
                       static_cast<double>(note.loopLength());
   double sum = 0;
   for (std::size_t i = 0; i < note.levels.size(); ++i) {
@@ -83,7 +83,7 @@ double sampleAt(const Note& note, std::uint32_t frame, unsigned channel) {
         side * note.levels[i] *
         (std::cos(turn * cyclesOfHarmonic) + note.chorus * std::cos(turn * (cyclesOfHarmonic + 1)));
   }
-  const double ringing = std::max(0.0, 1 - double{1} * frame / note.loopStart);
+  const double ringing = std::max(0.0, 1 - static_cast<double>(frame) / note.loopStart);
   for (unsigned harmonic = 7; harmonic < 14; ++harmonic)
     sum += note.strike / harmonic * std::pow(ringing, harmonic) *
            std::cos(turn * note.cycles * harmonic + channel);
@@ -331,9 +331,10 @@ void makeBells(const fs::path& folder) {
   SampleLoop backward = sustainLoop(note);
   backward.type = loop_type::backward;
   SampleLoop release = alternatingReleaseLoop(note);
-  SampleLoop echo = sustainLoop(note);
+  SampleLoop echo;
   echo.cueID = 2;
-  echo.end = echo.start + note.loopLength() - 1;
+  echo.start = note.releaseStart();
+  echo.end = note.releaseStart() + note.loopLength() - 1;
   echo.playCount = 3;
   writeWav(folder / "Backward Bells A4.wav", note, {.lowKey = 57, .highKey = 96, .gain = -6},
            {backward, release, echo}, {{7, 100}, {8, 100}});
