@@ -78,6 +78,7 @@ TEST(WavToAiff, MapsLoopsAndCuePoints) {
   check("forward", {{0, 0, 100, 199, 0}}, {}, oneLoop("100", "200", "1"));
   check("alternating", {{0, 1, 0, 0, 0}}, {}, oneLoop("0", "1", "2"));
   check("last frame", {{0, 0, 999, 999, 0}}, {}, oneLoop("999", "1000", "1"));
+  check("end just behind the last frame", {{0, 0, 5, 1000, 0}}, {}, oneLoop("5", "1000", "1"));
   check("end behind the last frame", {{0, 0, 5, 4294967295, 0}}, {}, oneLoop("5", "1000", "1"));
   check("start behind the last frame", {{0, 0, 1000, 1001, 0}}, {}, none,
         "Loop 1 is invalid (start 1000, end 1001) – skipped.\n");
