@@ -9,6 +9,7 @@
 #include <csignal>
 #include <string_view>
 #include <sys/time.h>
+#include <system_error>
 #include <unistd.h>
 
 #include "app/desktop_bus.hpp"
@@ -65,6 +66,7 @@ void checkOptions(const QApplication& application) {
 std::vector<fs::path> filesOfCommandLine(int count, char** arguments) {
   std::vector<fs::path> files;
   bool optionsEnded = false;
+  std::error_code noCurrentFolder;  // then the path stays empty and leads nowhere
   for (int i = 1; i < count; ++i) {
     const std::string_view argument = arguments[i];
     if (!optionsEnded && argument == "--") {
@@ -72,7 +74,7 @@ std::vector<fs::path> filesOfCommandLine(int count, char** arguments) {
     } else if (argument.starts_with("file:")) {
       files.push_back(corvana::pathOfURL(QUrl(arguments[i])));
     } else if (optionsEnded || !argument.starts_with('-')) {
-      files.push_back(fs::absolute(argument));
+      files.push_back(fs::absolute(argument, noCurrentFolder));
     }
   }
   return files;

@@ -52,7 +52,7 @@ void OpenPanel::accept() {
   if (goesIntoFolder || !allExist) {
     QFileDialog::accept();
   } else {
-    QDialog::accept();
+    done(QDialog::Accepted);
   }
 }
 
