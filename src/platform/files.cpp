@@ -152,6 +152,18 @@ void writeAll(const FileDescriptor& file, std::span<const std::uint8_t> bytes,
   }
 }
 
+void reserveSpace(const FileDescriptor& file, std::uint64_t size) {
+  // The system's own call: the C library's portable one writes to every block where the file
+  // system cannot reserve.
+  const off_t end = ::lseek(file.number(), 0, SEEK_CUR);
+  if (end >= 0) ::fallocate(file.number(), FALLOC_FL_KEEP_SIZE, end, static_cast<off_t>(size));
+}
+
+void releaseSpace(const FileDescriptor& file) {
+  const off_t end = ::lseek(file.number(), 0, SEEK_CUR);
+  [[maybe_unused]] const int result = ::ftruncate(file.number(), end);
+}
+
 void closeFile(FileDescriptor file, const std::filesystem::path& path) {
   // The descriptor is gone even when close fails, EINTR included: it must not be closed twice.
   if (::close(file.release()) != 0 && errno != EINTR) failWriting(errno, path);

@@ -117,6 +117,13 @@ void removeFile(const std::filesystem::path& path);
 void writeAll(const FileDescriptor& file, std::span<const std::uint8_t> bytes,
               const std::filesystem::path& path);
 
+/// Asks the system to have room on the disk ready for `size` more bytes, which makes writing them
+/// cheaper. The size of the file stays as it is; where the system cannot, nothing happens.
+void reserveSpace(const FileDescriptor& file, std::uint64_t size);
+
+/// Gives back room that was reserved and not written to.
+void releaseSpace(const FileDescriptor& file);
+
 /// Closes and reports what the system could not write before.
 void closeFile(FileDescriptor file, const std::filesystem::path& path);
 

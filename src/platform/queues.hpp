@@ -56,11 +56,15 @@ class RunLoop : public MainQueue {
   void runUntil(const std::function<bool()>& done);
 
  private:
+  void takeTasks();
+
   std::mutex mutex_;
   std::condition_variable filled_;
   std::condition_variable drained_;
   std::deque<Task> tasks_;
+  bool isAsleep_ = false;  ///< the next post has to wake the runner
   std::thread::id runner_;
+  std::deque<Task> taken_;  ///< the runner's alone: tasks that are next
 };
 
 }  // namespace corvana

@@ -42,6 +42,14 @@ OutputFile::OutputFile(const OutputTarget& target, ByteView header)
   append(header);
 }
 
+OutputFile::~OutputFile() {
+  if (file_.number() >= 0) releaseSpace(file_);
+}
+
+void OutputFile::expect(std::uint64_t size) {
+  reserveSpace(file_, size);
+}
+
 void OutputFile::append(ByteView bytes) {
   try {
     writeAll(file_, bytes, path_);

@@ -1,6 +1,7 @@
 // The one output file of a conversion: how it comes into being, and what may be replaced.
 #pragma once
 
+#include <cstdint>
 #include <filesystem>
 
 #include "platform/files.hpp"
@@ -24,6 +25,14 @@ class OutputFile {
   /// with `header` as its content. A folder that cannot be made or a file that cannot be removed
   /// is a FileError; a file that cannot be created is ConversionError writeFailed.
   OutputFile(const OutputTarget& target, ByteView header);
+
+  OutputFile(OutputFile&&) = default;
+  OutputFile& operator=(OutputFile&&) = delete;
+  /// Leaves a file that was not closed as long as it has been written.
+  ~OutputFile();
+
+  /// Prepares for `size` more bytes. Never fails.
+  void expect(std::uint64_t size);
 
   /// Writes at the end. Fails with writeFailed.
   void append(ByteView bytes);
