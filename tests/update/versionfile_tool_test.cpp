@@ -2,10 +2,9 @@
 
 #include <array>
 #include <cstdio>
-#include <filesystem>
-#include <fstream>
 #include <gtest/gtest.h>
 #include <string>
+#include <string_view>
 #include <sys/wait.h>
 
 #include "support/temporary_folder.hpp"
