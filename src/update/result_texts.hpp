@@ -25,7 +25,7 @@ struct ResultTexts {
 /// `status` is the HTTP status of the answer, 0 without one.
 ResultState resultState(const VantorErgebnis& ergebnis, int status);
 
-/// Any thread.
+/// The addresses in `ergebnis` must have no white space around them. Any thread.
 ResultTexts resultTexts(const VantorErgebnis& ergebnis, int status,
                         std::u16string_view applicationName, std::u16string_view installedVersion);
 

@@ -4,21 +4,13 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <cstdlib>
 #include <string_view>
 
+#include "fuzz/require.hpp"
 #include "platform/unicode.hpp"
 #include "update/result_texts.hpp"
 #include "update/simple_encrypt_text.hpp"
 #include "update/version_file.hpp"
-
-namespace {
-
-void require(bool condition) {
-  if (!condition) std::abort();
-}
-
-}  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   if (size == 0) return 0;
@@ -27,15 +19,15 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   const bool isPlain = data[0] % 2 != 0;
   if (isPlain) {
     const auto unsafe = corvana::firstUnsafeCharacter(text);
-    require(!unsafe || *unsafe < text.size());
+    REQUIRE(!unsafe || *unsafe < text.size());
     text = corvana::simpleEncryptText(text, true);
   }
 
   const corvana::VantorErgebnis ergebnis = corvana::parseVersionFile(text, u"Corvana", u"1.1");
-  require(ergebnis.neueVersionVorhanden == !ergebnis.newAppVersion.empty());
-  require(ergebnis.neueVersionVorhanden == !ergebnis.newReleaseNotes.empty());
-  require(ergebnis.neueVersionVorhanden || ergebnis.newDownloadURL.empty());
-  require(ergebnis.warDasEineGueltigeDatei || ergebnis == corvana::VantorErgebnis());
-  require(!corvana::resultTexts(ergebnis, 200, u"Corvana", u"1.1").text.empty());
+  REQUIRE(ergebnis.neueVersionVorhanden == !ergebnis.newAppVersion.empty());
+  REQUIRE(ergebnis.neueVersionVorhanden == !ergebnis.newReleaseNotes.empty());
+  REQUIRE(ergebnis.neueVersionVorhanden || ergebnis.newDownloadURL.empty());
+  REQUIRE(ergebnis.warDasEineGueltigeDatei || ergebnis == corvana::VantorErgebnis());
+  REQUIRE(!corvana::resultTexts(ergebnis, 200, u"Corvana", u"1.1").text.empty());
   return 0;
 }

@@ -505,7 +505,7 @@ TEST(UpdateWindowTexts, AreWholeAndTranslated) {
   ASSERT_EQ(english.size(), german.size());
   for (int i = 0; i < english.size(); ++i) {
     if (!english[i].isEmpty() && english[i] != "Notes.") {
-      EXPECT_NE(english[i], german[i]);
+      EXPECT_NE(english[i].toStdString(), german[i].toStdString());
     }
   }
 }
