@@ -11,7 +11,7 @@
 namespace corvana {
 namespace {
 
-constexpr qint64 readBufferSize = 64 * 1024;
+constexpr qint64 readBufferSize = qint64{64} * 1024;
 constexpr int largestRedirectCount = 10;
 
 QNetworkRequest requestFor(const QUrl& address) {
