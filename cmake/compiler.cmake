@@ -13,6 +13,8 @@ target_include_directories(corvana_compiler INTERFACE ${PROJECT_SOURCE_DIR}/src)
 include(CheckPIESupported)
 check_pie_supported(LANGUAGES CXX)
 set(CMAKE_POSITION_INDEPENDENT_CODE ON)
+# Libraries here are linked into programs only: nobody can put another function in place of theirs.
+add_compile_options(-fno-semantic-interposition)
 add_link_options(-Wl,-z,relro,-z,now)
 if(CMAKE_CXX_FLAGS MATCHES "-fsanitize")
   set(CORVANA_HARDENED OFF)

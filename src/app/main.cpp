@@ -91,6 +91,7 @@ void endInTime() {
 }  // namespace
 
 int main(int argumentCount, char** argumentValues) {
+  std::signal(SIGXFSZ, SIG_IGN);  // a limit on the size of files is a failed write, not the end
   corvana::useSystemLanguage(corvana::runningProgramFolder());
   describeProgram();
   QApplication application(argumentCount, argumentValues);
