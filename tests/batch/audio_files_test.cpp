@@ -4,8 +4,7 @@
 
 #include "batch/detect_format.hpp"
 #include "support/audio_builder.hpp"
-#include "support/failures.hpp"
-#include "support/temporary_folder.hpp"
+#include "support/conversion.hpp"
 
 namespace corvana {
 namespace {
@@ -13,16 +12,19 @@ namespace {
 using namespace test;
 
 TEST(DetectFormat, LooksAtTheFirstFourBytes) {
-  EXPECT_FALSE(detectFormat(bytes("'RIFF' 00 00 00 00 'what'")));
-  EXPECT_TRUE(detectFormat(bytes("'FORM' 00 00 00 00 'ever'")));
-  expectRejections(
-      {{"empty", {}, "Unsupported format: file is too short"},
-       {"11 bytes", bytes("'RIFF' 00 00 00 00 'WAV'"), "Unsupported format: file is too short"},
-       {"RIFX", bytes("'RIFX' 00 00 00 00 'WAVE'"), "Unsupported format: neither WAV nor AIFF"},
-       {"form", bytes("'form' 00 00 00 00 'AIFF'"), "Unsupported format: neither WAV nor AIFF"},
-       {"not ASCII", bytes("D2 C9 C6 C6 00 00 00 00 'WAVE'"),
-        "Unsupported format: neither WAV nor AIFF"}},
-      [](ByteView file) { detectFormat(file); });
+  const std::pair<const char*, const char*> cases[] = {
+      {"'RIFF' 00 00 00 00 'what'", "WAV"},
+      {"'FORM' 00 00 00 00 'ever'", "AIFF"},
+      {"'RIFF' 00 00 00 00 'WAV'", "Unsupported format: file is too short"},
+      {"'RIFX' 00 00 00 00 'WAVE'", "Unsupported format: neither WAV nor AIFF"},
+      {"D2 C9 C6 C6 00 00 00 00 'WAVE'", "Unsupported format: neither WAV nor AIFF"},
+  };
+  for (const auto& [notation, expected] : cases) {
+    std::string found;
+    const std::string error =
+        errorOf([&, file = bytes(notation)] { found = detectFormat(file) ? "AIFF" : "WAV"; });
+    EXPECT_EQ(found.empty() ? error : found, expected) << notation;
+  }
 }
 
 TEST(AudioFiles, CollectsInTheGivenOrder) {
@@ -52,55 +54,35 @@ TEST(AudioFiles, CollectsInTheGivenOrder) {
 }
 
 TEST(AudioFiles, NamesTheOutput) {
+  enum { plain, subfolder, overwrite };
   const struct {
-    const char* name;
-    std::vector<const char*> existing;
     const char* input;
-    bool isAIFF, useSubfolder, overwrite;
+    int option;
+    std::vector<const char*> existing;
     const char* output;
   } cases[] = {
-      {"free", {}, "song.wav", false, false, false, "song.aif"},
-      {"the last extension goes", {}, "take.01.wav", false, false, false, "take.01.aif"},
-      {"taken", {"song.aif"}, "song.wav", false, false, false, "song (1).aif"},
-      {"taken twice",
-       {"song.aif", "song (1).aif"},
-       "song.wav",
-       false,
-       false,
-       false,
-       "song (2).aif"},
-      {"may be replaced", {"song.aif"}, "song.wav", false, false, true, "song.aif"},
-      {"subfolder", {"song.aif"}, "song.wav", false, true, false, "AIFF/song.aif"},
-      {"taken in the subfolder",
-       {"WAV/song.wav"},
-       "song.aiff",
-       true,
-       true,
-       false,
-       "WAV/song (1).wav"},
-      {"a folder takes a name too",
-       {"song.aif/x"},
-       "song.wav",
-       false,
-       false,
-       false,
-       "song (1).aif"},
-      {"the input is no output", {}, "song.aif", false, false, false, "song (1).aif"},
-      {"not even to overwrite", {}, "song.aif", false, false, true, "song (1).aif"},
-      {"the numbered name may be replaced", {"x (1).wav"}, "x.wav", true, false, true, "x (1).wav"},
-      {"upper case is another name", {}, "song.AIF", false, false, false, "song.aif"},
+      {"take.01.wav", plain, {}, "take.01.aif"},
+      {"song.wav", plain, {"song.aif", "song (1).aif"}, "song (2).aif"},
+      {"song.wav", plain, {"song.aif/a folder"}, "song (1).aif"},
+      {"song.wav", overwrite, {"song.aif"}, "song.aif"},
+      {"song.wav", subfolder, {"song.aif"}, "AIFF/song.aif"},
+      {"song.aiff", subfolder, {"WAV/song.wav"}, "WAV/song (1).wav"},
+      {"song.aif", plain, {}, "song (1).aif"},  // the input is no output
+      {"song.aif", overwrite, {}, "song (1).aif"},
+      {"song.aif", overwrite, {"song (1).aif"}, "song (1).aif"},
+      {"song.AIF", plain, {}, "song.aif"},
   };
   for (const auto& c : cases) {
-    SCOPED_TRACE(c.name);
     const TemporaryFolder folder;
     for (const char* name : c.existing)
       folder.write(name, "");
-    const fs::path input = folder.write(c.input, "");
-    const auto output = [&](const fs::path& path) {
-      return makeOutputURL(path, InputFile(path).identity(), c.isAIFF, c.useSubfolder, c.overwrite);
-    };
-    EXPECT_EQ(output(input), folder / c.output);
-    EXPECT_EQ(output(folder.path() / "." / c.input).lexically_normal(), folder / c.output);
+    folder.write(c.input, "");
+    const bool isAIFF = fs::path(c.output).extension() == ".wav";
+    for (const fs::path& path : {folder / c.input, folder.path() / "." / c.input})
+      EXPECT_EQ(makeOutputURL(path, InputFile(path).identity(), isAIFF, c.option == subfolder,
+                              c.option == overwrite)
+                    .lexically_normal(),
+                folder / c.output);
   }
 }
 

@@ -5,7 +5,6 @@
 #include "convert/aiff_to_wav_metadata.hpp"
 #include "support/audio_builder.hpp"
 #include "support/conversion.hpp"
-#include "vocabulary/errors.hpp"
 
 namespace corvana {
 namespace {
@@ -47,30 +46,28 @@ TEST(AiffToWav, UsesTheFramesThatAreThere) {
         convert(aiff({comm({.frames = declared}), ssnd(ByteBuffer(there))}));
     EXPECT_EQ(Fields(converted.file, ByteOrder::little).u32(40), 2 * used);
     EXPECT_EQ(converted.progress, std::vector<double>{1.0});
-    return lines(converted.warnings);
+    EXPECT_EQ(lines(converted.warnings),
+              used == declared ? ""
+                               : line("The SSND chunk contains less data than declared – ", used,
+                                      " instead of ", declared, " frames used.\n"));
   };
-  EXPECT_EQ(check(900, 2000, 900), "");
-  EXPECT_EQ(check(0, 10, 0), "");
-  EXPECT_EQ(check(1000, 1801, 900),
-            "The SSND chunk contains less data than declared – 900 instead of 1000 frames used.\n");
-  EXPECT_EQ(
-      check(4294967295, 1, 0),
-      "The SSND chunk contains less data than declared – 0 instead of 4294967295 frames used.\n");
+  check(900, 2000, 900);
+  check(0, 10, 0);
+  check(1000, 1801, 900);
+  check(4294967295, 1, 0);
 }
 
 TEST(AiffToWav, RoundsTheRate) {
-  const auto check = [](const char* rate, std::uint32_t rounded, const std::string& texts) {
-    const Converted converted = convert(aiff({comm({.rate = bytes(rate)}), ssnd({})}));
+  const auto check = [](const char* rate, std::uint32_t rounded, const std::string& warned) {
+    const Converted converted = convert(aiff({comm({.rate = rate}), ssnd({})}));
     EXPECT_EQ(Fields(converted.file, ByteOrder::little).u32(24), rounded);
     EXPECT_EQ(lines(converted.warnings),
-              texts.empty()
-                  ? ""
-                  : "Sample rate of " + texts + " Hz (WAV only supports whole numbers).\n");
+              warned.empty() ? ""
+                             : line("Sample rate of ", warned, " Hz rounded to ", rounded,
+                                    " Hz (WAV only supports whole numbers).\n"));
   };
-  check("40 0E AC 44 80 00 00 00 00 00", 44101, "44100.5 Hz rounded to 44101");
-  check("40 0D AC 43 00 00 00 00 00 00", 22050, "22049.5 Hz rounded to 22050");
-  check("3F FF C0 00 00 00 00 00 00 00", 2, "1.5 Hz rounded to 2");
-  check("40 1E EE 6B 27 FF C0 00 00 00", 4'000'000'000, "3999999999.75 Hz rounded to 4000000000");
+  check("40 0D AC 43 00 00 00 00 00 00", 22050, "22049.5");
+  check("40 1E EE 6B 27 FF C0 00 00 00", 4'000'000'000, "3999999999.75");
   check("40 0E AC 44 00 20 C4 9C 00 00", 44100, "");  // 0.0005 above
 }
 
@@ -98,9 +95,7 @@ TEST(AiffToWav, MapsLoopsAndMarkers) {
   const Markers four = {{1, 0, ""}, {2, 10, ""}, {3, 20, ""}, {4, 4000, ""}};
   const char* allCues = "cues 1@0 2@10 3@20 4@4000";
   check("no loops", four, {0, 1, 2}, {}, allCues);
-  check("sustain", four, {1, 1, 2}, {}, "cues 1@20 2@4000, loop 0 type 0 0-9");
   check("both", four, {2, 1, 2}, {1, 2, 3}, "cues 1@4000, loop 0 type 1 0-9, loop 1 type 0 10-19");
-  check("release only", four, {}, {1, 3, 4}, "cues 1@0 2@10, loop 0 type 0 20-3999");
   check("end beyond the sound", {{1, 100, ""}, {2, 5000, ""}, {3, 4001, ""}}, {1, 1, 2}, {},
         "cues, loop 0 type 0 100-3999");
   check("both ends beyond", {{1, 4500, ""}, {2, 5000, ""}}, {1, 1, 2}, {}, "cues",
@@ -115,8 +110,6 @@ TEST(AiffToWav, MapsLoopsAndMarkers) {
   check("markers missing", four, {1, 1, 7}, {9, 0, 2}, allCues,
         "Sustain loop: the associated markers are missing – skipped.\n"
         "Release loop: the associated markers are missing – skipped.\n");
-  check("no markers", {}, {1, 0, 0}, {}, "cues",
-        "Sustain loop: the associated markers are missing – skipped.\n");
   check("a marker of a loop and of a skipped one", four, {1, 1, 2}, {1, 2, 9},
         "cues 1@20 2@4000, loop 0 type 0 0-9",
         "Release loop: the associated markers are missing – skipped.\n");
@@ -127,14 +120,17 @@ TEST(AiffToWav, MapsLoopsAndMarkers) {
 }
 
 TEST(AiffToWav, DerivesTheInstrument) {
-  const auto check = [](int baseNote, int detune, int gain, const std::string& expected) {
+  const auto check = [](int baseNote, int detune, int gain, const char* expected) {
     AiffInfo info;
-    info.instrument = AiffInstrument{};
-    info.instrument->baseNote = static_cast<std::int8_t>(baseNote);
-    info.instrument->detune = static_cast<std::int8_t>(detune);
-    info.instrument->gain = static_cast<std::int16_t>(gain);
-    info.instrument->lowNote = -1;
-    info.instrument->highVelocity = -128;
+    info.instrument = AiffInstrument{static_cast<std::int8_t>(baseNote),
+                                     static_cast<std::int8_t>(detune),
+                                     -1,
+                                     127,
+                                     0,
+                                     -128,
+                                     static_cast<std::int16_t>(gain),
+                                     {},
+                                     {}};
     Warnings warnings;
     const WavMetadata metadata = mapLoopsAndMarkers(info, 10, warnings);
     const InstrumentChunk& chunk = *metadata.instrument;
@@ -143,7 +139,9 @@ TEST(AiffToWav, DerivesTheInstrument) {
               expected);
     EXPECT_EQ(metadata.rootKey, chunk.unshiftedNote);
     EXPECT_EQ(metadata.fineTune, chunk.fineTune);
-    EXPECT_EQ(line(+chunk.lowNote, +chunk.lowVelocity, +chunk.highVelocity), "011");
+    EXPECT_EQ(line(+chunk.lowNote, " ", +chunk.highNote, " ", +chunk.lowVelocity, " ",
+                   +chunk.highVelocity),
+              "0 127 1 1");
     EXPECT_EQ(lines(warnings), chunk.gain == gain
                                    ? ""
                                    : line("A gain of ", gain,
@@ -153,29 +151,21 @@ TEST(AiffToWav, DerivesTheInstrument) {
   check(60, -10, -6, "60+429496730 60 -10 -6");
   check(60, 10, 127, "59+3865470566 60 10 127");
   check(60, 1, -128, "59+4252017623 60 1 -128");
-  check(60, 50, 0, "59+2147483648 60 50 0");
   check(60, 127, 0, "59+2147483648 60 50 0");
-  check(60, -50, 0, "60+2147483648 60 -50 0");
   check(60, -128, 0, "60+2147483648 60 -50 0");
   check(1, 20, 0, "0+3435973837 1 20 0");
   check(0, 20, 0, "0+0 0 20 0");
-  check(-5, 20, 0, "0+0 0 20 0");
   check(-128, -20, 0, "0+858993459 0 -20 0");
   check(127, 0, 128, "127+0 127 0 127");
   check(127, 0, -32768, "127+0 127 0 -128");
 }
 
 TEST(AiffToWav, RefusesFramesThatWavCannotState) {
-  const auto convertWide = [](int channels, int bits) {
-    return convert(aiff({comm({.channels = channels, .bits = bits}), ssnd({})}));
+  const auto wide = [](int channels, int bits) {
+    return convert(aiff({comm({.channels = channels, .bits = bits}), ssnd({})})).summary;
   };
-  EXPECT_EQ(convertWide(16383, 32).summary, "32-bit, 16383 channels, 44100 Hz");
-  try {
-    convertWide(16384, 25);
-    ADD_FAILURE() << "was accepted";
-  } catch (const ConversionError& error) {
-    EXPECT_EQ(error.errorDescription(), "Unsupported format: 16384 channels");
-  }
+  EXPECT_EQ(wide(16383, 32), "32-bit, 16383 channels, 44100 Hz");
+  EXPECT_EQ(errorOf([&] { wide(16384, 25); }), "Unsupported format: 16384 channels");
 }
 
 }  // namespace

@@ -2,7 +2,9 @@
 
 #include <gtest/gtest.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
+#include "platform/folders.hpp"
 #include "support/temporary_folder.hpp"
 
 namespace corvana {
@@ -10,25 +12,12 @@ namespace {
 
 using namespace test;
 
-std::string messageOf(const std::function<void()>& action) {
-  try {
-    action();
-  } catch (const FileError& error) {
-    return error.what();
-  }
-  return "no error";
-}
-
 TEST(InputFile, RefusesWhatIsNoRegularFileWithoutWaiting) {
   const TemporaryFolder folder;
   fs::create_directory(folder / "folder.wav");
   ASSERT_EQ(::mkfifo((folder / "pipe.wav").c_str(), 0600), 0);
   fs::create_symlink("nowhere", folder / "dangling.wav");
-  const struct {
-    fs::path path;
-    const char* reason;
-  } cases[] = {
-      {folder / "missing.wav", "No such file or directory"},
+  const std::pair<fs::path, const char*> cases[] = {
       {folder / "dangling.wav", "No such file or directory"},
       {folder / "folder.wav", "Is a directory"},
       {folder / "pipe.wav", "Not a regular file"},
@@ -36,17 +25,13 @@ TEST(InputFile, RefusesWhatIsNoRegularFileWithoutWaiting) {
       {folder / std::string(300, 'x'), "File name too long"},
   };
   for (const auto& [path, reason] : cases)
-    EXPECT_EQ(messageOf([&path = path] { const InputFile file(path); }),
-              "Cannot read '" + path.native() + "': " + reason);
-}
-
-TEST(InputFile, HandsOverTheWholeFile) {
-  const TemporaryFolder folder;
-  const auto sizeOf = [](const InputFile& file) {
-    return file.read([](std::span<const std::uint8_t> content) { return content.size(); });
-  };
-  EXPECT_EQ(sizeOf(InputFile(folder.write("full", "abc"))), 3U);
-  EXPECT_EQ(sizeOf(InputFile(folder.write("empty", ""))), 0U);
+    try {
+      const InputFile file(path);
+      ADD_FAILURE() << path;
+    } catch (const FileError& error) {
+      EXPECT_EQ(error.what(), "Cannot read '" + path.native() + "': " + reason);
+    }
+  EXPECT_EQ(InputFile(folder.write("empty", "")).read([](auto all) { return all.size(); }), 0U);
 }
 
 TEST(MayLeadTo, FollowsLinksAndSparesWhatItCannotTell) {
@@ -64,23 +49,37 @@ TEST(MayLeadTo, FollowsLinksAndSparesWhatItCannotTell) {
   EXPECT_TRUE(mayLeadTo(folder / std::string(300, 'x'), file)) << "too long to be asked for";
 }
 
-TEST(RemoveFile, RemovesFilesAndLinksAndNothingElse) {
+std::vector<std::string> found(const TemporaryFolder& folder) {
+  std::vector<std::string> items;
+  searchFolder(folder.path(),
+               {[&](std::string_view path) {
+                  items.push_back(fs::path(path).lexically_relative(folder.path()).native());
+                },
+                [](std::string_view name) { return name == "skip" ? Descend::no : Descend::yes; }});
+  return items;
+}
+
+TEST(SearchFolder, GoesDeepInByteOrderAndLeavesOutWhatIsHiddenPackedOrLinked) {
   const TemporaryFolder folder;
-  folder.write("file", "x");
-  folder.write("target", "x");
-  fs::create_directory(folder / "folder");
-  fs::create_symlink("target", folder / "link");
-  fs::create_symlink("folder", folder / "folder link");
-  ASSERT_EQ(::mkfifo((folder / "pipe").c_str(), 0600), 0);
-  for (const char* name : {"file", "link", "folder link"}) {
-    removeFile(folder / name);
-    EXPECT_FALSE(nameExists(folder / name)) << name;
-  }
-  for (const char* name : {"folder", "pipe", "missing"})
-    EXPECT_THROW(removeFile(folder / name), FileError) << name;
-  EXPECT_TRUE(nameExists(folder / "target"));
-  EXPECT_TRUE(nameExists(folder / "folder"));
-  EXPECT_TRUE(nameExists(folder / "pipe"));
+  for (const char* name :
+       {"b.wav", "a/2", "a/10", "a/sub/x", "a.wav", "B.wav", ".hidden", "a/.h", ".folder/x",
+        "Song.logicx/x", "Old.BAND/x", "take.01/x", "skip/x", "a.b.Vst3/x", "Kit.appx/y", "\xFF/z"})
+    folder.write(name, "");
+  fs::create_symlink("a", folder / "link to folder");
+  fs::create_symlink("..", folder / "loop");
+  EXPECT_EQ(found(folder),
+            (std::vector<std::string>{"B.wav", "Kit.appx/y", "a/10", "a/2", "a/sub/x", "a.wav",
+                                      "b.wav", "link to folder", "loop", "take.01/x", "\xFF/z"}));
+}
+
+TEST(SearchFolder, StepsOverUnreadableFolders) {
+  if (::geteuid() == 0) GTEST_SKIP() << "root reads everything";
+  const TemporaryFolder folder;
+  folder.write("closed/x", "");
+  folder.write("open/y", "");
+  fs::permissions(folder / "closed", fs::perms::none);
+  EXPECT_EQ(found(folder), std::vector<std::string>{"open/y"});
+  fs::permissions(folder / "closed", fs::perms::owner_all);
 }
 
 }  // namespace

@@ -1,42 +1,21 @@
 // Inputs that become shorter while they are read.
-#include <array>
 #include <atomic>
 #include <csignal>
-#include <cstdlib>
-#include <filesystem>
-#include <fstream>
 #include <gtest/gtest.h>
 #include <stdexcept>
-#include <string>
 #include <sys/wait.h>
 #include <thread>
 
 #include "platform/files.hpp"
+#include "support/temporary_folder.hpp"
 
 namespace corvana {
 namespace {
 
-namespace fs = std::filesystem;
+using namespace test;
 
 constexpr std::uintmax_t size = 64 * 1024 + 100;
-
-class MappedGuardTest : public testing::Test {
- protected:
-  MappedGuardTest() {
-    std::string pattern = (fs::temp_directory_path() / "corvana-guard-XXXXXX").native();
-    folder_ = ::mkdtemp(pattern.data());
-  }
-  ~MappedGuardTest() override { fs::remove_all(folder_); }
-
-  fs::path makeFile(const std::string& name) const {
-    fs::path path = folder_ / name;
-    std::ofstream(path, std::ios::binary) << std::string(size, 'x');
-    return path;
-  }
-
- private:
-  fs::path folder_;
-};
+const std::string content(size, 'x');
 
 unsigned sumOf(std::span<const std::uint8_t> bytes) {
   volatile unsigned sum = 0;  // the bytes are to be read even where nobody wants the sum
@@ -45,8 +24,7 @@ unsigned sumOf(std::span<const std::uint8_t> bytes) {
   return sum;
 }
 
-using Reader = std::function<void(std::span<const std::uint8_t>)>;
-
+template <typename Reader>
 std::string messageOfReading(const InputFile& file, const Reader& reader) {
   try {
     file.read(reader);
@@ -54,6 +32,56 @@ std::string messageOfReading(const InputFile& file, const Reader& reader) {
     return error.what();
   }
   return "no FileError";
+}
+
+TEST(MappedGuard, ShrunkenFileIsAnInputErrorWhateverTheReaderMadeOfIt) {
+  const TemporaryFolder folder;
+  for (const std::uintmax_t left : {std::uintmax_t{0}, std::uintmax_t{4096}, size - 1}) {
+    const fs::path path = folder.write("shrinks.wav", content);
+    const InputFile file(path);
+    const std::string expected = "Cannot read '" + path.native() + "': Input/output error";
+    fs::resize_file(path, left);
+    EXPECT_EQ(messageOfReading(file, sumOf), expected) << left;
+    const auto failingReader = [](std::span<const std::uint8_t> bytes) {
+      sumOf(bytes);
+      throw std::runtime_error("damaged");
+    };
+    EXPECT_EQ(messageOfReading(file, failingReader), expected);
+    EXPECT_EQ(messageOfReading(file, [](auto) {}), expected) << "lost once, lost for good";
+  }
+}
+
+TEST(MappedGuard, GrowingOrRemovedFileStaysReadable) {
+  const TemporaryFolder folder;
+  const fs::path path = folder.write("grows.wav", content);
+  const InputFile file(path);
+  fs::resize_file(path, 2 * size);
+  fs::remove(path);
+  EXPECT_EQ(file.read(sumOf), 'x' * size);
+  EXPECT_THROW(file.read([](auto) { throw std::runtime_error("own"); }), std::runtime_error);
+}
+
+TEST(MappedGuard, ThreadsLoseOnlyTheirOwnFile) {
+  constexpr int rounds = 50;
+  const TemporaryFolder folder;
+  std::atomic<int> lost = 0;
+  std::atomic<int> whole = 0;
+  const auto work = [&](const char* name, bool shrinks) {
+    for (int i = 0; i < rounds; ++i) {
+      const InputFile file(folder.write(name, content));
+      if (shrinks) fs::resize_file(folder / name, 4096);
+      unsigned sum = 0;
+      const std::string message = messageOfReading(file, [&](auto bytes) { sum = sumOf(bytes); });
+      if (message.ends_with("Input/output error")) ++lost;
+      if (message == "no FileError" && sum == 'x' * size) ++whole;
+    }
+  };
+  std::thread threads[] = {std::thread(work, "1", true), std::thread(work, "2", false),
+                           std::thread(work, "3", true), std::thread(work, "4", false)};
+  for (std::thread& thread : threads)
+    thread.join();
+  EXPECT_EQ(lost, 2 * rounds);
+  EXPECT_EQ(whole, 2 * rounds);
 }
 
 /// Ended by this signal, or by a sanitizer that reports it.
@@ -67,77 +95,19 @@ struct DiedOf {
   }
 };
 
-TEST_F(MappedGuardTest, shrunkenFileIsAnInputErrorWhateverTheReaderMadeOfIt) {
-  for (const std::uintmax_t left :
-       std::initializer_list<std::uintmax_t>{0, 1, 4096, size - 4096, size - 1}) {
-    const fs::path path = makeFile("shrinks.wav");
-    const InputFile file(path);
-    const std::string expected = "Cannot read '" + path.native() + "': Input/output error";
-    fs::resize_file(path, left);
-    EXPECT_EQ(messageOfReading(file, sumOf), expected) << left;
-    EXPECT_EQ(messageOfReading(file,
-                               [](std::span<const std::uint8_t> bytes) {
-                                 sumOf(bytes);
-                                 throw std::runtime_error("damaged");
-                               }),
-              expected);
-    EXPECT_EQ(messageOfReading(file, [](auto) {}), expected) << "lost once, lost for good";
-  }
-}
-
-TEST_F(MappedGuardTest, growingOrRemovedFileStaysReadable) {
-  const fs::path path = makeFile("grows.wav");
-  const InputFile file(path);
-  fs::resize_file(path, 2 * size);
-  fs::remove(path);
-  EXPECT_EQ(file.read(sumOf), 'x' * size);
-  EXPECT_THROW(file.read([](auto) { throw std::runtime_error("own"); }), std::runtime_error);
-}
-
-TEST_F(MappedGuardTest, threadsLoseOnlyTheirOwnFile) {
-  constexpr int threadCount = 4;
-  constexpr int rounds = 50;
-  std::array<std::thread, threadCount> threads;
-  std::atomic<int> lost = 0;
-  std::atomic<int> wrong = 0;
-  for (int t = 0; t < threadCount; ++t) {
-    threads[static_cast<std::size_t>(t)] = std::thread([&, t] {
-      const bool shrinks = t % 2 == 0;
-      for (int i = 0; i < rounds; ++i) {
-        const fs::path path = makeFile(std::to_string(t));
-        const InputFile file(path);
-        if (shrinks) fs::resize_file(path, 4096);
-        unsigned sum = 0;
-        const std::string message = messageOfReading(file, [&](auto bytes) { sum = sumOf(bytes); });
-        if (shrinks && message.ends_with("Input/output error")) ++lost;
-        if (!shrinks && sum != 'x' * size) ++wrong;
-      }
-    });
-  }
-  for (std::thread& thread : threads)
-    thread.join();
-  EXPECT_EQ(lost, threadCount / 2 * rounds);
-  EXPECT_EQ(wrong, 0);
-}
-
-using MappedGuardDeathTest = MappedGuardTest;
-
-TEST_F(MappedGuardDeathTest, otherFaultsKeepTheirEffect) {
+TEST(MappedGuardDeathTest, OtherFaultsKeepTheirEffect) {
   GTEST_FLAG_SET(death_test_style, "threadsafe");
-  const fs::path lostPath = makeFile("lost.wav");
-  const InputFile lost(lostPath);
-  const InputFile whole(makeFile("whole.wav"));
+  const TemporaryFolder folder;
+  const InputFile lost(folder.write("lost.wav", content));
+  const InputFile whole(folder.write("whole.wav", content));
   std::span<const std::uint8_t> leaked;
   EXPECT_EQ(messageOfReading(lost, [&](auto bytes) { leaked = bytes; }), "no FileError");
-  fs::resize_file(lostPath, 0);
+  fs::resize_file(folder / "lost.wav", 0);
+  const auto onThread = [&](auto) { std::thread([&] { sumOf(leaked); }).join(); };
   EXPECT_EXIT(sumOf(leaked), DiedOf{SIGBUS}, "") << "outside of read()";
   EXPECT_EXIT(whole.read([&](auto) { sumOf(leaked); }), DiedOf{SIGBUS}, "") << "another file";
-  EXPECT_EXIT(whole.read([&](auto) { std::thread([&] { sumOf(leaked); }).join(); }), DiedOf{SIGBUS},
-              "")
-      << "another thread";
+  EXPECT_EXIT(lost.read(onThread), DiedOf{SIGBUS}, "") << "another thread";
   EXPECT_EXIT(whole.read([](auto) { std::raise(SIGBUS); }), DiedOf{SIGBUS}, "") << "sent";
-  EXPECT_EXIT(whole.read([](auto) { std::raise(SIGSEGV); }), DiedOf{SIGSEGV}, "")
-      << "another signal";
 }
 
 }  // namespace

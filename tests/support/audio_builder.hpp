@@ -2,6 +2,7 @@
 // that every field can also be given a value that no writer would.
 #pragma once
 
+#include <algorithm>
 #include <cctype>
 #include <cstdint>
 #include <initializer_list>
@@ -54,12 +55,29 @@ inline ByteBuffer text(std::string_view characters) {
   return {characters.begin(), characters.end()};
 }
 
+inline ByteBuffer le32(std::initializer_list<std::uint32_t> values) {
+  ByteBuffer result;
+  for (const std::uint32_t value : values)
+    result = join({result, le(value, 4)});
+  return result;
+}
+
 inline ByteBuffer firstBytes(ByteBuffer buffer, std::size_t count) {
   buffer.resize(count);
   return buffer;
 }
 
-// WAV, little-endian. Every builder of a chunk gives header, body and pad byte.
+inline ByteBuffer bodyOf(const ByteBuffer& chunk) {
+  return {chunk.begin() + 8, chunk.end()};
+}
+
+inline ByteBuffer patched(ByteBuffer buffer, std::ptrdiff_t offset, const ByteBuffer& patch) {
+  std::copy(patch.begin(), patch.end(), buffer.begin() + offset);
+  return buffer;
+}
+
+// WAV, little-endian. Every builder of a chunk gives header, body and pad byte; the fields that
+// nobody reads are filled with noise.
 
 inline ByteBuffer wavChunk(std::string_view id, const ByteBuffer& body) {
   return join({text(id), le(body.size(), 4), body, ByteBuffer(body.size() % 2)});
@@ -80,50 +98,32 @@ struct Format {
   std::uint16_t subFormat = format_tag::pcm;
 };
 
-inline ByteBuffer formatBody(const Format& f) {
-  ByteBuffer body = join({le(f.tag, 2), le(f.channels, 2), le(f.rate, 4), le(0xBAD, 4),
-                          le(f.blockAlign, 2), le(f.bits, 2)});
-  if (!f.validBits) return body;
-  return join({body, le(22, 2), le(*f.validBits, 2), le(0, 4), le(f.subFormat, 2),
-               bytes("00 00 00 00 10 00 80 00 00 AA 00 38 9B 71")});
-}
-
 inline ByteBuffer fmt(const Format& f) {
-  return wavChunk("fmt ", formatBody(f));
+  const ByteBuffer body = join(
+      {le(f.tag, 2), le(f.channels, 2), le32({f.rate, 0xBAD}), le(f.blockAlign, 2), le(f.bits, 2)});
+  if (!f.validBits) return wavChunk("fmt ", body);
+  return wavChunk("fmt ", join({body, le(22, 2), le(*f.validBits, 2), le(0, 4), le(f.subFormat, 2),
+                                bytes("00 00 00 00 10 00 80 00 00 AA 00 38 9B 71")}));
 }
 
 inline ByteBuffer data(const ByteBuffer& samples) {
   return wavChunk("data", samples);
 }
 
-/// The fields that nobody reads are filled with noise.
-inline ByteBuffer samplerBody(std::uint32_t note, std::uint32_t fraction,
-                              const std::vector<SampleLoop>& loops,
-                              std::optional<std::uint32_t> declaredLoops = std::nullopt) {
-  ByteBuffer body = join({le(7, 4), le(8, 4), le(9, 4), le(note, 4), le(fraction, 4), le(10, 4),
-                          le(11, 4), le(declaredLoops.value_or(loops.size()), 4), le(12, 4)});
-  for (const SampleLoop& loop : loops)
-    body = join({body, le(loop.cueID, 4), le(loop.type, 4), le(loop.start, 4), le(loop.end, 4),
-                 le(13, 4), le(loop.playCount, 4)});
-  return body;
-}
-
 inline ByteBuffer smpl(std::uint32_t note, std::uint32_t fraction,
                        const std::vector<SampleLoop>& loops = {}) {
-  return wavChunk("smpl", samplerBody(note, fraction, loops));
-}
-
-inline ByteBuffer cueBody(const std::vector<CuePoint>& points,
-                          std::optional<std::uint32_t> declaredPoints = std::nullopt) {
-  ByteBuffer body = le(declaredPoints.value_or(points.size()), 4);
-  for (const CuePoint& point : points)
-    body = join({body, le(point.id, 4), le(0xBAD, 4), text("slnt"), le(14, 4), le(15, 4),
-                 le(point.position, 4)});
-  return body;
+  const auto count = static_cast<std::uint32_t>(loops.size());
+  ByteBuffer body = le32({7, 8, 9, note, fraction, 10, 11, count, 12});
+  for (const SampleLoop& loop : loops)
+    body = join({body, le32({loop.cueID, loop.type, loop.start, loop.end, 13, loop.playCount})});
+  return wavChunk("smpl", body);
 }
 
 inline ByteBuffer cue(const std::vector<CuePoint>& points) {
-  return wavChunk("cue ", cueBody(points));
+  ByteBuffer body = le(points.size(), 4);
+  for (const CuePoint& point : points)
+    body = join({body, le32({point.id, 0xBAD}), text("slnt"), le32({14, 15, point.position})});
+  return wavChunk("cue ", body);
 }
 
 inline ByteBuffer inst(const InstrumentChunk& i) {
@@ -133,8 +133,6 @@ inline ByteBuffer inst(const InstrumentChunk& i) {
 }
 
 // AIFF, big-endian.
-
-inline const ByteBuffer rate44100 = bytes("40 0E AC 44 00 00 00 00 00 00");
 
 inline ByteBuffer aiffChunk(std::string_view id, const ByteBuffer& body) {
   return join({text(id), be(body.size(), 4), body, ByteBuffer(body.size() % 2)});
@@ -149,38 +147,30 @@ struct Common {
   int channels = 1;
   std::uint32_t frames = 0;
   int bits = 16;
-  ByteBuffer rate = rate44100;
+  std::string_view rate = "40 0E AC 44 00 00 00 00 00 00";
   std::string_view compression = {};  ///< four characters for AIFF-C
 };
 
-inline ByteBuffer commonBody(const Common& c) {
-  return join({be(static_cast<std::uint16_t>(c.channels), 2), be(c.frames, 4),
-               be(static_cast<std::uint16_t>(c.bits), 2), c.rate, text(c.compression)});
-}
-
 inline ByteBuffer comm(const Common& c) {
-  return aiffChunk("COMM", commonBody(c));
+  return aiffChunk("COMM", join({be(static_cast<std::uint16_t>(c.channels), 2), be(c.frames, 4),
+                                 be(static_cast<std::uint16_t>(c.bits), 2), bytes(c.rate),
+                                 text(c.compression)}));
 }
 
 inline ByteBuffer ssnd(const ByteBuffer& samples, std::uint32_t offset = 0) {
   return aiffChunk("SSND", join({be(offset, 4), be(0xBAD, 4), samples}));
 }
 
-inline ByteBuffer markerBody(const std::vector<AiffMarker>& markers,
-                             std::optional<std::uint16_t> declaredMarkers = std::nullopt) {
-  ByteBuffer body = be(declaredMarkers.value_or(markers.size()), 2);
+inline ByteBuffer mark(const std::vector<AiffMarker>& markers) {
+  ByteBuffer body = be(markers.size(), 2);
   for (const AiffMarker& marker : markers)
     body = join({body, be(static_cast<std::uint16_t>(marker.id), 2), be(marker.position, 4),
                  be(marker.name.size(), 1), text(marker.name),
                  ByteBuffer(marker.name.size() % 2 == 0 ? 1 : 0)});
-  return body;
+  return aiffChunk("MARK", body);
 }
 
-inline ByteBuffer mark(const std::vector<AiffMarker>& markers) {
-  return aiffChunk("MARK", markerBody(markers));
-}
-
-inline ByteBuffer instrumentBody(const AiffInstrument& i) {
+inline ByteBuffer inst(const AiffInstrument& i) {
   ByteBuffer body;
   for (const std::int8_t field :
        {i.baseNote, i.detune, i.lowNote, i.highNote, i.lowVelocity, i.highVelocity})
@@ -189,11 +179,7 @@ inline ByteBuffer instrumentBody(const AiffInstrument& i) {
        {i.gain, i.sustainLoop.playMode, i.sustainLoop.beginMarker, i.sustainLoop.endMarker,
         i.releaseLoop.playMode, i.releaseLoop.beginMarker, i.releaseLoop.endMarker})
     body = join({body, be(static_cast<std::uint16_t>(field), 2)});
-  return body;
-}
-
-inline ByteBuffer inst(const AiffInstrument& i) {
-  return aiffChunk("INST", instrumentBody(i));
+  return aiffChunk("INST", body);
 }
 
 }  // namespace corvana::test

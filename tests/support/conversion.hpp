@@ -1,4 +1,4 @@
-// One conversion from bytes to bytes.
+// One conversion from bytes to bytes, and its failure.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -9,8 +9,20 @@
 #include "convert/aiff_to_wav.hpp"
 #include "convert/wav_to_aiff.hpp"
 #include "support/temporary_folder.hpp"
+#include "vocabulary/errors.hpp"
 
 namespace corvana::test {
+
+/// The text of the ConversionError that `action` ends with.
+template <typename Action>
+std::string errorOf(const Action& action) {
+  try {
+    action();
+  } catch (const ConversionError& error) {
+    return error.errorDescription();
+  }
+  return "no error";
+}
 
 struct Converted {
   ByteBuffer file;
@@ -24,15 +36,12 @@ inline Converted convert(const ByteBuffer& input) {
   const TemporaryFolder folder;
   const InputFile file(folder.write("input", input));
   const OutputTarget target{folder / "output", false, file.identity()};
-  Converted converted;
-  const ProgressHandler progress = [&](double fraction) { converted.progress.push_back(fraction); };
-  ConversionResult result = input.at(0) == 'F' ? convertAIFFToWAV(file, target, progress)
-                                               : convertWAVToAIFF(file, target, progress);
+  std::vector<double> progress;
+  const auto record = [&](double fraction) { progress.push_back(fraction); };
+  const ConversionResult result = input.at(0) == 'F' ? convertAIFFToWAV(file, target, record)
+                                                     : convertWAVToAIFF(file, target, record);
   EXPECT_EQ(result.outputURL, target.url);
-  converted.file = readFile(target.url);
-  converted.summary = std::move(result.summary);
-  converted.warnings = std::move(result.warnings);
-  return converted;
+  return {readFile(target.url), result.summary, result.warnings, progress};
 }
 
 /// All values in one line, to compare records at a glance.
@@ -48,15 +57,6 @@ inline std::string lines(const Warnings& warnings) {
   for (const std::string& warning : warnings)
     text += warning + "\n";
   return text;
-}
-
-/// `count` bytes without a pattern that a wrong offset could repeat.
-inline ByteBuffer noise(std::size_t count) {
-  ByteBuffer samples(count);
-  std::uint32_t state = 1;
-  for (std::uint8_t& sample : samples)
-    sample = static_cast<std::uint8_t>((state = state * 1664525 + 1013904223) >> 24);
-  return samples;
 }
 
 }  // namespace corvana::test

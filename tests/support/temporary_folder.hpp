@@ -2,10 +2,11 @@
 #pragma once
 
 #include <algorithm>
+#include <cstdlib>
 #include <filesystem>
 #include <fstream>
-#include <gtest/gtest.h>
 #include <iterator>
+#include <stdexcept>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -16,14 +17,14 @@ namespace corvana::test {
 
 namespace fs = std::filesystem;
 
-inline ByteBuffer readFile(const fs::path& path) {
+inline std::string readText(const fs::path& path) {
   std::ifstream file(path, std::ios::binary);
-  EXPECT_TRUE(file.good()) << path;
+  if (!file) throw std::runtime_error("no file " + path.native());
   return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
 }
 
-inline std::string readText(const fs::path& path) {
-  const ByteBuffer content = readFile(path);
+inline ByteBuffer readFile(const fs::path& path) {
+  const std::string content = readText(path);
   return {content.begin(), content.end()};
 }
 
@@ -45,16 +46,13 @@ class TemporaryFolder {
   fs::path operator/(const fs::path& name) const { return path_ / name; }
 
   /// Makes missing folders on the way.
-  fs::path write(const fs::path& name, ByteView content) const {
+  fs::path write(const fs::path& name, std::string_view content) const {
     fs::create_directories((path_ / name).parent_path());
-    std::ofstream file(path_ / name, std::ios::binary);
-    file.write(reinterpret_cast<const char*>(content.data()),
-               static_cast<std::streamsize>(content.size()));
+    std::ofstream(path_ / name, std::ios::binary) << content;
     return path_ / name;
   }
-  fs::path write(const fs::path& name, std::string_view content) const {
-    return write(name,
-                 ByteView(reinterpret_cast<const std::uint8_t*>(content.data()), content.size()));
+  fs::path write(const fs::path& name, ByteView content) const {
+    return write(name, {reinterpret_cast<const char*>(content.data()), content.size()});
   }
 
   /// The files below, relative and sorted.

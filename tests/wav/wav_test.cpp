@@ -1,0 +1,156 @@
+#include <gtest/gtest.h>
+
+#include "support/audio_builder.hpp"
+#include "support/conversion.hpp"
+#include "wav/wav_reader.hpp"
+#include "wav/wav_writer.hpp"
+
+namespace corvana {
+namespace {
+
+using namespace test;
+
+const ByteBuffer format = fmt({});
+
+/// What the reader finds beside the format.
+std::string found(const WavInfo& info) {
+  std::string text = line(info.dataSize, "@", info.dataOffset);
+  if (info.loops) text += line(" smpl ", info.midiUnityNote, "+", info.midiPitchFraction);
+  for (const SampleLoop& loop : info.loops.value_or(std::vector<SampleLoop>()))
+    text += line(" loop ", loop.cueID, loop.type, loop.start, loop.end, loop.playCount);
+  for (const CuePoint& point : info.cuePoints)
+    text += line(" cue ", point.id, "@", point.position);
+  if (const auto& i = info.instrument)
+    text += line(" inst ", +i->unshiftedNote, " ", +i->fineTune, " ", +i->gain, " ", +i->lowNote,
+                 "-", +i->highNote, " ", +i->lowVelocity, "-", +i->highVelocity);
+  return text;
+}
+
+TEST(WavReader, RejectsWhatItCannotUse) {
+  const auto with = [](const Format& f) { return wav({fmt(f), data({})}); };
+  const auto extensible = [&](std::uint16_t subFormat) {
+    return with({.tag = 0xFFFE, .validBits = 16, .subFormat = subFormat});
+  };
+  const ByteBuffer unpadded = bytes("'junk' 01 00 00 00 00");
+  const struct {
+    const char* name;
+    ByteBuffer file;
+    const char* message;
+  } cases[] = {
+      {"empty", {}, "Not a RIFF file."},
+      {"11 bytes", firstBytes(wav({}), 11), "Not a RIFF file."},
+      {"RIFX", bytes("'RIFX' 00 00 00 00 'WAVE'"), "Not a RIFF file."},
+      {"another form", bytes("'RIFF' 00 00 00 00 'WAVX'"), "The RIFF file is not a WAVE file."},
+      {"no fmt", wav({data({1, 2})}), "The fmt chunk is missing."},
+      {"no data", wav({format}), "The data chunk is missing."},
+      {"no pad byte", wav({format, unpadded, data({})}), "The data chunk is missing."},
+      {"fmt cut", wav({data({}), firstBytes(format, 8 + 15)}), "The fmt chunk is damaged."},
+      {"a good one follows", wav({fmt({.channels = 0}), format}), "The fmt chunk is damaged."},
+      {"no rate", with({.rate = 0}), "The fmt chunk is damaged."},
+      {"no bits", with({.bits = 0}), "The fmt chunk is damaged."},
+      {"3 bytes for 2", with({.channels = 2, .blockAlign = 3}), "The fmt chunk is damaged."},
+      {"float", with({.tag = 3, .channels = 0}), "Unsupported format: floating-point WAV"},
+      {"extensible float", extensible(3), "Unsupported format: floating-point WAV"},
+      {"short extensible", with({.tag = 0xFFFE}), "Unsupported format: format tag 65534"},
+      {"ADPCM", with({.tag = 2}), "Unsupported format: format tag 2"},
+      {"extensible ADPCM", extensible(17), "Unsupported format: format tag 17"},
+      {"64 bits", with({.blockAlign = 8, .bits = 64}), "Unsupported format: 64-bit"},
+      {"5 bytes by the bits", with({.blockAlign = 0, .bits = 33}), "Unsupported format: 33-bit"},
+  };
+  for (const auto& c : cases)
+    EXPECT_EQ(errorOf([&] { parseWav(c.file); }), c.message) << c.name;
+}
+
+TEST(WavReader, FindsBytesAndEffectiveBits) {
+  const struct {
+    const char* name;
+    Format format;
+    std::uint32_t bytesPerSample, bitsPerSample;
+  } cases[] = {
+      {"block align 0", {.channels = 3, .blockAlign = 0, .bits = 24}, 3, 24},
+      {"block align 0, odd bits", {.blockAlign = 0, .bits = 9}, 2, 9},
+      {"24 bits said, 16 there", {.blockAlign = 2, .bits = 24}, 2, 16},
+      {"12 bits in 2 bytes", {.bits = 12}, 2, 12},
+      {"24 in 32", {.tag = 0xFFFE, .blockAlign = 4, .bits = 32, .validBits = 24}, 4, 24},
+      {"valid bits 0", {.tag = 0xFFFE, .blockAlign = 4, .bits = 32, .validBits = 0}, 4, 32},
+      {"more valid bits than there are", {.tag = 0xFFFE, .validBits = 40}, 2, 16},
+      {"an extension of plain PCM means nothing", {.tag = 1, .validBits = 4}, 2, 16},
+      {"65535 channels, block align 0", {.channels = 65535, .blockAlign = 0, .bits = 32}, 4, 32},
+  };
+  for (const auto& c : cases) {
+    const WavInfo info = parseWav(wav({fmt(c.format), data({})}));
+    EXPECT_EQ(info.channels, c.format.channels) << c.name;
+    EXPECT_EQ(info.bytesPerSample, c.bytesPerSample) << c.name;
+    EXPECT_EQ(info.bitsPerSample, c.bitsPerSample) << c.name;
+  }
+}
+
+TEST(WavReader, FindsChunksInAnyOrderAndOfTwoTheLater) {
+  const SampleLoop a{1, 2, 3, 4, 5};
+  const ByteBuffer full = inst(InstrumentChunk{60, -50, -128, 1, 2, 3, 255});
+  const ByteBuffer unknown = bytes("FF FE 00 80 03 00 00 00 01 02 03 00");
+  const ByteBuffer tooShort = join({wavChunk("smpl", ByteBuffer(35)), wavChunk("cue ", {1, 0, 0}),
+                                    wavChunk("inst", ByteBuffer(6))});
+  const ByteBuffer longLoops = patched(smpl(60, 7, {a, {}}), 8 + 28, le32({5}));
+  const ByteBuffer endlessCues = patched(cue({{1, 10}, {1, 10}}), 8, le32({0xFFFFFFFF}));
+  const struct {
+    const char* name;
+    ByteBuffer chunks;
+    const char* expected;
+  } cases[] = {
+      {"any order", join({smpl(60, 7), data({1, 2, 3, 4, 5}), unknown, full, format}),
+       "5@64 smpl 60+7 inst 60 -50 -128 1-2 3-255"},
+      {"the later", join({data({9}), cue({{1, 1}}), data({}), cue({{5, 50}, {6, 60}}), format}),
+       "0@66 cue 5@50 cue 6@60"},
+      {"a short chunk is none",
+       join({format, data({}), smpl(60, 9, {a}), full, cue({{1, 1}}), tooShort}), "0@44"},
+      {"more loops declared", join({format, data({}), longLoops}),
+       "0@44 smpl 60+7 loop 12345 loop 00000"},
+      {"fewer declared", join({format, data({}), patched(longLoops, 8 + 28, le32({1}))}),
+       "0@44 smpl 60+7 loop 12345"},
+      {"a loop cut", join({format, data({}), firstBytes(longLoops, 8 + 83)}),
+       "0@44 smpl 60+7 loop 12345"},
+      {"more points declared", join({format, data({}), endlessCues}), "0@44 cue 1@10 cue 1@10"},
+      {"a point cut", join({format, data({}), firstBytes(endlessCues, 8 + 51)}), "0@44 cue 1@10"},
+      {"data cut", join({format, bytes("'data' FF FF FF FF 01 02 03")}), "3@44"},
+  };
+  for (const auto& c : cases)
+    EXPECT_EQ(found(parseWav(wav({c.chunks}))), c.expected) << c.name;
+}
+
+TEST(WavReader, TakesNoMoreRecordsThanTheirLimit) {
+  const std::size_t records = mostRecords + 1;
+  EXPECT_EQ(parseCueChunk(join({le(records, 4), ByteBuffer(24 * records)})).size(), mostRecords);
+}
+
+TEST(WavWriter, FormatChunk) {
+  const std::string guid = "01 00 00 00 00 00 10 00 80 00 00 AA 00 38 9B 71";
+  EXPECT_EQ(buildFormatChunk(2, 44100, 24, 3, 6),
+            bytes("01 00 02 00 44 AC 00 00 98 09 04 00 06 00 18 00"));
+  EXPECT_EQ(
+      buildFormatChunk(1, 1, 12, 2, 2),
+      bytes("FE FF 01 00 01 00 00 00 02 00 00 00 02 00 10 00 16 00 0C 00 04 00 00 00" + guid));
+  EXPECT_EQ(
+      buildFormatChunk(6, 44100, 16, 2, 12),
+      bytes("FE FF 06 00 44 AC 00 00 30 13 08 00 0C 00 10 00 16 00 10 00 00 00 00 00" + guid));
+  EXPECT_EQ(buildFormatChunk(1, 4'000'000'000, 16, 2, 2),  // bytes per second above 32 bits
+            bytes("01 00 01 00 00 28 6B EE 00 50 D6 DC 02 00 10 00"));
+}
+
+TEST(WavWriter, RefusesWhatTheRiffSizeCannotHold) {
+  const TemporaryFolder folder;
+  const fs::path output = folder.write("existing", "old");
+  const auto write = [&](std::uint64_t dataSize, const TrailingChunks& trailing) {
+    WavFileWriter({output, true, {}}, ByteBuffer(16), dataSize, trailing);
+  };
+  constexpr std::uint64_t largest = 0xFFFFFFFE - 4 - 24 - 8;  // one more needs a pad byte too
+  EXPECT_THROW(write(largest + 1, {}), ConversionError);
+  EXPECT_THROW(write(1ULL << 32, {}), ConversionError);
+  EXPECT_THROW(write(largest, {{}, {}, ByteBuffer(7)}), ConversionError);
+  EXPECT_EQ(readText(output), "old");
+  write(largest, {});
+  EXPECT_EQ(firstBytes(readFile(output), 8), bytes("'RIFF' FE FF FF FF"));
+}
+
+}  // namespace
+}  // namespace corvana
