@@ -33,8 +33,8 @@ bool hasAudioExtension(std::string_view path) {
   return std::any_of(std::begin(audioExtensions), std::end(audioExtensions), matches);
 }
 
-std::vector<fs::path> collectAudioFiles(const std::vector<fs::path>& urls) {
-  std::vector<fs::path> files;
+std::vector<std::string> collectAudioFiles(const std::vector<fs::path>& urls) {
+  std::vector<std::string> files;
   const auto addFile = [&files](std::string_view path) {
     if (hasAudioExtension(path)) files.emplace_back(path);
   };

@@ -37,7 +37,7 @@ BatchDriver::~BatchDriver() {
 }
 
 void BatchDriver::processURLs(const std::vector<fs::path>& urls) {
-  std::vector<fs::path> files = collectAudioFiles(urls);
+  std::vector<std::string> files = collectAudioFiles(urls);
   if (files.empty()) {
     appendLog(localised("No WAV or AIFF files found."));
     return;
@@ -48,8 +48,8 @@ void BatchDriver::processURLs(const std::vector<fs::path>& urls) {
   workQueue_.async([this, files = std::move(files), options] { convertFiles(files, options); });
 }
 
-void BatchDriver::convertFiles(const std::vector<fs::path>& files, Options options) {
-  for (const fs::path& file : files) {
+void BatchDriver::convertFiles(const std::vector<std::string>& files, Options options) {
+  for (const std::string& file : files) {
     if (stopped_) break;
     convertFile(file, options);
   }

@@ -59,7 +59,7 @@ class BatchDriver {
   };
 
   // On the work queue.
-  void convertFiles(const std::vector<std::filesystem::path>& files, Options options);
+  void convertFiles(const std::vector<std::string>& files, Options options);
   void convertFile(const std::filesystem::path& url, Options options);
   void reportProgress(double fraction);
 

@@ -1,9 +1,12 @@
 #include "platform/files.hpp"
 
+#include <algorithm>
+#include <array>
 #include <cerrno>
 #include <fcntl.h>
 #include <sys/mman.h>
 #include <sys/stat.h>
+#include <sys/uio.h>
 #include <unistd.h>
 #include <utility>
 
@@ -141,14 +144,22 @@ void removeFile(const std::filesystem::path& path) {
   if (::unlink(path.c_str()) != 0) failReplacing(errno, path);
 }
 
-void writeAll(const FileDescriptor& file, std::span<const std::uint8_t> bytes,
-              const std::filesystem::path& path) {
-  while (!bytes.empty()) {
-    const ssize_t written = uninterrupted(
-        [&file, &bytes] { return ::write(file.number(), bytes.data(), bytes.size()); });
+void writeAll(const FileDescriptor& file, std::span<const std::uint8_t> first,
+              std::span<const std::uint8_t> second, const std::filesystem::path& path) {
+  // The system's record takes pointers to what may change; it is only read here.
+  const auto part = [](std::span<const std::uint8_t> bytes) {
+    return iovec{const_cast<std::uint8_t*>(bytes.data()), bytes.size()};
+  };
+  while (!first.empty() || !second.empty()) {
+    const std::array<iovec, 2> parts = {part(first), part(second)};
+    const ssize_t written = uninterrupted([&file, &parts] {
+      return ::writev(file.number(), parts.data(), static_cast<int>(parts.size()));
+    });
     if (written < 0) failWriting(errno, path);
     if (written == 0) failWriting(EIO, path);
-    bytes = bytes.subspan(static_cast<std::size_t>(written));
+    const std::size_t ofFirst = std::min(static_cast<std::size_t>(written), first.size());
+    first = first.subspan(ofFirst);
+    second = second.subspan(static_cast<std::size_t>(written) - ofFirst);
   }
 }
 

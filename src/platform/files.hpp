@@ -113,9 +113,9 @@ std::optional<FileDescriptor> createNewFile(const std::filesystem::path& path);
 /// Removes a file, or a symbolic link as such. A folder or special file stays and is an error.
 void removeFile(const std::filesystem::path& path);
 
-/// Writes all bytes, however many calls it takes.
-void writeAll(const FileDescriptor& file, std::span<const std::uint8_t> bytes,
-              const std::filesystem::path& path);
+/// Writes all bytes, one part after the other, in one call where the system takes them at once.
+void writeAll(const FileDescriptor& file, std::span<const std::uint8_t> first,
+              std::span<const std::uint8_t> second, const std::filesystem::path& path);
 
 /// Asks the system to have room on the disk ready for `size` more bytes, which makes writing them
 /// cheaper. The size of the file stays as it is; where the system cannot, nothing happens.

@@ -76,7 +76,8 @@ inline void appendBytes(ByteBuffer& buffer, ByteView bytes) {
 
 /// Appends the four ASCII characters of a chunk ID.
 inline void appendFourCC(ByteBuffer& buffer, std::string_view id) {
-  buffer.insert(buffer.end(), id.begin(), id.end());
+  for (const char character : id)
+    buffer.push_back(static_cast<std::uint8_t>(character));
 }
 
 }  // namespace corvana

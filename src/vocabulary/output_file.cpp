@@ -1,6 +1,7 @@
 #include "vocabulary/output_file.hpp"
 
 #include <optional>
+#include <utility>
 
 #include "vocabulary/errors.hpp"
 
@@ -37,28 +38,34 @@ FileDescriptor createOutput(const OutputTarget& target) {
 
 }  // namespace
 
-OutputFile::OutputFile(const OutputTarget& target, ByteView header)
-    : path_(target.url), file_(createOutput(target)) {
-  append(header);
-}
+OutputFile::OutputFile(const OutputTarget& target, ByteBuffer header)
+    : path_(target.url), file_(createOutput(target)), header_(std::move(header)) {}
 
 OutputFile::~OutputFile() {
-  if (file_.number() >= 0) releaseSpace(file_);
+  if (file_.number() < 0) return;
+  try {
+    append({});
+  } catch (const ConversionError&) {
+    // The conversion has failed already, for a reason that is known.
+  }
+  releaseSpace(file_);
 }
 
 void OutputFile::expect(std::uint64_t size) {
-  reserveSpace(file_, size);
+  reserveSpace(file_, header_.size() + size);
 }
 
 void OutputFile::append(ByteView bytes) {
+  const ByteBuffer header = std::exchange(header_, {});
   try {
-    writeAll(file_, bytes, path_);
+    writeAll(file_, header, bytes, path_);
   } catch (const FileError&) {
     throw ConversionError::writeFailed(path_);
   }
 }
 
 void OutputFile::close() {
+  append({});
   try {
     closeFile(std::move(file_), path_);
   } catch (const FileError&) {

@@ -21,10 +21,11 @@ struct OutputTarget {
 /// A new file that is written from start to end. A partly written file stays on disk.
 class OutputFile {
  public:
-  /// Makes missing folders, removes an existing file if that is allowed, and creates the file
-  /// with `header` as its content. A folder that cannot be made or a file that cannot be removed
-  /// is a FileError; a file that cannot be created is ConversionError writeFailed.
-  OutputFile(const OutputTarget& target, ByteView header);
+  /// Makes missing folders, removes an existing file if that is allowed, and creates the file.
+  /// `header` is written together with what is appended first. A folder that cannot be made or a
+  /// file that cannot be removed is a FileError; a file that cannot be created is ConversionError
+  /// writeFailed.
+  OutputFile(const OutputTarget& target, ByteBuffer header);
 
   OutputFile(OutputFile&&) = default;
   OutputFile& operator=(OutputFile&&) = delete;
@@ -43,6 +44,7 @@ class OutputFile {
  private:
   std::filesystem::path path_;
   FileDescriptor file_;
+  ByteBuffer header_;  ///< not yet written
 };
 
 }  // namespace corvana

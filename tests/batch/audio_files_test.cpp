@@ -41,7 +41,7 @@ TEST(AudioFiles, CollectsInTheGivenOrder) {
     for (const char* name : names)
       urls.push_back(folder / name);
     std::string found;
-    for (const fs::path& file : collectAudioFiles(urls))
+    for (const fs::path file : collectAudioFiles(urls))
       found += file.lexically_relative(folder.path()).native() + "|";
     return found;
   };

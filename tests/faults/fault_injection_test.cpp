@@ -61,8 +61,8 @@ const Case cases[] = {
     {"mmap:1:ENOMEM", Outcome::failed, "Cannot read '%IN': Cannot allocate memory"},
     {"mmap:1:shrink", Outcome::failed, readError},
     {"create:1:shrink", Outcome::partial, readError},
-    {"write:2:shrink", Outcome::partial, readError},
-    {"write:3:shrink", Outcome::converted, ""},  // every sample has been read by then
+    {"write:1:shrink", Outcome::partial, readError},
+    {"write:2:shrink", Outcome::converted, ""},  // every sample has been read by then
 
     // The name is taken although the system could not say so: it is not used.
     {"lstat:1:EIO", Outcome::failed, writingFailed, "", "kept"},
@@ -101,8 +101,8 @@ const Case cases[] = {
     {"write:1:ENOSPC", Outcome::partial, writingFailed},
     {"write:2:EIO", Outcome::partial, writingFailed},
     {"write:2:EFBIG", Outcome::partial, writingFailed},
-    {"write:3+:ENOSPC", Outcome::partial, writingFailed},
-    {"write:4:EDQUOT", Outcome::partial, writingFailed},
+    {"write:2+:ENOSPC", Outcome::partial, writingFailed},
+    {"write:3:EDQUOT", Outcome::partial, writingFailed},
     {"write:2:EINTR", Outcome::converted, ""},
     {"write:1:short", Outcome::converted, ""},
     {"close:1:EIO", Outcome::partial, writingFailed},

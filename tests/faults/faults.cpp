@@ -12,6 +12,7 @@
 // When the program ends by itself, descriptors and mappings of these files that are left make it
 // end with status 77, a fault that never happened with 78.
 
+#include <algorithm>
 #include <array>
 #include <atomic>
 #include <cerrno>
@@ -25,6 +26,7 @@
 #include <string_view>
 #include <sys/mman.h>
 #include <sys/stat.h>
+#include <sys/uio.h>
 #include <unistd.h>
 
 namespace {
@@ -235,12 +237,17 @@ int unlink(const char* path) noexcept {
   return next<int (*)(const char*)>("unlink")(path);
 }
 
-ssize_t write(int file, const void* bytes, std::size_t size) {
+ssize_t writev(int file, const iovec* parts, int count) {
   if (kindOf(file) == Kind::output) {
     if (failsNow("write")) return -1;
-    if (fault().action == "short" && size > 1) size = size / 3 + 1;
+    if (fault().action == "short") {
+      const iovec& part = *std::find_if(parts, parts + count - 1,
+                                        [](const iovec& some) { return some.iov_len != 0; });
+      const std::size_t size = part.iov_len > 1 ? part.iov_len / 3 + 1 : part.iov_len;
+      return next<ssize_t (*)(int, const void*, std::size_t)>("write")(file, part.iov_base, size);
+    }
   }
-  return next<ssize_t (*)(int, const void*, std::size_t)>("write")(file, bytes, size);
+  return next<ssize_t (*)(int, const iovec*, int)>("writev")(file, parts, count);
 }
 
 int close(int file) {
