@@ -56,28 +56,6 @@ TEST(AiffReader, RejectsWhatItCannotUse) {
     EXPECT_EQ(errorOf([&] { parseAiff(c.file); }), c.message);
 }
 
-TEST(AiffReader, ReadsTheRate) {
-  const std::pair<const char*, double> cases[] = {
-      {"C0 0E AC 44 00 00 00 00 00 00", 44100},  // the sign does not count
-      {"40 0E AC 44 80 00 00 00 00 00", 44100.5},
-      {"3F FF 80 00 00 00 00 00 00 00", 1},
-      {"40 1E EE 6B 27 FF 80 00 00 00", 3999999999.5},
-      {"40 3E 00 00 00 00 00 00 AC 44", 44100},  // not normalised
-      {"40 0E AC 44 00 00 00 00 00 01", 44100},  // beyond 53 bits
-  };
-  for (const auto& [notation, rate] : cases)
-    EXPECT_EQ(parseAiff(aiff({comm({.rate = notation}), ssnd({})})).sampleRate, rate) << notation;
-}
-
-TEST(AiffReader, KnowsTheByteOrder) {
-  for (const std::string_view compression : {"NONE", "twos", "in24", "in32", "sowt"}) {
-    const AiffInfo info = parseAiff(aiff({comm({.compression = compression}), ssnd({})}, "AIFC"));
-    EXPECT_EQ(info.littleEndian, compression == "sowt") << compression;
-  }
-  EXPECT_FALSE(parseAiff(aiff({comm({.compression = "sowt"}), ssnd({})})).littleEndian)
-      << "in plain AIFF nothing follows the rate";
-}
-
 TEST(AiffReader, FindsTheSoundBehindItsOffset) {
   const ByteBuffer hundred(92);
   const std::size_t body = 12 + 26 + 8;

@@ -29,13 +29,18 @@ TEST(DetectFormat, LooksAtTheFirstFourBytes) {
 
 TEST(AudioFiles, CollectsInTheGivenOrder) {
   const TemporaryFolder folder;
-  for (const char* name :
-       {"in/a.WAV", "in/b.aiff", "in/c.txt", "in/.d.wav", "in/AIFF/x.aif", "in/aiff/y.Aifc",
-        "in/Kit.band/z.wav", "WAV/sub/w.wave", "WAV/AIFF/v.wav", "single.aif", ".hidden.wav",
-        "no extension", ".wav", "name.wav.txt"})
+  for (const char* name : {"in/a.WAV",          "in/b.aiff",         "in/B.wave",
+                           "in/c.txt",          "in/.d.wav",         "in/.e/e.wav",
+                           "in/10.wav",         "in/2.wav",          "in/AIFF/x.aif",
+                           "in/aiff/y.Aifc",    "in/Kit.BAND/z.wav", "in/a.b.vst3/z.wav",
+                           "in/Kit.appx/z.wav", "in/take.01/z.wav",  "in/\xFF/z.wav",
+                           "WAV/sub/w.wave",    "WAV/AIFF/v.wav",    "single.aif",
+                           ".hidden.wav",       "no extension",      ".wav",
+                           "name.wav.txt"})
     folder.write(name, "");
-  fs::create_symlink("single.aif", folder / "in/link.aif");
+  fs::create_symlink("../single.aif", folder / "in/link.aif");
   fs::create_symlink("gone.aif", folder / "in/dangling.aif");
+  fs::create_symlink("..", folder / "in/folder");
   const auto collect = [&](const std::vector<const char*>& names) {
     std::vector<fs::path> urls;
     for (const char* name : names)
@@ -45,7 +50,9 @@ TEST(AudioFiles, CollectsInTheGivenOrder) {
       found += file.lexically_relative(folder.path()).native() + "|";
     return found;
   };
-  EXPECT_EQ(collect({"in"}), "in/a.WAV|in/aiff/y.Aifc|in/b.aiff|in/dangling.aif|in/link.aif|");
+  EXPECT_EQ(collect({"in"}),
+            "in/10.wav|in/2.wav|in/B.wave|in/Kit.appx/z.wav|in/a.WAV|in/aiff/y.Aifc|in/b.aiff|"
+            "in/dangling.aif|in/link.aif|in/take.01/z.wav|in/\xFF/z.wav|");
   EXPECT_EQ(collect({"WAV"}), "WAV/sub/w.wave|") << "a given folder is searched whatever its name";
   EXPECT_EQ(collect({"single.aif", "in/dangling.aif", "missing.wav", "no extension", ".hidden.wav",
                      ".wav", "name.wav.txt", "WAV", "single.aif"}),
@@ -95,8 +102,9 @@ TEST(AudioFiles, NoLinkLeadsTheOutputToTheInput) {
   const auto output = [&](bool overwrite) {
     return makeOutputURL(input, InputFile(input).identity(), false, false, overwrite).filename();
   };
+  fs::create_symlink("song (3).aif", folder / "song (3).aif");
   EXPECT_EQ(output(true), "song (2).aif");
-  EXPECT_EQ(output(false), "song (3).aif") << "a link to nothing takes its name";
+  EXPECT_EQ(output(false), "song (4).aif") << "a link to nothing takes its name";
 }
 
 }  // namespace

@@ -64,12 +64,6 @@ TEST_F(Driver, ShowsAFileStepByStep) {
   EXPECT_EQ(driver.failedFiles(), 0);
 }
 
-TEST_F(Driver, SaysSoWhenThereIsNothingToConvert) {
-  driver.processURLs({folder.write("notes.txt", ""), folder / "missing.wav"});
-  EXPECT_EQ(view.events, Events{"log No WAV or AIFF files found."});
-  EXPECT_EQ(driver.totalFiles(), 0);
-}
-
 TEST_F(Driver, GoesOnAfterABrokenFile) {
   folder.write("2.wav", "RIFF1234WAVE");
   folder.write("3.wav", "something else");
@@ -135,21 +129,6 @@ TEST_F(Driver, InputsThatWantOneNameKeepApartOrReplaceEachOther) {
   EXPECT_EQ(folder.files().size(), 8U);
   EXPECT_EQ(readFile(folder / "x.aif"), readFile(folder / "x (1).aif")) << "the later one stays";
   EXPECT_EQ(readFile(folder / "a.wav"), readFile(folder / "a (1).wav")) << "an input as well";
-}
-
-TEST_F(Driver, StopsAfterTheCurrentBlock) {
-  const ByteBuffer header = wav({fmt({}), bytes("'data' FF FF FF 7F")});
-  const fs::path big = folder.write("big.wav", header);
-  fs::resize_file(big, 2'000'000'000);
-  driver.processURLs({big, writeWav("next.wav")});
-  queue.runUntil([this] { return view.events.size() > 3; });
-  driver.stop();
-  run();
-  EXPECT_EQ(view.log,
-            Events{"✗ big.wav: Stopped – '" + (folder / "big.aif").native() + "' is incomplete."});
-  EXPECT_FALSE(fs::exists(folder / "next.aif"));
-  EXPECT_LT(fs::file_size(folder / "big.aif"), 2'000'000'000U);
-  EXPECT_EQ(driver.finishedFiles(), 0);
 }
 
 }  // namespace

@@ -147,8 +147,9 @@ TEST_F(Program, ALimitOnTheSizeOfFilesFailsTheFile) {
 TEST_F(Program, StopsWithinASecond) {
   in.write("big.wav", wav({fmt({}), bytes("'data' FF FF FF EF")}));
   fs::resize_file(in / "big.wav", 3'900'000'000);
+  writeWav("next.wav");
   for (const int signal : {SIGINT, SIGTERM}) {
-    const pid_t child = start({"--overwrite", "big.wav"});
+    const pid_t child = start({"--overwrite", "big.wav", "next.wav"});
     while (!fs::exists(in / "big.aif") || fs::file_size(in / "big.aif") < 5'000'000)
       std::this_thread::sleep_for(1ms);
     const auto asked = std::chrono::steady_clock::now();

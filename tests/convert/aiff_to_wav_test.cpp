@@ -69,6 +69,9 @@ TEST(AiffToWav, RoundsTheRate) {
   check("40 0D AC 43 00 00 00 00 00 00", 22050, "22049.5");
   check("40 1E EE 6B 27 FF C0 00 00 00", 4'000'000'000, "3999999999.75");
   check("40 0E AC 44 00 20 C4 9C 00 00", 44100, "");  // 0.0005 above
+  check("C0 0E AC 44 00 00 00 00 00 00", 44100, "");  // the sign does not count
+  check("40 3E 00 00 00 00 00 00 AC 44", 44100, "");  // not normalised
+  check("3F FF 80 00 00 00 00 00 00 00", 1, "");
 }
 
 TEST(AiffToWav, MapsLoopsAndMarkers) {

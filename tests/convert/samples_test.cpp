@@ -29,21 +29,11 @@ TEST(SampleData, KeepsEveryValueOfEveryWidth) {
   } cases[] = {
       {"8", {.blockAlign = 1, .bits = 8}, {.frames = 2, .bits = 8}, "00 FF", "80 7F"},
       {"16", {}, {.frames = 3}, "34 12 00 80 FF 7F", "12 34 80 00 7F FF"},
-      {"32",
-       {.blockAlign = 4, .bits = 32},
-       {.frames = 1, .bits = 32},
-       "78 56 34 12",
-       "12 34 56 78"},
       {"20 of 24",
        {.tag = 0xFFFE, .channels = 2, .blockAlign = 6, .bits = 24, .validBits = 20},
        {.channels = 2, .frames = 1, .bits = 20},
        "5F 34 12 01 02 03",
        "12 34 5F 03 02 01"},
-      {"5 of 8",
-       {.tag = 0xFFFE, .blockAlign = 1, .bits = 8, .validBits = 5},
-       {.frames = 2, .bits = 5},
-       "F8 08",
-       "78 88"},
       {"24 of 32", narrow, {.frames = 1, .bits = 24}, "FF 56 34 12", "12 34 56", false},
       {"8 of 16 stay signed",
        {.tag = 0xFFFE, .validBits = 8},
@@ -65,14 +55,16 @@ TEST(SampleData, KeepsEveryValueOfEveryWidth) {
   }
 }
 
-TEST(SampleData, LittleEndianAiffCIsCopied) {
-  const auto convertSowt = [](int bits, const char* samples) {
-    const Common common{.frames = 2, .bits = bits, .compression = "sowt"};
-    return samplesOf(convert(aiff({comm(common), ssnd(bytes(samples))}, "AIFC")).file,
-                     bytes(samples).size());
+TEST(SampleData, TheCompressionTypeTellsTheByteOrder) {
+  const auto converted = [](int bits, std::string_view type, std::string_view form = "AIFC") {
+    const Common common{.frames = 1, .bits = bits, .compression = type};
+    return samplesOf(convert(aiff({comm(common), ssnd({1, 2})}, form)).file, 2);
   };
-  EXPECT_EQ(convertSowt(16, "34 12 78 56"), bytes("34 12 78 56"));
-  EXPECT_EQ(convertSowt(8, "00 7F"), bytes("80 FF"));
+  for (const char* type : {"NONE", "twos", "in24", "in32"})
+    EXPECT_EQ(converted(16, type), (ByteBuffer{2, 1})) << type;
+  EXPECT_EQ(converted(16, "sowt"), (ByteBuffer{1, 2}));
+  EXPECT_EQ(converted(16, "sowt", "AIFF"), (ByteBuffer{2, 1})) << "nothing follows the rate";
+  EXPECT_EQ(converted(8, "sowt"), (ByteBuffer{0x81, 0})) << "a byte and its padding";
 }
 
 /// The rule in its plainest form.
@@ -107,7 +99,8 @@ TEST(SampleData, BlocksLeaveNoSeam) {
     const Format format{.channels = 3, .blockAlign = frameSize, .bits = bits};
     const Converted toAiff = convert(wav({fmt(format), data(little)}));
     EXPECT_TRUE(samplesOf(toAiff.file, big.size()) == big);
-    EXPECT_EQ(toAiff.progress.size(), 3U);
+    const double firstBlock = 1'048'576 / frameSize;
+    EXPECT_EQ(toAiff.progress, (std::vector{firstBlock / frames, 2 * firstBlock / frames, 1.0}));
     const Common common{.channels = 3, .frames = frames, .bits = bits};
     const Converted toWav = convert(aiff({comm(common), ssnd(big)}));
     EXPECT_TRUE(samplesOf(toWav.file, little.size()) == little);

@@ -9,57 +9,15 @@
 
 namespace {
 
-namespace fs = std::filesystem;
 using namespace corvana;
 using namespace corvana::test;
 
-void write(const fs::path& folder, const ByteBuffer& content) {
+void write(const std::filesystem::path& folder, const ByteBuffer& content) {
   static int number = 0;
-  fs::create_directories(folder);
-  std::ofstream file(folder / std::to_string(++number), std::ios::binary);
-  file.write(reinterpret_cast<const char*>(content.data()),
+  std::filesystem::create_directories(folder);
+  std::ofstream(folder / std::to_string(++number), std::ios::binary)
+      .write(reinterpret_cast<const char*>(content.data()),
              static_cast<std::streamsize>(content.size()));
-}
-
-void writeWavSeeds(const fs::path& folder) {
-  const ByteBuffer samples(48, 0x5A);
-  const std::vector<SampleLoop> loops = {{.type = loop_type::forward, .start = 0, .end = 3},
-                                         {.type = loop_type::alternating, .start = 1, .end = 2},
-                                         {.type = loop_type::backward, .start = 2, .end = 9},
-                                         {.type = 7, .start = 1, .end = 1, .playCount = 3}};
-  const ByteBuffer instrument = inst(InstrumentChunk{60, 12, -6, 0, 127, 1, 127});
-  for (std::uint16_t width = 1; width <= 4; ++width) {
-    const auto bits = static_cast<std::uint16_t>(8 * width);
-    const Format mono{.blockAlign = width, .bits = bits};
-    const Format extensible{.tag = format_tag::extensible,
-                            .channels = 2,
-                            .rate = 48000,
-                            .blockAlign = static_cast<std::uint16_t>(2 * width),
-                            .bits = bits,
-                            .validBits = static_cast<std::uint16_t>(bits - 3)};
-    write(folder, wav({fmt(mono), test::data(samples)}));
-    write(folder, wav({fmt(extensible), cue({{1, 0}, {2, 1}, {3, 6}}), smpl(60, 0x83D70A3D, loops),
-                       instrument, test::data(samples)}));
-  }
-  write(folder, wav({fmt({}), test::data({}), smpl(127, 0xFFFFFFFF)}));
-  write(folder, wav({fmt({.tag = format_tag::floatingPoint}), test::data(samples)}));
-}
-
-void writeAiffSeeds(const fs::path& folder) {
-  const ByteBuffer samples(48, 0x5A);
-  const std::vector<AiffMarker> markers = {
-      {1, 0, "start"}, {2, 4, "end"}, {3, 2, ""}, {-1, 9, "x"}};
-  AiffInstrument instrument{60, 10, 0, 127, 1, 127, 200, {1, 1, 2}, {2, 1, 3}};
-  for (const std::string_view compression : {"", "NONE", "twos", "in24", "in32", "sowt", "fl32"}) {
-    const Common common{.channels = compression.empty() ? 1 : 2,
-                        .frames = 6,
-                        .bits = compression == "in24" ? 20 : 16,
-                        .compression = compression};
-    write(folder, aiff({comm(common), mark(markers), inst(instrument), ssnd(samples, 2)},
-                       compression.empty() ? "AIFF" : "AIFC"));
-  }
-  for (const int bits : {1, 8, 12, 24, 32})
-    write(folder, aiff({ssnd(samples), comm({.frames = 5, .bits = bits}), mark(markers)}));
 }
 
 }  // namespace
@@ -69,7 +27,30 @@ int main(int count, char** arguments) {
     std::fprintf(stderr, "usage: make_seeds DIR\n");
     return 2;
   }
-  writeWavSeeds(fs::path(arguments[1]) / "wav");
-  writeAiffSeeds(fs::path(arguments[1]) / "aiff");
+  const std::filesystem::path folder = arguments[1];
+  const ByteBuffer samples(48, 0x5A);
+
+  const ByteBuffer sampler =
+      smpl(60, 0x83D70A3D, {{0, 0, 0, 3, 0}, {0, 1, 1, 2, 0}, {0, 2, 2, 9, 0}, {0, 7, 1, 1, 3}});
+  const ByteBuffer keys = inst(InstrumentChunk{60, 12, -6, 0, 127, 1, 127});
+  for (std::uint16_t width = 1; width <= 4; ++width) {
+    const auto bits = static_cast<std::uint16_t>(8 * width);
+    const auto stereo = static_cast<std::uint16_t>(2 * width);
+    const auto valid = static_cast<std::uint16_t>(bits - 3);
+    write(folder / "wav", wav({fmt({1, 1, 44100, width, bits}), test::data(samples)}));
+    write(folder / "wav", wav({fmt({0xFFFE, 2, 48000, stereo, bits, valid}), sampler, keys,
+                               cue({{1, 0}, {2, 1}, {3, 6}}), test::data(samples)}));
+  }
+  write(folder / "wav", wav({fmt({}), test::data({}), smpl(127, 0xFFFFFFFF)}));
+  write(folder / "wav", wav({fmt({.tag = format_tag::floatingPoint}), test::data(samples)}));
+
+  const ByteBuffer markers = mark({{1, 0, "start"}, {2, 4, "end"}, {3, 2, ""}, {-1, 9, "x"}});
+  const ByteBuffer loops = inst(AiffInstrument{60, 10, 0, 127, 1, 127, 200, {1, 1, 2}, {2, 1, 3}});
+  for (const int bits : {1, 8, 12, 24, 32})
+    write(folder / "aiff", aiff({ssnd(samples), comm({1, 5, bits}), markers, loops}));
+  for (const char* type : {"NONE", "twos", "in24", "in32", "sowt", "fl32"}) {
+    const Common common{.channels = 2, .frames = 6, .bits = 20, .compression = type};
+    write(folder / "aiff", aiff({comm(common), markers, loops, ssnd(samples, 2)}, "AIFC"));
+  }
   return 0;
 }

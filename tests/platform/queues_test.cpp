@@ -9,23 +9,6 @@
 namespace corvana {
 namespace {
 
-TEST(SerialQueue, RunsTasksInOrderOnOneOtherThread) {
-  std::vector<int> order;
-  std::promise<std::thread::id> last;
-  std::thread::id first;
-  SerialQueue queue("test");
-  for (int i = 0; i < 100; ++i)
-    queue.async([&order, &first, i] {
-      if (i == 0) first = std::this_thread::get_id();
-      order.push_back(i);
-    });
-  queue.async([&last] { last.set_value(std::this_thread::get_id()); });
-  EXPECT_EQ(last.get_future().get(), first);
-  EXPECT_NE(first, std::this_thread::get_id());
-  ASSERT_EQ(order.size(), 100U);
-  EXPECT_TRUE(std::is_sorted(order.begin(), order.end()));
-}
-
 TEST(SerialQueue, EndsAfterTheRunningTaskAndDropsTheRest) {
   std::promise<void> running;
   std::promise<void> mayEnd;

@@ -5,7 +5,6 @@
 #include "support/temporary_folder.hpp"
 #include "vocabulary/errors.hpp"
 #include "vocabulary/output_file.hpp"
-#include "vocabulary/sample_blocks.hpp"
 #include "vocabulary/summary.hpp"
 
 namespace corvana {
@@ -50,37 +49,6 @@ TEST(OutputFile, NeverRemovesTheInputAFolderOrASpecialFile) {
     EXPECT_TRUE(fs::exists(folder / name)) << name;
   }
   EXPECT_THROW(create(input / "sub/out.wav", true), FileError) << "no folder can be made";
-}
-
-TEST(SampleBlocks, HoldAtMostOneMebibyteOfSourceButAtLeastOneFrame) {
-  const struct {
-    const char* name;
-    SampleLayout layout;
-    std::vector<std::size_t> blocks;  ///< output bytes
-    std::vector<double> progress;
-  } cases[] = {
-      {"no frames", {0, 4, 4}, {}, {}},
-      {"exactly one block", {262144, 4, 3}, {786432}, {1}},
-      {"one frame more", {262145, 4, 4}, {1048576, 4}, {262144 / 262145.0, 1}},
-      {"no whole frames in a block", {116509, 9, 9}, {1048572, 9}, {116508 / 116509.0, 1}},
-      {"frames above a block", {2, 2'000'000, 1'500'000}, {1'500'000, 1'500'000}, {0.5, 1}},
-  };
-  const TemporaryFolder folder;
-  for (const auto& c : cases) {
-    SCOPED_TRACE(c.name);
-    OutputFile file({folder / c.name, false, {}}, {});
-    std::vector<std::size_t> blocks;
-    std::vector<double> progress;
-    std::uint64_t expectedFirst = 0;
-    const auto fill = [&](std::uint64_t firstFrame, std::span<std::uint8_t> block) {
-      EXPECT_EQ(firstFrame, expectedFirst);
-      expectedFirst += block.size() / c.layout.outputFrameSize;
-      blocks.push_back(block.size());
-    };
-    writeSampleBlocks(c.layout, fill, file, [&](double done) { progress.push_back(done); });
-    EXPECT_EQ(blocks, c.blocks);
-    EXPECT_EQ(progress, c.progress);
-  }
 }
 
 TEST(Summary, NamesWhatIsThere) {

@@ -1,8 +1,8 @@
-// Inputs that become shorter while they are read.
-#include <atomic>
+// Inputs that are no files, or become shorter while they are read.
 #include <csignal>
 #include <gtest/gtest.h>
 #include <stdexcept>
+#include <sys/stat.h>
 #include <sys/wait.h>
 #include <thread>
 
@@ -16,6 +16,28 @@ using namespace test;
 
 constexpr std::uintmax_t size = 64 * 1024 + 100;
 const std::string content(size, 'x');
+
+TEST(InputFile, RefusesWhatIsNoRegularFileWithoutWaiting) {
+  const TemporaryFolder folder;
+  fs::create_directory(folder / "folder.wav");
+  ASSERT_EQ(::mkfifo((folder / "pipe.wav").c_str(), 0600), 0);
+  fs::create_symlink("nowhere", folder / "dangling.wav");
+  const std::pair<fs::path, const char*> cases[] = {
+      {folder / "dangling.wav", "No such file or directory"},
+      {folder / "folder.wav", "Is a directory"},
+      {folder / "pipe.wav", "Not a regular file"},
+      {"/dev/zero", "Not a regular file"},
+      {folder / std::string(300, 'x'), "File name too long"},
+  };
+  for (const auto& [path, reason] : cases)
+    try {
+      const InputFile file(path);
+      ADD_FAILURE() << path;
+    } catch (const FileError& error) {
+      EXPECT_EQ(error.what(), "Cannot read '" + path.native() + "': " + reason);
+    }
+  EXPECT_EQ(InputFile(folder.write("empty", "")).read([](auto all) { return all.size(); }), 0U);
+}
 
 unsigned sumOf(std::span<const std::uint8_t> bytes) {
   volatile unsigned sum = 0;  // the bytes are to be read even where nobody wants the sum
@@ -59,29 +81,6 @@ TEST(MappedGuard, GrowingOrRemovedFileStaysReadable) {
   fs::remove(path);
   EXPECT_EQ(file.read(sumOf), 'x' * size);
   EXPECT_THROW(file.read([](auto) { throw std::runtime_error("own"); }), std::runtime_error);
-}
-
-TEST(MappedGuard, ThreadsLoseOnlyTheirOwnFile) {
-  constexpr int rounds = 50;
-  const TemporaryFolder folder;
-  std::atomic<int> lost = 0;
-  std::atomic<int> whole = 0;
-  const auto work = [&](const char* name, bool shrinks) {
-    for (int i = 0; i < rounds; ++i) {
-      const InputFile file(folder.write(name, content));
-      if (shrinks) fs::resize_file(folder / name, 4096);
-      unsigned sum = 0;
-      const std::string message = messageOfReading(file, [&](auto bytes) { sum = sumOf(bytes); });
-      if (message.ends_with("Input/output error")) ++lost;
-      if (message == "no FileError" && sum == 'x' * size) ++whole;
-    }
-  };
-  std::thread threads[] = {std::thread(work, "1", true), std::thread(work, "2", false),
-                           std::thread(work, "3", true), std::thread(work, "4", false)};
-  for (std::thread& thread : threads)
-    thread.join();
-  EXPECT_EQ(lost, 2 * rounds);
-  EXPECT_EQ(whole, 2 * rounds);
 }
 
 /// Ended by this signal, or by a sanitizer that reports it.
