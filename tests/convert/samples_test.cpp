@@ -19,7 +19,6 @@ ByteBuffer samplesOf(const ByteBuffer& file, std::size_t size) {
 }
 
 TEST(SampleData, KeepsEveryValueOfEveryWidth) {
-  const Format narrow{.tag = 0xFFFE, .blockAlign = 4, .bits = 32, .validBits = 24};
   const struct {
     const char* name;
     Format wavFormat;
@@ -27,20 +26,12 @@ TEST(SampleData, KeepsEveryValueOfEveryWidth) {
     const char *wavSamples, *aiffSamples;
     bool bothWays = true;
   } cases[] = {
-      {"8", {.blockAlign = 1, .bits = 8}, {.frames = 2, .bits = 8}, "00 FF", "80 7F"},
-      {"16", {}, {.frames = 3}, "34 12 00 80 FF 7F", "12 34 80 00 7F FF"},
-      {"20 of 24",
-       {.tag = 0xFFFE, .channels = 2, .blockAlign = 6, .bits = 24, .validBits = 20},
-       {.channels = 2, .frames = 1, .bits = 20},
-       "5F 34 12 01 02 03",
-       "12 34 5F 03 02 01"},
-      {"24 of 32", narrow, {.frames = 1, .bits = 24}, "FF 56 34 12", "12 34 56", false},
-      {"8 of 16 stay signed",
-       {.tag = 0xFFFE, .validBits = 8},
-       {.frames = 2, .bits = 8},
-       "FF 7F 00 80",
-       "7F 80",
-       false},
+      {"8", {1, 1, 44100, 1, 8}, {1, 2, 8}, "00 FF", "80 7F"},
+      {"16", {}, {1, 3, 16}, "34 12 00 80 FF 7F", "12 34 80 00 7F FF"},
+      {"20 of 24", {0xFFFE, 2, 44100, 6, 24, 20}, {2, 1, 20}, "5F 34 12 01 02 03", "12345F 030201"},
+      {"5 of 8", {0xFFFE, 1, 44100, 1, 8, 5}, {1, 2, 5}, "F8 08", "78 88"},
+      {"24 of 32", {0xFFFE, 1, 44100, 4, 32, 24}, {1, 1, 24}, "FF 56 34 12", "12 34 56", false},
+      {"8 of 16 stay signed", {0xFFFE, 1, 44100, 2, 16, 8}, {1, 2, 8}, "FF7F 0080", "7F 80", false},
   };
   for (const auto& c : cases) {
     SCOPED_TRACE(c.name);
