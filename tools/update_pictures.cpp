@@ -1,8 +1,5 @@
 // update_pictures OUT [ICON]: pictures of the update window's four states in the language of the
-// environment, as OUT/update-STATE-LANGUAGE.png. Those in docs/pictures/ come from the build
-// folder, with
-//   LC_ALL=C.UTF-8 LANGUAGE=en tools/update_pictures ../docs/pictures packaging/icons/256.png
-// and the same with LANGUAGE=de.
+// environment, as OUT/update-STATE-LANGUAGE.png (scripts/make-pictures).
 
 #include <QApplication>
 #include <QDir>
