@@ -22,17 +22,10 @@ inline bool enter(DropView& view, const QMimeData& data,
   return event.isAccepted();
 }
 
-inline void leave(DropView& view) {
-  QDragLeaveEvent event;
-  QApplication::sendEvent(&view, &event);
-}
-
 /// Whether the view takes the drop.
 inline bool drop(DropView& view, const QMimeData& data) {
-  QDropEvent event(view.rect().center(), Qt::CopyAction | Qt::MoveAction, &data, Qt::LeftButton,
-                   Qt::NoModifier);
+  QDropEvent event(view.rect().center(), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
   QApplication::sendEvent(&view, &event);
-  EXPECT_TRUE(!event.isAccepted() || event.dropAction() == Qt::CopyAction);
   return event.isAccepted();
 }
 

@@ -29,14 +29,15 @@ class Start : public testing::Test {
     return true;
   }
 
-  void start(QProcess& program, const QStringList& arguments) {
+  void start(QProcess& program, const QStringList& arguments,
+             const QString& executable = CORVANA_PROGRAM) {
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
     environment.insert("DBUS_SESSION_BUS_ADDRESS", busAddress);
     environment.insert("XDG_CONFIG_HOME", (folder / "config").c_str());
     environment.insert("LANGUAGE", "en");
     program.setProcessEnvironment(environment);
     program.setWorkingDirectory(folder.path().c_str());
-    program.start(CORVANA_PROGRAM, arguments);
+    program.start(executable, arguments);
     ASSERT_TRUE(program.waitForStarted(patience));
   }
 
@@ -45,8 +46,9 @@ class Start : public testing::Test {
     program.waitForFinished(patience);
   }
 
-  fs::path writeWav(const fs::path& name) {
-    return folder.write(name, wav({fmt({}), data(ByteBuffer(8))}));
+  void writeWavs(std::initializer_list<const char*> names) {
+    for (const char* name : names)
+      folder.write(name, wav({fmt({}), data(ByteBuffer(8))}));
   }
 
   void waitForFile(const fs::path& name) {
@@ -60,16 +62,14 @@ class Start : public testing::Test {
 
 TEST_F(Start, LaterStartsHandTheirFilesToTheFirst) {
   if (!startBus()) GTEST_SKIP() << "no dbus-daemon here";
-  writeWav("1.wav");
-  writeWav("2.wav");
-  const fs::path third = writeWav("Flöte #3 100%.wav");
+  writeWavs({"1.wav", "2.wav", "Flöte #3 100%.wav", "4.wav"});
   QProcess first;
   start(first, {"1.wav"});
   waitForFile("1.aif");
 
   for (const auto& [arguments, output] :
        {std::pair(QStringList{"--", "2.wav"}, "2.aif"),
-        std::pair(QStringList{urlTextOfPath(third)}, "Flöte #3 100%.aif"),
+        std::pair(QStringList{urlTextOfPath(folder / "Flöte #3 100%.wav")}, "Flöte #3 100%.aif"),
         std::pair(QStringList{}, "1.aif")}) {
     QProcess later;
     start(later, arguments);
@@ -81,7 +81,6 @@ TEST_F(Start, LaterStartsHandTheirFilesToTheFirst) {
   end(first);
 
   // The name is free again.
-  writeWav("4.wav");
   QProcess next;
   start(next, {"4.wav"});
   waitForFile("4.aif");
@@ -90,8 +89,7 @@ TEST_F(Start, LaterStartsHandTheirFilesToTheFirst) {
 }
 
 TEST_F(Start, EveryStartHasAWindowWithoutASessionBus) {
-  writeWav("1.wav");
-  writeWav("2.wav");
+  writeWavs({"1.wav", "2.wav"});
   QProcess first;
   QProcess second;
   start(first, {"1.wav"});
@@ -105,13 +103,9 @@ TEST_F(Start, EveryStartHasAWindowWithoutASessionBus) {
 }
 
 TEST_F(Start, ConvertsNamesThatAreNotUtf8) {
-  writeWav("Fl\xF6te.wav");
+  writeWavs({"Fl\xF6te.wav"});
   QProcess shell;
-  QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-  environment.insert("XDG_CONFIG_HOME", (folder / "config").c_str());
-  shell.setProcessEnvironment(environment);
-  shell.setWorkingDirectory(folder.path().c_str());
-  shell.start("sh", {"-c", "exec \"$0\" Fl*.wav", CORVANA_PROGRAM});
+  start(shell, {"-c", "exec \"$0\" Fl*.wav", CORVANA_PROGRAM}, "sh");
   waitForFile("Fl\xF6te.aif");
   end(shell);
 }

@@ -4,44 +4,43 @@
 #include <QProcess>
 #include <QSslKey>
 #include <QSslSocket>
+#include <QTemporaryDir>
 #include <gtest/gtest.h>
 #include <utility>
 
+#include "platform/unicode.hpp"
+#include "update/simple_encrypt_text.hpp"
+
 namespace corvana::test {
 
-CertificateAuthority::CertificateAuthority() {
-  openssl({"-subj", "/CN=Authority of a test", "-keyout", file("ca.key"), "-out", file("ca.pem")});
-}
-
-void CertificateAuthority::trustIt() const {
-  QSslConfiguration configuration = QSslConfiguration::defaultConfiguration();
-  configuration.setCaCertificates(QSslCertificate::fromPath(file("ca.pem")));
-  QSslConfiguration::setDefaultConfiguration(configuration);
-}
-
-QSslConfiguration CertificateAuthority::issue(const QString& name) {
-  openssl({"-subj", "/CN=Server of a test", "-addext", "subjectAltName=" + name, "-CA",
-           file("ca.pem"), "-CAkey", file("ca.key"), "-keyout", file("server.key"), "-out",
-           file("server.pem")});
-  QFile key(file("server.key"));
+QSslConfiguration certificate(const QString& name, bool isTrusted) {
+  static const QTemporaryDir folder;
+  const auto openssl = [](const QString& arguments) {
+    QProcess process;
+    process.setWorkingDirectory(folder.path());
+    process.startCommand(
+        "openssl req -x509 -newkey ec -pkeyopt ec_paramgen_curve:prime256v1 -nodes -days 2 " +
+        arguments);
+    EXPECT_TRUE(process.waitForFinished() && process.exitCode() == 0)
+        << "the openssl program is needed: " << process.readAllStandardError().toStdString();
+  };
+  if (!QFile::exists(folder.filePath("ca.pem"))) {
+    openssl("-subj /CN=Authority -keyout ca.key -out ca.pem");
+    QSslConfiguration client = QSslConfiguration::defaultConfiguration();
+    client.setCaCertificates(QSslCertificate::fromPath(folder.filePath("ca.pem")));
+    QSslConfiguration::setDefaultConfiguration(client);
+  }
+  openssl("-subj /CN=Server -keyout server.key -out server.pem -addext subjectAltName=" + name +
+          (isTrusted ? " -CA ca.pem -CAkey ca.key" : ""));
+  QFile key(folder.filePath("server.key"));
   EXPECT_TRUE(key.open(QFile::ReadOnly));
-  QSslConfiguration configuration;
-  configuration.setLocalCertificateChain(QSslCertificate::fromPath(file("server.pem")));
-  configuration.setPrivateKey(QSslKey(&key, QSsl::Ec));
-  return configuration;
+  QSslConfiguration server;
+  server.setLocalCertificateChain(QSslCertificate::fromPath(folder.filePath("server.pem")));
+  server.setPrivateKey(QSslKey(&key, QSsl::Ec));
+  return server;
 }
 
-void CertificateAuthority::openssl(const QStringList& arguments) const {
-  QProcess process;
-  process.start("openssl", QStringList{"req", "-x509", "-newkey", "ec", "-pkeyopt",
-                                       "ec_paramgen_curve:prime256v1", "-nodes", "-days", "2"} +
-                               arguments);
-  EXPECT_TRUE(process.waitForFinished() && process.exitCode() == 0)
-      << "the openssl program is needed (Debian: apt-get install openssl): "
-      << process.readAllStandardError().toStdString();
-}
-
-HttpsServer::HttpsServer(const QSslConfiguration& configuration, Answer answer)
+HttpsServer::HttpsServer(Answer answer, const QSslConfiguration& configuration)
     : answer_(std::move(answer)) {
   setSslConfiguration(configuration);
   connect(this, &QTcpServer::pendingConnectionAvailable, this, &HttpsServer::accept);
@@ -53,17 +52,17 @@ HttpsServer::~HttpsServer() {
     socket->disconnect();
 }
 
-QString HttpsServer::address(const QString& path) const {
-  return QStringLiteral("https://127.0.0.1:%1%2").arg(serverPort()).arg(path);
+QString HttpsServer::address() const {
+  return QStringLiteral("https://127.0.0.1:%1/resources/downloadversion.txt").arg(serverPort());
 }
 
 void HttpsServer::accept() {
   QTcpSocket* socket = nextPendingConnection();
-  connect(socket, &QTcpSocket::disconnected, this, [this] { ++hungUp_; });
+  connect(socket, &QTcpSocket::disconnected, this, [this] { ++hungUp; });
   connect(socket, &QTcpSocket::readyRead, this, [this, socket, head = QByteArray()]() mutable {
     head += socket->readAll();
     if (!head.endsWith("\r\n\r\n")) return;
-    requests_ += head;
+    requests += head;
     const QByteArray answer = answer_(head.split(' ').value(1));
     if (answer.isEmpty()) return;
     socket->write(answer);
@@ -74,6 +73,10 @@ void HttpsServer::accept() {
 QByteArray httpAnswer(const QByteArray& body, const QByteArray& status, const QByteArray& headers) {
   return "HTTP/1.1 " + status + "\r\nContent-Length: " + QByteArray::number(body.size()) + "\r\n" +
          headers + "\r\n" + body;
+}
+
+QByteArray scrambled(std::u16string_view plain) {
+  return QByteArray::fromStdString(utf8FromUtf16(simpleEncryptText(plain, true)));
 }
 
 }  // namespace corvana::test

@@ -1,10 +1,8 @@
 // Runs the maker's tool as a release script does.
 
-#include <array>
 #include <cstdio>
 #include <gtest/gtest.h>
 #include <string>
-#include <string_view>
 #include <sys/wait.h>
 
 #include "support/temporary_folder.hpp"
@@ -18,23 +16,19 @@ struct Outcome {
 
 class VersionfileTool : public testing::Test {
  protected:
-  void write(const char* name, std::string_view text) const { folder_.write(name, text); }
-
   /// Runs a shell line in the test's folder; "TOOL" stands for the program.
   Outcome run(std::string line) const {
     line.replace(line.find("TOOL"), 4, "LC_ALL=C '" CORVANA_VERSIONFILE "'");
-    line = "cd '" + folder_.path().native() + "' && " + line + " 2>&1";
+    line = "cd '" + folder.path().native() + "' && " + line + " 2>&1";
     Outcome outcome;
     FILE* pipe = ::popen(line.c_str(), "r");
-    std::array<char, 4096> block{};
-    while (const std::size_t count = std::fread(block.data(), 1, block.size(), pipe))
-      outcome.output.append(block.data(), count);
+    for (int byte = std::fgetc(pipe); byte != EOF; byte = std::fgetc(pipe))
+      outcome.output += static_cast<char>(byte);
     outcome.status = WEXITSTATUS(::pclose(pipe));
     return outcome;
   }
 
- private:
-  const corvana::test::TemporaryFolder folder_;
+  const corvana::test::TemporaryFolder folder;
 };
 
 constexpr const char* plain =
@@ -42,7 +36,7 @@ constexpr const char* plain =
     "$URLMAC$ https://www.corvana.example/d\n$URLINFO$ https://www.corvana.example/\n$\n";
 
 TEST_F(VersionfileTool, ScramblesUnscramblesAndChecks) {
-  write("plain.txt", plain);
+  folder.write("plain.txt", plain);
   ASSERT_EQ(run("TOOL scramble plain.txt > server.txt").status, 0);
   const Outcome back = run("TOOL unscramble server.txt");
   EXPECT_EQ(back.status, 0);
@@ -58,10 +52,8 @@ TEST_F(VersionfileTool, ScramblesUnscramblesAndChecks) {
                 "\nFaster.\n\n\n\nProduct Website: https://www.corvana.example/\n"
                 "Download URL: https://www.corvana.example/d\n\n");
 
-  const Outcome same = run("TOOL check server.txt --installed 1.2");
-  EXPECT_EQ(same.status, 0);
-  EXPECT_NE(same.output.find("You are using the latest version 1.2.\n"), std::string::npos);
-
+  EXPECT_NE(run("TOOL check server.txt --installed 1.2").output.find("latest version 1.2.\n"),
+            std::string::npos);
   const Outcome other = run("TOOL check server.txt --app Vantor --installed 1.2");
   EXPECT_EQ(other.status, 1);
   EXPECT_NE(other.output.find("has no record of \"Vantor\""), std::string::npos);
@@ -78,7 +70,7 @@ TEST_F(VersionfileTool, NamesThePlaceOfWhatWouldNotSurvive) {
       {"a\n\nthe corvana-cli\n", "p:3:5: \"corvana-cli\" would come out as \"Corvana-cli\""},
   };
   for (const auto& c : cases) {
-    write("p", c.text);
+    folder.write("p", c.text);
     const Outcome outcome = run("TOOL scramble p");
     EXPECT_EQ(outcome.status, 1);
     EXPECT_NE(outcome.output.find(c.message), std::string::npos) << outcome.output;
@@ -86,19 +78,21 @@ TEST_F(VersionfileTool, NamesThePlaceOfWhatWouldNotSurvive) {
 }
 
 TEST_F(VersionfileTool, ExitStatusTellsFaultsFromWrongUsage) {
-  write("binary", "\xEF\xBF\xBD");
-  write("empty", "");
-  EXPECT_EQ(run("TOOL unscramble binary").status, 1);
-  EXPECT_EQ(run("TOOL unscramble empty").status, 0);
-  EXPECT_EQ(run("TOOL check empty --installed 1").status, 1);
-  EXPECT_EQ(run("TOOL scramble missing").status, 1);
-  EXPECT_EQ(run("TOOL scramble .").status, 1);
-  EXPECT_EQ(run("TOOL scramble empty > /dev/full").status, 0);
-  write("plain", plain);
-  EXPECT_EQ(run("TOOL scramble plain > /dev/full").status, 1);
-  EXPECT_EQ(run("TOOL check plain --installed beta").status, 2);
-  EXPECT_EQ(run("TOOL").status, 2);
-  EXPECT_EQ(run("TOOL --help").status, 0);
+  folder.write("binary", "\xEF\xBF\xBD");
+  folder.write("empty", "");
+  folder.write("plain", plain);
+  for (const auto& [line, status] :
+       std::initializer_list<std::pair<const char*, int>>{{"TOOL unscramble binary", 1},
+                                                          {"TOOL unscramble empty", 0},
+                                                          {"TOOL check empty --installed 1", 1},
+                                                          {"TOOL scramble missing", 1},
+                                                          {"TOOL scramble .", 1},
+                                                          {"TOOL scramble empty > /dev/full", 0},
+                                                          {"TOOL scramble plain > /dev/full", 1},
+                                                          {"TOOL check plain --installed beta", 2},
+                                                          {"TOOL", 2},
+                                                          {"TOOL --help", 0}})
+    EXPECT_EQ(run(line).status, status) << line;
 }
 
 }  // namespace
