@@ -135,9 +135,9 @@ CORVANA_BYTE_SHUFFLES inline void convertGroup(const Byte* __restrict source,
          inversion<sourceWidth>)...);
 }
 
-/// Reverses three whole vectors at a time, so that no load or store overlaps another. Vectors of
+/// Converts three whole vectors at a time, so that no load or store overlaps another. Vectors of
 /// 5 samples of 24 bits, each stored over the 16th byte of the one before, need fewer shuffles
-/// but are a quarter slower: such stores straddle the lines of the cache.
+/// but are an eighth slower: such stores straddle the lines of the cache.
 template <std::size_t sourceWidth, std::size_t outputWidth>
 CORVANA_BYTE_SHUFFLES void convertByShuffles(const Byte* __restrict source, Byte* __restrict output,
                                              std::size_t samples) {
