@@ -21,7 +21,7 @@ bool hasAudioExtension(std::string_view path);
 
 /// Expands files and folders, in the given order; folders are searched in depth. What does not
 /// exist or has another extension is left out without a message. The results are paths, as
-/// plain texts: making path objects of a large library takes longer than finding it.
+/// plain texts: making path objects of a large library takes nearly as long as finding it.
 std::vector<std::string> collectAudioFiles(const std::vector<std::filesystem::path>& urls);
 
 /// Where the output of `input` goes: beside it or in the subfolder "WAV" or "AIFF", under the
