@@ -111,25 +111,12 @@ TEST(ParseVersionFile, NotesListEveryNewerRecordInFileOrder) {
 
 TEST(ValueForKey, Table) {
   // Any one character separates, and it is never part of the value, which has to be closed.
-  const struct {
-    std::u16string_view record;
-    std::u16string_view value;
-  } cases[] = {
-      {u"$K$ v$", u"v"},
-      {u"$K$xv$", u"v"},
-      {u"$K$v$", u""},
-      {u"$K$", u""},
-      {u"$K$ ", u""},
-      {u"$K$ v", u""},
-      {u"k v", u""},
-      {u"$k$ v$$K$ w$", u"v"},
-      {u"$K$$K$ w$", u""},
-      {u"$K$\n \u00A0v\r\nw#+# #+\n#x \n$", u"vw\n \nx"},
-      {u"x$K$ a#b+c$", u"a#b+c"},
-  };
-  for (const auto& c : cases)
-    EXPECT_EQ(utf8FromUtf16(valueForKey(u"$K$", c.record)), utf8FromUtf16(c.value))
-        << utf8FromUtf16(c.record);
+  for (const std::u16string_view record :
+       {u"$K$v$", u"$K$", u"$K$ ", u"$K$ v", u"k v", u"$K$$K$ w$"})
+    EXPECT_EQ(valueForKey(u"$K$", record), u"") << utf8FromUtf16(record);
+  for (const std::u16string_view record : {u"$K$ v$", u"$K$xv$", u"$k$ v$$K$ w$"})
+    EXPECT_EQ(valueForKey(u"$K$", record), u"v") << utf8FromUtf16(record);
+  EXPECT_EQ(valueForKey(u"$K$", u"x$K$\n \u00A0v#b\r\nw#+# #+\n#x \n$"), u"v#bw\n \nx");
 }
 
 }  // namespace
