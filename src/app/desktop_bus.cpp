@@ -1,6 +1,7 @@
 #include "app/desktop_bus.hpp"
 
 #include <QDBusConnection>
+#include <QDBusConnectionInterface>
 #include <QDBusMessage>
 #include <QUrl>
 
@@ -26,9 +27,10 @@ bool handOver(const QDBusConnection& bus, const std::vector<std::filesystem::pat
   }
   request << QVariantMap();
   const QDBusMessage reply = bus.call(request);
-  // Busy for very long, but it has the request.
-  return reply.type() == QDBusMessage::ReplyMessage ||
-         reply.errorName() == QLatin1String("org.freedesktop.DBus.Error.NoReply");
+  if (reply.type() == QDBusMessage::ReplyMessage) return true;
+  // No reply: either it is busy for very long, but has the request, or it ended over it.
+  return reply.errorName() == QLatin1String("org.freedesktop.DBus.Error.NoReply") &&
+         bus.interface()->isServiceRegistered(desktopId);
 }
 
 }  // namespace

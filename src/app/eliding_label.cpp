@@ -19,9 +19,9 @@ QSize ElidingLabel::minimumSizeHint() const {
 bool ElidingLabel::event(QEvent* event) {
   if (event->type() != QEvent::ToolTip) return QLabel::event(event);
   const bool isWhole = visibleText() == text();
-  // As rich text a file name could be markup.
-  QToolTip::showText(static_cast<QHelpEvent*>(event)->globalPos(),
-                     isWhole ? QString() : text().toHtmlEscaped(), this);
+  // Marked as rich text, so that it is escaped text in any case: a file name could be markup.
+  const QString tip = QStringLiteral("<qt>%1</qt>").arg(text().toHtmlEscaped());
+  QToolTip::showText(static_cast<QHelpEvent*>(event)->globalPos(), isWhole ? QString() : tip, this);
   return true;
 }
 

@@ -26,8 +26,10 @@ void appendNotes(std::u16string& notes, std::u16string_view applicationName,
   notes.append(info.empty() ? notesWhenEmpty : info).append(u"\n\n");
 }
 
+/// `newestNumber` is that of the newest version so far, 0 before there is one.
 void readRecord(std::u16string_view record, std::u16string_view applicationName,
-                std::int64_t installedNumber, VantorErgebnis& ergebnis) {
+                std::int64_t installedNumber, std::int64_t& newestNumber,
+                VantorErgebnis& ergebnis) {
   ergebnis.warDasEineGueltigeDatei = true;
   const std::u16string version = valueForKey(versionKey, record);
   const std::int64_t number = versionNumber(version);
@@ -37,7 +39,8 @@ void readRecord(std::u16string_view record, std::u16string_view applicationName,
     return;
   }
   appendNotes(ergebnis.newReleaseNotes, applicationName, version, valueForKey(notesKey, record));
-  if (versionNumber(ergebnis.newAppVersion) < number) {
+  if (newestNumber < number) {
+    newestNumber = number;
     ergebnis.newAppVersion = version;
     ergebnis.newDownloadURL = valueForKey(downloadKey, record);
     ergebnis.newWebsiteForProgram = website;
@@ -47,11 +50,12 @@ void readRecord(std::u16string_view record, std::u16string_view applicationName,
 /// The text in front of the first marker counts as a record too.
 void readRecords(std::u16string_view text, std::u16string_view applicationName,
                  std::int64_t installedNumber, VantorErgebnis& ergebnis) {
+  std::int64_t newestNumber = 0;
   while (true) {
     const std::size_t end = text.find(recordMarker);
     const std::u16string_view record = text.substr(0, end);
     if (beginsWith(record, applicationName))
-      readRecord(record, applicationName, installedNumber, ergebnis);
+      readRecord(record, applicationName, installedNumber, newestNumber, ergebnis);
     if (end == std::u16string_view::npos) return;
     text.remove_prefix(end + recordMarker.size());
   }
