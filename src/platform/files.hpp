@@ -63,7 +63,6 @@ class InputFile {
   InputFile& operator=(InputFile&&) = delete;
   ~InputFile();
 
-  const std::filesystem::path& path() const { return path_; }
   /// Hands the complete content (empty for an empty file) to `reader`, on the calling thread,
   /// and gives back what it returns. Other programs may cut the file short at any moment: where
   /// it has become shorter since it was opened, or its medium failed, a FileError takes the place
