@@ -4,12 +4,16 @@
 
 cmake_minimum_required(VERSION 3.25)
 
-set(platform_uses platform)
-set(vocabulary_uses vocabulary platform)
-set(wav_uses wav vocabulary platform)
-set(aiff_uses aiff vocabulary platform)
-set(convert_uses convert wav aiff vocabulary platform)
-set(batch_uses batch convert vocabulary platform)
+# The pure library: standard C++ only.
+set(vocabulary_uses vocabulary)
+set(wav_uses wav vocabulary)
+set(aiff_uses aiff vocabulary)
+set(convert_uses convert wav aiff vocabulary)
+# The engine.
+set(platform_uses platform vocabulary)
+set(output_uses output convert platform vocabulary)
+set(batch_uses batch output convert platform vocabulary)
+# What stands on it.
 set(update_uses update vocabulary platform)
 set(cli_uses cli batch vocabulary platform)
 set(app_uses app update batch vocabulary platform)

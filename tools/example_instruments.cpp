@@ -13,7 +13,7 @@
 #include "aiff/aiff_writer.hpp"
 #include "aiff/big_endian.hpp"
 #include "aiff/extended80.hpp"
-#include "vocabulary/output_file.hpp"
+#include "output/output_file.hpp"
 #include "wav/wav_writer.hpp"
 
 namespace {
@@ -90,13 +90,9 @@ double sampleAt(const Note& note, std::uint32_t frame, unsigned channel) {
   return std::clamp(sum * envelope(note, frame), -1.0, 1.0);
 }
 
-std::uint32_t bytesPerSample(const Note& note) {
-  return (note.bits + 7U) / 8;
-}
-
 /// Left-justified signed samples, whole frames.
 ByteBuffer render(const Note& note, ByteOrder order) {
-  const std::uint32_t width = bytesPerSample(note);
+  const std::uint32_t width = bytesFor(note.bits);
   const double fullScale = std::ldexp(1.0, note.bits - 1) - 1;
   ByteBuffer samples;
   for (std::uint32_t frame = 0; frame < note.frameCount(); ++frame) {
@@ -138,12 +134,16 @@ SampleLoop alternatingReleaseLoop(const Note& note) {
   return loop;
 }
 
-OutputTarget outputAt(const fs::path& path) {
-  return {.url = path, .replaceExisting = true, .input = {}};
+void writeFile(const fs::path& path, const SurroundingBytes& surrounding, ByteView samples) {
+  OutputFile file({.url = path, .replaceExisting = true, .input = {}});
+  file.append(surrounding.header);
+  file.append(samples);
+  file.append(surrounding.trailer);
+  file.close();
 }
 
-void writeWav(const fs::path& path, const Note& note, const Zone& zone,
-              const std::vector<SampleLoop>& loops, const std::vector<CuePoint>& cuePoints) {
+void writeWavNote(const fs::path& path, const Note& note, const Zone& zone,
+                  const std::vector<SampleLoop>& loops, const std::vector<CuePoint>& cuePoints) {
   const Pitch pitch = pitchOf(note);
   const InstrumentChunk instrument{.unshiftedNote = static_cast<std::uint8_t>(pitch.key),
                                    .fineTune = static_cast<std::int8_t>(-pitch.cents),
@@ -155,21 +155,17 @@ void writeWav(const fs::path& path, const Note& note, const Zone& zone,
   // The smpl chunk counts upwards from the key below.
   const int unityNote = pitch.cents < 0 ? pitch.key - 1 : pitch.key;
   const int fraction = pitch.cents < 0 ? pitch.cents + 100 : pitch.cents;
-  const TrailingChunks chunks{
-      .cue = cuePoints.empty() ? ByteBuffer() : buildCueChunk(cuePoints),
-      .sampler = buildSamplerChunk(
-          note.rate, static_cast<std::uint32_t>(unityNote),
-          static_cast<std::uint32_t>(std::lround(fraction / 100.0 * 4294967296.0)), loops),
-      .instrument = buildInstrumentChunk(instrument)};
-
-  const auto width = static_cast<std::uint16_t>(bytesPerSample(note));
-  const ByteBuffer samples = render(note, ByteOrder::little);
-  WavFileWriter writer(outputAt(path),
-                       buildFormatChunk(note.channels, note.rate, note.bits, width,
-                                        static_cast<std::uint16_t>(width * note.channels)),
-                       samples.size(), chunks);
-  writer.file().append(samples);
-  writer.finish();
+  const WavContent content{.channels = note.channels,
+                           .sampleSize = note.bits,
+                           .sampleRate = note.rate,
+                           .frameCount = note.frameCount(),
+                           .metadata = {.cuePoints = cuePoints,
+                                        .instrument = instrument,
+                                        .loops = loops,
+                                        .unityNote = static_cast<std::uint32_t>(unityNote),
+                                        .pitchFraction = static_cast<std::uint32_t>(
+                                            std::lround(fraction / 100.0 * 4294967296.0))}};
+  writeFile(path, writeWav(content), render(note, ByteOrder::little));
 }
 
 AiffContent aiffContentOf(const Note& note, const Zone& zone) {
@@ -188,6 +184,7 @@ AiffContent aiffContentOf(const Note& note, const Zone& zone) {
   return {.channels = note.channels,
           .sampleSize = note.bits,
           .sampleRate = note.rate,
+          .frameCount = note.frameCount(),
           .markers = {{1, note.loopStart, "sustain begin"},
                       {2, note.loopStart + length, "sustain end"},
                       {3, note.releaseStart(), "release begin"},
@@ -197,15 +194,7 @@ AiffContent aiffContentOf(const Note& note, const Zone& zone) {
 }
 
 void writeAiffNote(const fs::path& path, const Note& note, const Zone& zone) {
-  const ByteBuffer samples = render(note, ByteOrder::big);
-  const std::uint64_t frameSize = std::uint64_t{note.channels} * bytesPerSample(note);
-  const SampleLayout layout{
-      .frameCount = note.frameCount(), .sourceFrameSize = frameSize, .outputFrameSize = frameSize};
-  const auto copy = [&](std::uint64_t firstFrame, std::span<std::uint8_t> block) {
-    std::copy_n(samples.begin() + static_cast<std::ptrdiff_t>(firstFrame * frameSize), block.size(),
-                block.begin());
-  };
-  writeAiff(outputAt(path), aiffContentOf(note, zone), layout, copy, {}).close();
+  writeFile(path, writeAiff(aiffContentOf(note, zone)), render(note, ByteOrder::big));
 }
 
 /// AIFF-C with little-endian samples, a form that the converter reads but does not write. It
@@ -233,10 +222,9 @@ void writeSowt(const fs::path& path, const Note& note) {
   appendAiffChunk(form, "COMM", common);
   appendAiffChunk(form, "MARK", markers);
   appendAiffChunk(form, "SSND", sound);
-  ByteBuffer file;
-  appendAiffChunk(file, "FORM", form);
-  OutputFile output(outputAt(path), file);
-  output.close();
+  SurroundingBytes file;
+  appendAiffChunk(file.header, "FORM", form);
+  writeFile(path, file, {});
 }
 
 void makeGuitar(const fs::path& folder) {
@@ -249,10 +237,10 @@ void makeGuitar(const fs::path& folder) {
                   .levels = {0.35, 0.16, 0.08, 0.04},
                   .strike = 0.5,
                   .chorus = 0};
-  writeWav(folder / "Nylon Guitar A2.wav", note,
-           {.lowKey = 40, .highKey = 50, .lowVelocity = 20, .highVelocity = 100, .gain = -2},
-           {sustainLoop(note), alternatingReleaseLoop(note)},
-           {{1, 0}, {2, 6000}, {3, note.loopStart}});
+  writeWavNote(folder / "Nylon Guitar A2.wav", note,
+               {.lowKey = 40, .highKey = 50, .lowVelocity = 20, .highVelocity = 100, .gain = -2},
+               {sustainLoop(note), alternatingReleaseLoop(note)},
+               {{1, 0}, {2, 6000}, {3, note.loopStart}});
 }
 
 void makeBass(const fs::path& folder) {
@@ -273,7 +261,7 @@ void makeBass(const fs::path& folder) {
                     .levels = {0.6, 0.2, 0.05},
                     .strike = 0.2,
                     .chorus = 0};
-    writeWav(folder / key.name, note, key.zone, {sustainLoop(note)}, {});
+    writeWavNote(folder / key.name, note, key.zone, {sustainLoop(note)}, {});
   }
 }
 
@@ -336,8 +324,8 @@ void makeBells(const fs::path& folder) {
   echo.start = note.releaseStart();
   echo.end = note.releaseStart() + note.loopLength() - 1;
   echo.playCount = 3;
-  writeWav(folder / "Backward Bells A4.wav", note, {.lowKey = 57, .highKey = 96, .gain = -6},
-           {backward, release, echo}, {{7, 100}, {8, 100}});
+  writeWavNote(folder / "Backward Bells A4.wav", note, {.lowKey = 57, .highKey = 96, .gain = -6},
+               {backward, release, echo}, {{7, 100}, {8, 100}});
 }
 
 }  // namespace

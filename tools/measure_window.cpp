@@ -16,6 +16,7 @@
 #include <limits>
 
 #include "app/main_window.hpp"
+#include "output/output_file.hpp"
 #include "wav/wav_writer.hpp"
 
 namespace {
@@ -29,18 +30,18 @@ constexpr std::size_t bytesPerFile = 16'384;
 fs::path makeInstruments(const fs::path& folder, int count) {
   fs::create_directories(folder);
   const corvana::ByteBuffer samples(bytesPerFile, 0x11);
-  const corvana::TrailingChunks chunks{
-      .cue = {},
-      .sampler = corvana::buildSamplerChunk(44100, 60, 0, {{.start = 100, .end = 4000}}),
-      .instrument = {}};
+  corvana::WavContent content{.channels = 1, .sampleSize = 16, .sampleRate = 44100};
+  content.frameCount = bytesPerFile / 2;
+  content.metadata.instrument.emplace();
+  content.metadata.loops = {{.start = 100, .end = 4000}};
+  const corvana::SurroundingBytes surrounding = corvana::writeWav(content);
   for (int i = 0; i < count; ++i) {
-    const corvana::OutputTarget target{.url = folder / ("instrument " + std::to_string(i) + ".wav"),
-                                       .replaceExisting = false,
-                                       .input = {}};
-    corvana::WavFileWriter writer(target, corvana::buildFormatChunk(1, 44100, 16, 2, 2),
-                                  samples.size(), chunks);
-    writer.file().append(samples);
-    writer.finish();
+    const fs::path path = folder / ("instrument " + std::to_string(i) + ".wav");
+    corvana::OutputFile file({.url = path, .replaceExisting = false, .input = {}});
+    file.append(surrounding.header);
+    file.append(samples);
+    file.append(surrounding.trailer);
+    file.close();
   }
   return folder;
 }

@@ -12,11 +12,12 @@
 #include <string_view>
 
 #include "platform/texts.hpp"
-#include "platform/unicode.hpp"
 #include "update/result_texts.hpp"
 #include "update/simple_encrypt_text.hpp"
 #include "update/version_file.hpp"
 #include "update/version_number.hpp"
+#include "vocabulary/screen_text.hpp"
+#include "vocabulary/unicode.hpp"
 
 namespace {
 

@@ -14,6 +14,7 @@
 
 #include "app/main_window.hpp"
 #include "platform/texts.hpp"
+#include "vocabulary/text_format.hpp"
 
 namespace {
 

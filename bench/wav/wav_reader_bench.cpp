@@ -16,7 +16,7 @@ corvana::ByteBuffer wavWithCuePoints(std::uint32_t count) {
   corvana::appendFourCC(file, "RIFF");
   corvana::appendUInt32LE(file, 0);  // readers go by the real length
   corvana::appendFourCC(file, "WAVE");
-  corvana::appendChunk(file, "fmt ", corvana::buildFormatChunk(1, 44100, 16, 2, 2));
+  corvana::appendChunk(file, "fmt ", corvana::buildFormatChunk({1, 16, 44100, 0}));
   corvana::appendChunk(file, "data", {});
   corvana::appendChunk(file, "cue ", corvana::buildCueChunk(points));
   return file;

@@ -6,10 +6,8 @@
 
 #include "aiff/extended80.hpp"
 #include "aiff/mac_roman.hpp"
-#include "platform/texts.hpp"
 #include "vocabulary/chunks.hpp"
 #include "vocabulary/errors.hpp"
-#include "vocabulary/summary.hpp"
 
 namespace corvana {
 namespace {
@@ -36,8 +34,8 @@ bool isLittleEndian(std::string_view compressionType) {
     if (compressionType == bigEndian) return false;
   const bool isASCII = std::all_of(compressionType.begin(), compressionType.end(),
                                    [](char c) { return static_cast<unsigned char>(c) < 0x80; });
-  throw ConversionError::unsupported(
-      fillText(localised("AIFF-C with compression '%@'"), {isASCII ? compressionType : "????"}));
+  throw ConversionError::unsupported(UnsupportedKind::compression,
+                                     {std::string(isASCII ? compressionType : "????")});
 }
 
 AiffLoop readLoop(const Fields& fields, std::size_t offset) {
@@ -111,13 +109,13 @@ CommonChunk parseCommonChunk(ByteView body, bool isAIFC) {
     if (body.size() < aiff_layout::compressedCommonSize) throw ConversionError(Case::missingComm);
     littleEndian = isLittleEndian(fields.id(18));
   }
-  if (channels < 1) throw ConversionError::unsupported(channelsText(channels));
+  if (channels < 1)
+    throw ConversionError::unsupported(UnsupportedKind::channels, {std::int64_t{channels}});
   if (sampleSize < 1 || sampleSize > 32)
-    throw ConversionError::unsupported(bitDepthText(sampleSize));
+    throw ConversionError::unsupported(UnsupportedKind::bitDepth, {std::int64_t{sampleSize}});
   // Asked this way round, not-a-number is refused as well.
   if (!(sampleRate >= 1.0 && sampleRate < 4'000'000'000.0))
-    throw ConversionError::unsupported(
-        fillText(localised("sample rate %@"), {decimalText(sampleRate)}));
+    throw ConversionError::unsupported(UnsupportedKind::sampleRate, {sampleRate});
   return {static_cast<std::uint16_t>(channels), frameCount, static_cast<std::uint16_t>(sampleSize),
           sampleRate, littleEndian};
 }

@@ -1,6 +1,5 @@
 #include "aiff/aiff_writer.hpp"
 
-#include <array>
 #include <limits>
 
 #include "aiff/big_endian.hpp"
@@ -15,10 +14,10 @@ void appendInt16BE(ByteBuffer& buffer, std::int16_t value) {
   appendUInt16BE(buffer, static_cast<std::uint16_t>(value));
 }
 
-ByteBuffer buildCommonChunk(const AiffContent& content, std::uint32_t frameCount) {
+ByteBuffer buildCommonChunk(const AiffContent& content) {
   ByteBuffer body;
   appendUInt16BE(body, content.channels);
-  appendUInt32BE(body, frameCount);
+  appendUInt32BE(body, content.frameCount);
   appendUInt16BE(body, content.sampleSize);
   appendExtended80(body, content.sampleRate);
   return body;
@@ -53,43 +52,33 @@ ByteBuffer buildInstrumentChunk(const AiffInstrument& instrument) {
   return body;
 }
 
-/// Everything up to the first sample byte.
-ByteBuffer assembleHeader(const AiffContent& content, const SampleLayout& layout) {
+}  // namespace
+
+SurroundingBytes writeAiff(const AiffContent& content) {
   ByteBuffer chunks;
-  appendAiffChunk(chunks, "COMM",
-                  buildCommonChunk(content, static_cast<std::uint32_t>(layout.frameCount)));
+  appendAiffChunk(chunks, "COMM", buildCommonChunk(content));
   if (!content.markers.empty()) appendAiffChunk(chunks, "MARK", buildMarkerChunk(content.markers));
   if (content.instrument)
     appendAiffChunk(chunks, "INST", buildInstrumentChunk(*content.instrument));
 
+  const std::uint64_t frameSize = std::uint64_t{content.channels} * bytesFor(content.sampleSize);
   const std::uint64_t soundChunkSize =
-      aiff_layout::soundHeaderSize + layout.frameCount * layout.outputFrameSize;
+      aiff_layout::soundHeaderSize + content.frameCount * frameSize;
   const std::uint64_t formSize =
       4 + chunks.size() + chunkHeaderSize + soundChunkSize + soundChunkSize % 2;
   if (formSize > std::numeric_limits<std::uint32_t>::max())
     throw ConversionError(ConversionError::Case::tooLarge);
 
-  ByteBuffer header;
-  appendFourCC(header, "FORM");
-  appendUInt32BE(header, static_cast<std::uint32_t>(formSize));
-  appendFourCC(header, "AIFF");
-  appendBytes(header, chunks);
-  appendFourCC(header, "SSND");
-  appendUInt32BE(header, static_cast<std::uint32_t>(soundChunkSize));
-  appendUInt32BE(header, 0);  // offset
-  appendUInt32BE(header, 0);  // block size
-  return header;
-}
-
-}  // namespace
-
-OutputFile writeAiff(const OutputTarget& target, const AiffContent& content,
-                     const SampleLayout& layout, const FillBlock& fillBlock,
-                     const ProgressHandler& progress) {
-  OutputFile file(target, assembleHeader(content, layout));
-  writeSampleBlocks(layout, fillBlock, file, progress);
-  if (layout.frameCount * layout.outputFrameSize % 2 != 0)
-    file.append(std::array<std::uint8_t, 1>{0});
+  SurroundingBytes file;
+  appendFourCC(file.header, "FORM");
+  appendUInt32BE(file.header, static_cast<std::uint32_t>(formSize));
+  appendFourCC(file.header, "AIFF");
+  appendBytes(file.header, chunks);
+  appendFourCC(file.header, "SSND");
+  appendUInt32BE(file.header, static_cast<std::uint32_t>(soundChunkSize));
+  appendUInt32BE(file.header, 0);  // offset
+  appendUInt32BE(file.header, 0);  // block size
+  if (soundChunkSize % 2 != 0) file.trailer.push_back(0);
   return file;
 }
 

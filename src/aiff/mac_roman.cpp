@@ -2,7 +2,7 @@
 
 #include <array>
 
-#include "platform/unicode.hpp"
+#include "vocabulary/unicode.hpp"
 
 namespace corvana {
 namespace {

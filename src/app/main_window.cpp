@@ -12,6 +12,7 @@
 #include "app/qt_values.hpp"
 #include "platform/bundle_info.hpp"
 #include "platform/texts.hpp"
+#include "vocabulary/text_format.hpp"
 
 namespace corvana {
 namespace {

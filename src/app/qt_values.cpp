@@ -2,7 +2,7 @@
 
 #include <QSysInfo>
 
-#include "platform/texts.hpp"
+#include "vocabulary/screen_text.hpp"
 
 namespace corvana {
 

@@ -1,12 +1,10 @@
-// Which files a batch converts, and what their outputs are called.
+// Which files a batch converts.
 #pragma once
 
 #include <filesystem>
 #include <string>
 #include <string_view>
 #include <vector>
-
-#include "platform/files.hpp"
 
 namespace corvana {
 
@@ -23,13 +21,5 @@ bool hasAudioExtension(std::string_view path);
 /// exist or has another extension is left out without a message. The results are paths, as
 /// plain texts: making path objects of a large library takes nearly as long as finding it.
 std::vector<std::string> collectAudioFiles(const std::vector<std::filesystem::path>& urls);
-
-/// Where the output of `input` goes: beside it or in the subfolder "WAV" or "AIFF", under the
-/// input's base name with the extension of the other format. Where that name is taken, the
-/// first free one of "name (1)", "name (2)" …; with `overwrite` a taken name is good, unless it
-/// leads to the input itself (`inputIdentity`).
-std::filesystem::path makeOutputURL(const std::filesystem::path& input,
-                                    const FileIdentity& inputIdentity, bool isAIFF,
-                                    bool useSubfolder, bool overwrite);
 
 }  // namespace corvana

@@ -4,11 +4,12 @@
 #include <utility>
 
 #include "batch/audio_files.hpp"
-#include "batch/detect_format.hpp"
-#include "convert/aiff_to_wav.hpp"
-#include "convert/wav_to_aiff.hpp"
+#include "batch/output_url.hpp"
+#include "convert/detect_format.hpp"
+#include "output/convert_file.hpp"
 #include "platform/texts.hpp"
-#include "vocabulary/errors.hpp"
+#include "vocabulary/messages.hpp"
+#include "vocabulary/text_format.hpp"
 
 namespace corvana {
 namespace {
@@ -78,7 +79,7 @@ void BatchDriver::convertFile(const fs::path& url, Options options) {
                                            : convertWAVToAIFF(input, output, progress);
     report = {successEntry(fileName, result), true};
   } catch (const ConversionError& error) {
-    report.entry = failureEntry(fileName, error.errorDescription());
+    report.entry = failureEntry(fileName, errorDescription(error, systemLanguage()));
   } catch (const std::exception& error) {
     report.entry = failureEntry(fileName, error.what());
   }

@@ -17,6 +17,7 @@
 #include "platform/bundle_info.hpp"
 #include "platform/queues.hpp"
 #include "platform/texts.hpp"
+#include "vocabulary/screen_text.hpp"
 
 namespace {
 

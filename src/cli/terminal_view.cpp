@@ -7,7 +7,7 @@
 #include <sys/ioctl.h>
 #include <unistd.h>
 
-#include "platform/texts.hpp"
+#include "vocabulary/screen_text.hpp"
 
 namespace corvana {
 namespace {

@@ -12,6 +12,7 @@
 
 #include "platform/mapped_guard.hpp"
 #include "platform/texts.hpp"
+#include "vocabulary/text_format.hpp"
 
 namespace corvana {
 namespace {

@@ -1,15 +1,11 @@
 #include "platform/texts.hpp"
 
 #include <array>
-#include <charconv>
 #include <clocale>
-#include <cmath>
 #include <cstdio>
 #include <cstdlib>
 #include <libintl.h>
 #include <system_error>
-
-#include "platform/unicode.hpp"
 
 namespace corvana {
 namespace {
@@ -43,7 +39,21 @@ std::string groupedText(std::int64_t number) {
   return {text.data(), static_cast<std::size_t>(length)};
 }
 
+class SystemLanguage : public Language {
+ public:
+  std::string localised(const char* key) const override { return corvana::localised(key); }
+  std::string localisedCount(const char* singular, const char* plural,
+                             std::int64_t count) const override {
+    return corvana::localisedCount(singular, plural, count);
+  }
+};
+
 }  // namespace
+
+const Language& systemLanguage() {
+  static const SystemLanguage language;
+  return language;
+}
 
 void useSystemLanguage(const std::filesystem::path& programFolder) {
   if (std::setlocale(LC_ALL, "") == nullptr) {
@@ -74,71 +84,9 @@ std::string localised(const char* key, TextTable table) {
 }
 
 std::string localisedCount(const char* singular, const char* plural, std::int64_t count) {
-  std::string text = ::dngettext(domainOf(TextTable::corvana), singular, plural,
-                                 static_cast<unsigned long>(count));
-  const std::size_t place = text.find("%ld");
-  if (place != std::string::npos) text.replace(place, 3, groupedText(count));
-  return text;
-}
-
-std::string fillText(std::string_view format, std::initializer_list<std::string_view> texts) {
-  std::string filled;
-  std::size_t next = 0;
-  const auto append = [&](std::size_t index) {
-    if (index < texts.size()) filled += texts.begin()[index];
-  };
-  while (!format.empty()) {
-    if (format.starts_with("%@")) {
-      append(next++);
-      format.remove_prefix(2);
-    } else if (format.size() >= 4 && format[0] == '%' && format[1] >= '1' && format[1] <= '9' &&
-               format.substr(2, 2) == "$@") {
-      append(static_cast<std::size_t>(format[1] - '1'));
-      format.remove_prefix(4);
-    } else {
-      filled += format.front();
-      format.remove_prefix(1);
-    }
-  }
-  return filled;
-}
-
-std::string decimalText(std::int64_t number) {
-  return std::to_string(number);
-}
-
-std::string decimalText(double number) {
-  if (std::isnan(number)) return "nan";
-  if (std::isinf(number)) return number < 0 ? "-inf" : "inf";
-  const double magnitude = std::fabs(number);
-  const bool plain = magnitude == 0 || (magnitude >= 1e-4 && magnitude < 1e16);
-  std::array<char, 64> digits{};
-  const auto [end, status] =
-      std::to_chars(digits.data(), digits.data() + digits.size(), number,
-                    plain ? std::chars_format::fixed : std::chars_format::scientific);
-  std::string text(digits.data(), status == std::errc() ? end : digits.data());
-  if (plain && text.find('.') == std::string::npos) text += ".0";
-  return text;
-}
-
-std::string readableText(std::string_view text) {
-  constexpr std::string_view replacement = "\xEF\xBF\xBD";
-  std::string readable;
-  while (!text.empty()) {
-    const auto first = static_cast<unsigned char>(text.front());
-    const std::size_t length = utf8SequenceLength(text);
-    const bool control =
-        (first < 0x20 && first != '\n') || first == 0x7F ||
-        (first == 0xC2 && length == 2 && static_cast<unsigned char>(text[1]) < 0xA0);
-    if (length == 0 || control) {
-      readable += replacement;
-      text.remove_prefix(length == 0 ? 1 : length);
-    } else {
-      readable += text.substr(0, length);
-      text.remove_prefix(length);
-    }
-  }
-  return readable;
+  return insertCount(::dngettext(domainOf(TextTable::corvana), singular, plural,
+                                 static_cast<unsigned long>(count)),
+                     groupedText(count));
 }
 
 }  // namespace corvana

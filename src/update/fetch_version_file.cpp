@@ -6,7 +6,7 @@
 #include <QtConcurrent>
 #include <utility>
 
-#include "platform/unicode.hpp"
+#include "vocabulary/unicode.hpp"
 
 namespace corvana {
 namespace {

@@ -1,7 +1,8 @@
 #include "update/result_texts.hpp"
 
 #include "platform/texts.hpp"
-#include "platform/unicode.hpp"
+#include "vocabulary/text_format.hpp"
+#include "vocabulary/unicode.hpp"
 
 namespace corvana {
 namespace {

@@ -12,13 +12,14 @@
 #include <string>
 
 #include "platform/texts.hpp"
-#include "platform/unicode.hpp"
 #include "update/fetch_version_file.hpp"
 #include "update/result_texts.hpp"
 #include "update/spinning_wheel.hpp"
 #include "update/text_search.hpp"
 #include "update/version_number.hpp"
 #include "update/web_address.hpp"
+#include "vocabulary/text_format.hpp"
+#include "vocabulary/unicode.hpp"
 
 namespace corvana {
 namespace {

@@ -61,6 +61,11 @@ class Fields {
   ByteOrder order_;
 };
 
+/// How many bytes a number of this many bits takes.
+constexpr std::uint32_t bytesFor(std::uint32_t bits) {
+  return (bits + 7) / 8;
+}
+
 /// Appends the bytes of `value`; its type decides how many.
 template <std::unsigned_integral Value>
 void appendInteger(ByteBuffer& buffer, Value value, ByteOrder order) {

@@ -20,6 +20,12 @@ struct Chunk {
   std::size_t bodyOffset;  ///< where the body starts, in bytes from the start of the file
 };
 
+/// The bytes of a file around its samples.
+struct SurroundingBytes {
+  ByteBuffer header;   ///< everything ahead of the first sample byte
+  ByteBuffer trailer;  ///< everything behind the last one
+};
+
 /// Calls `visit(const Chunk&)` for every chunk after the file header. Bounded by the real length
 /// of the file, never by the size in its header; a chunk that claims to run past the end of the
 /// file is the last.

@@ -2,16 +2,30 @@
 #pragma once
 
 #include <exception>
-#include <filesystem>
 #include <string>
+#include <vector>
+
+#include "vocabulary/warnings.hpp"
 
 namespace corvana {
+
+/// What exactly a format has that cannot be converted.
+enum class UnsupportedKind {
+  tooShort,     ///< fewer bytes than a file header
+  unknownFile,  ///< neither WAV nor AIFF
+  floatingPointWav,
+  formatTag,    ///< the tag of a WAV file
+  bitDepth,     ///< bits per sample
+  channels,     ///< number of channels
+  compression,  ///< the compression type of an AIFF-C file
+  sampleRate,   ///< Hz
+};
 
 /// The failure of one conversion. System failures are std::system_error instead.
 class ConversionError : public std::exception {
  public:
   enum class Case {
-    unsupported,  ///< with a detail text
+    unsupported,  ///< with an UnsupportedKind and its value
     writeFailed,  ///< with the path of the output file
     notRIFF,
     notWAVE,
@@ -24,22 +38,24 @@ class ConversionError : public std::exception {
     tooLarge,
   };
 
-  /// A case without a text.
-  explicit ConversionError(Case kind);
-  /// `detail` is already localised.
-  static ConversionError unsupported(const std::string& detail);
-  static ConversionError writeFailed(const std::filesystem::path& output);
+  /// A case without a detail.
+  explicit ConversionError(Case kind) : kind_(kind) {}
+  static ConversionError unsupported(UnsupportedKind kind, std::vector<MessageValue> values = {});
+  static ConversionError writeFailed(std::string path);
 
   Case kind() const { return kind_; }
-  /// The localised message. Unlike what() it keeps zero bytes of the detail.
-  const std::string& errorDescription() const { return description_; }
-  const char* what() const noexcept override { return description_.c_str(); }
+  /// Of unsupported.
+  UnsupportedKind unsupportedKind() const { return unsupportedKind_; }
+  /// Of unsupported: as listed at its kind. Of writeFailed: the path.
+  const std::vector<MessageValue>& values() const { return values_; }
+
+  /// The errorCode; errorDescription is what people read.
+  const char* what() const noexcept override;
 
  private:
-  ConversionError(Case kind, const std::string& text);
-
   Case kind_;
-  std::string description_;
+  UnsupportedKind unsupportedKind_{};
+  std::vector<MessageValue> values_;
 };
 
 }  // namespace corvana

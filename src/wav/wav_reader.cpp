@@ -2,10 +2,8 @@
 
 #include <algorithm>
 
-#include "platform/texts.hpp"
 #include "vocabulary/chunks.hpp"
 #include "vocabulary/errors.hpp"
-#include "vocabulary/summary.hpp"
 
 namespace corvana {
 namespace {
@@ -17,7 +15,7 @@ Fields fieldsOf(ByteView bytes) {
 }
 
 std::size_t recordCount(std::uint32_t declared, std::size_t bytesLeft, std::size_t recordSize) {
-  return std::min({std::size_t{declared}, bytesLeft / recordSize, mostRecords});
+  return std::min({std::size_t{declared}, bytesLeft / recordSize, maxRecords});
 }
 
 std::optional<InstrumentChunk> parseInstrumentChunk(ByteView body) {
@@ -91,10 +89,9 @@ FormatChunk parseFormatChunk(ByteView body) {
     formatTag = fields.u16(24);
   }
   if (formatTag == format_tag::floatingPoint)
-    throw ConversionError::unsupported(localised("floating-point WAV"));
+    throw ConversionError::unsupported(UnsupportedKind::floatingPointWav);
   if (formatTag != format_tag::pcm)
-    throw ConversionError::unsupported(
-        fillText(localised("format tag %@"), {decimalText(std::int64_t{formatTag})}));
+    throw ConversionError::unsupported(UnsupportedKind::formatTag, {std::int64_t{formatTag}});
   if (channels == 0 || sampleRate == 0 || bitsPerSample == 0)
     throw ConversionError(Case::badFormatChunk);
 
@@ -104,7 +101,7 @@ FormatChunk parseFormatChunk(ByteView body) {
   if (blockAlign % channels != 0) throw ConversionError(Case::badFormatChunk);
   const std::uint32_t bytesPerSample = blockAlign / channels;
   if (bytesPerSample < 1 || bytesPerSample > 4)
-    throw ConversionError::unsupported(bitDepthText(bitsPerSample));
+    throw ConversionError::unsupported(UnsupportedKind::bitDepth, {std::int64_t{bitsPerSample}});
   return {channels, sampleRate, bytesPerSample,
           std::min<std::uint32_t>(8 * bytesPerSample, validBits)};
 }

@@ -9,7 +9,7 @@ namespace corvana {
 
 /// Most records that are read of one smpl or cue chunk, far above what AIFF can take over
 /// (32,766 markers); it keeps a hostile file of nothing but records from filling the memory.
-inline constexpr std::size_t mostRecords = 250'000;
+inline constexpr std::size_t maxRecords = 250'000;
 
 /// Reads the complete content of a file. Chunks may come in any order; of a chunk that occurs
 /// twice the later one counts. Fails with a ConversionError.

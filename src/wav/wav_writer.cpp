@@ -21,46 +21,26 @@ std::uint32_t channelMask(std::uint16_t channels) {
   return 0;                       // no assignment
 }
 
-ByteBuffer assembleTrailing(std::uint64_t dataSize, const TrailingChunks& chunks) {
-  ByteBuffer trailing;
-  if (dataSize % 2 != 0) trailing.push_back(0);
-  if (!chunks.cue.empty()) appendChunk(trailing, "cue ", chunks.cue);
-  if (chunks.sampler) appendChunk(trailing, "smpl", *chunks.sampler);
-  if (chunks.instrument) appendChunk(trailing, "inst", *chunks.instrument);
-  return trailing;
-}
-
-ByteBuffer assembleHeader(ByteView formatBody, std::uint64_t dataSize, std::uint64_t trailingSize) {
-  const std::uint64_t riffSize =
-      4 + chunkHeaderSize + formatBody.size() + chunkHeaderSize + dataSize + trailingSize;
-  if (riffSize > std::numeric_limits<std::uint32_t>::max())
-    throw ConversionError(ConversionError::Case::tooLarge);
-  ByteBuffer header;
-  appendFourCC(header, "RIFF");
-  appendUInt32LE(header, static_cast<std::uint32_t>(riffSize));
-  appendFourCC(header, "WAVE");
-  appendChunk(header, "fmt ", formatBody);
-  appendFourCC(header, "data");
-  appendUInt32LE(header, static_cast<std::uint32_t>(dataSize));
-  return header;
+std::uint32_t blockAlignOf(const WavContent& content) {
+  return content.channels * bytesFor(content.sampleSize);
 }
 
 }  // namespace
 
-ByteBuffer buildFormatChunk(std::uint16_t channels, std::uint32_t rate, std::uint16_t sampleSize,
-                            std::uint16_t bytesPerSample, std::uint16_t blockAlign) {
-  const bool extensible = sampleSize % 8 != 0 || channels > 2;
+ByteBuffer buildFormatChunk(const WavContent& content) {
+  const bool extensible = content.sampleSize % 8 != 0 || content.channels > 2;
+  const std::uint32_t blockAlign = blockAlignOf(content);
   ByteBuffer body;
   appendUInt16LE(body, extensible ? format_tag::extensible : format_tag::pcm);
-  appendUInt16LE(body, channels);
-  appendUInt32LE(body, rate);
-  appendUInt32LE(body, rate * blockAlign);  // bytes per second, its low 32 bits
-  appendUInt16LE(body, blockAlign);
-  appendUInt16LE(body, static_cast<std::uint16_t>(8 * bytesPerSample));
+  appendUInt16LE(body, content.channels);
+  appendUInt32LE(body, content.sampleRate);
+  appendUInt32LE(body, content.sampleRate * blockAlign);  // bytes per second, its low 32 bits
+  appendUInt16LE(body, static_cast<std::uint16_t>(blockAlign));
+  appendUInt16LE(body, static_cast<std::uint16_t>(8 * bytesFor(content.sampleSize)));
   if (extensible) {
     appendUInt16LE(body, 22);  // size of the extension
-    appendUInt16LE(body, sampleSize);
-    appendUInt32LE(body, channelMask(channels));
+    appendUInt16LE(body, content.sampleSize);
+    appendUInt32LE(body, channelMask(content.channels));
     appendBytes(body, pcmSubFormat);
   }
   return body;
@@ -81,20 +61,20 @@ ByteBuffer buildCueChunk(const std::vector<CuePoint>& cuePoints) {
   return body;
 }
 
-ByteBuffer buildSamplerChunk(std::uint32_t rate, std::uint32_t unityNote,
-                             std::uint32_t pitchFraction, const std::vector<SampleLoop>& loops) {
-  const auto samplePeriod = static_cast<std::uint32_t>(std::round(1e9 / rate));  // nanoseconds
+ByteBuffer buildSamplerChunk(const WavContent& content) {
+  const WavMetadata& metadata = content.metadata;
+  const double samplePeriod = std::round(1e9 / content.sampleRate);  // nanoseconds
   ByteBuffer body;
   appendUInt32LE(body, 0);  // manufacturer
   appendUInt32LE(body, 0);  // product
-  appendUInt32LE(body, samplePeriod);
-  appendUInt32LE(body, unityNote);
-  appendUInt32LE(body, pitchFraction);
+  appendUInt32LE(body, static_cast<std::uint32_t>(samplePeriod));
+  appendUInt32LE(body, metadata.unityNote);
+  appendUInt32LE(body, metadata.pitchFraction);
   appendUInt32LE(body, 0);  // SMPTE format
   appendUInt32LE(body, 0);  // SMPTE offset
-  appendUInt32LE(body, static_cast<std::uint32_t>(loops.size()));
+  appendUInt32LE(body, static_cast<std::uint32_t>(metadata.loops.size()));
   appendUInt32LE(body, 0);  // sampler data size
-  for (const SampleLoop& loop : loops) {
+  for (const SampleLoop& loop : metadata.loops) {
     appendUInt32LE(body, loop.cueID);
     appendUInt32LE(body, loop.type);
     appendUInt32LE(body, loop.start);
@@ -115,14 +95,30 @@ ByteBuffer buildInstrumentChunk(const InstrumentChunk& instrument) {
           instrument.highVelocity};
 }
 
-WavFileWriter::WavFileWriter(const OutputTarget& target, ByteView formatBody,
-                             std::uint64_t dataSize, const TrailingChunks& trailing)
-    : trailing_(assembleTrailing(dataSize, trailing)),
-      file_(target, assembleHeader(formatBody, dataSize, trailing_.size())) {}
+SurroundingBytes writeWav(const WavContent& content) {
+  const WavMetadata& metadata = content.metadata;
+  const std::uint64_t dataSize = std::uint64_t{content.frameCount} * blockAlignOf(content);
+  SurroundingBytes file;
+  if (dataSize % 2 != 0) file.trailer.push_back(0);
+  if (!metadata.cuePoints.empty())
+    appendChunk(file.trailer, "cue ", buildCueChunk(metadata.cuePoints));
+  if (metadata.instrument) {
+    appendChunk(file.trailer, "smpl", buildSamplerChunk(content));
+    appendChunk(file.trailer, "inst", buildInstrumentChunk(*metadata.instrument));
+  }
 
-void WavFileWriter::finish() {
-  file_.append(trailing_);
-  file_.close();
+  const ByteBuffer format = buildFormatChunk(content);
+  const std::uint64_t riffSize =
+      4 + chunkHeaderSize + format.size() + chunkHeaderSize + dataSize + file.trailer.size();
+  if (riffSize > std::numeric_limits<std::uint32_t>::max())
+    throw ConversionError(ConversionError::Case::tooLarge);
+  appendFourCC(file.header, "RIFF");
+  appendUInt32LE(file.header, static_cast<std::uint32_t>(riffSize));
+  appendFourCC(file.header, "WAVE");
+  appendChunk(file.header, "fmt ", format);
+  appendFourCC(file.header, "data");
+  appendUInt32LE(file.header, static_cast<std::uint32_t>(dataSize));
+  return file;
 }
 
 }  // namespace corvana

@@ -1,56 +1,48 @@
-// Writes a WAV file: fmt, data, then cue, smpl and inst. Sample data is appended block by block.
+// Writes the bytes of a WAV file: fmt, data, then cue, smpl and inst.
 #pragma once
 
 #include <cstdint>
 #include <optional>
 #include <vector>
 
-#include "vocabulary/bytes.hpp"
-#include "vocabulary/output_file.hpp"
+#include "vocabulary/chunks.hpp"
 #include "wav/wav_format.hpp"
 
 namespace corvana {
 
+/// What a WAV file holds beside its samples and their format.
+struct WavMetadata {
+  std::vector<CuePoint> cuePoints;  ///< empty: no cue chunk
+  /// The inst chunk. The smpl chunk is written exactly when it is present, with the next three.
+  std::optional<InstrumentChunk> instrument;
+  std::vector<SampleLoop> loops;
+  std::uint32_t unityNote = 0;      ///< MIDI note
+  std::uint32_t pitchFraction = 0;  ///< in 2^32ths of a semitone above the note
+};
+
+/// Everything of a WAV file but its samples. A sample takes as many bytes as its bits need.
+struct WavContent {
+  std::uint16_t channels = 0;    ///< a frame takes at most 65535 bytes
+  std::uint16_t sampleSize = 0;  ///< bits, 1 to 32
+  std::uint32_t sampleRate = 0;  ///< Hz, not 0
+  std::uint32_t frameCount = 0;
+  WavMetadata metadata = {};
+};
+
 /// The fmt body: plain PCM (16 bytes), or the extensible form (40 bytes) for a sample size that
-/// does not fill its bytes and for more than 2 channels. `rate` in Hz, `sampleSize` in bits,
-/// `blockAlign` in bytes.
-ByteBuffer buildFormatChunk(std::uint16_t channels, std::uint32_t rate, std::uint16_t sampleSize,
-                            std::uint16_t bytesPerSample, std::uint16_t blockAlign);
+/// does not fill its bytes and for more than 2 channels.
+ByteBuffer buildFormatChunk(const WavContent& content);
 
 /// The cue body.
 ByteBuffer buildCueChunk(const std::vector<CuePoint>& cuePoints);
 
-/// The smpl body. `rate` in Hz, not 0; `pitchFraction` in 2^32ths of a semitone.
-ByteBuffer buildSamplerChunk(std::uint32_t rate, std::uint32_t unityNote,
-                             std::uint32_t pitchFraction, const std::vector<SampleLoop>& loops);
+/// The smpl body.
+ByteBuffer buildSamplerChunk(const WavContent& content);
 
 /// The inst body.
 ByteBuffer buildInstrumentChunk(const InstrumentChunk& instrument);
 
-/// The bodies of the chunks that follow the sample data.
-struct TrailingChunks {
-  ByteBuffer cue;                        ///< empty: no cue chunk
-  std::optional<ByteBuffer> sampler;     ///< smpl
-  std::optional<ByteBuffer> instrument;  ///< inst
-};
-
-/// Writes one file: open by constructing, append the announced data, finish.
-class WavFileWriter {
- public:
-  /// Creates the file with everything up to the first sample byte. `dataSize` in bytes. Fails
-  /// with tooLarge before it touches the file system, and as OutputFile does.
-  WavFileWriter(const OutputTarget& target, ByteView formatBody, std::uint64_t dataSize,
-                const TrailingChunks& trailing);
-
-  /// Where the sample data goes.
-  OutputFile& file() { return file_; }
-
-  /// Writes the pad byte and the trailing chunks and closes. Fails with writeFailed.
-  void finish();
-
- private:
-  ByteBuffer trailing_;  ///< pad byte and chunks behind the sample data
-  OutputFile file_;
-};
+/// The file around its samples. Fails with tooLarge.
+SurroundingBytes writeWav(const WavContent& content);
 
 }  // namespace corvana

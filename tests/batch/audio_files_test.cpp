@@ -2,7 +2,8 @@
 
 #include <gtest/gtest.h>
 
-#include "batch/detect_format.hpp"
+#include "batch/output_url.hpp"
+#include "convert/detect_format.hpp"
 #include "support/audio_builder.hpp"
 #include "support/conversion.hpp"
 

@@ -2,13 +2,13 @@
 #include <cmath>
 
 #include "aiff/aiff_reader.hpp"
-#include "convert/aiff_to_wav.hpp"
+#include "convert/plan_aiff_to_wav.hpp"
 #include "fuzz/conversion.hpp"
 #include "wav/wav_reader.hpp"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   using namespace corvana;
-  const auto output = fuzz::convert(convertAIFFToWAV, {data, size});
+  const auto output = fuzz::convert(planAIFFToWAV, {data, size});
   if (!output) return 0;
   const AiffInfo before = parseAiff({data, size});
   const WavInfo after = parseWav(*output);

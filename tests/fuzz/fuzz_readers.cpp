@@ -1,7 +1,7 @@
 // The readers: any bytes give a record that is true to its description, or a ConversionError.
 #include "aiff/aiff_reader.hpp"
 #include "fuzz/require.hpp"
-#include "vocabulary/errors.hpp"
+#include "vocabulary/messages.hpp"
 #include "wav/wav_reader.hpp"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
@@ -24,7 +24,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
       if (info.loops) REQUIRE(info.loops->size() * wav_layout::loopSize <= size);
     }
   } catch (const ConversionError& error) {
-    REQUIRE(!error.errorDescription().empty());
+    REQUIRE(!errorDescription(error, Language()).empty());
   }
   return 0;
 }

@@ -7,10 +7,10 @@
 #include <string_view>
 
 #include "fuzz/require.hpp"
-#include "platform/unicode.hpp"
 #include "update/result_texts.hpp"
 #include "update/simple_encrypt_text.hpp"
 #include "update/version_file.hpp"
+#include "vocabulary/unicode.hpp"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   if (size == 0) return 0;

@@ -1,6 +1,6 @@
 // Any WAV file becomes an AIFF file that our own reader understands in the same way.
 #include "aiff/aiff_reader.hpp"
-#include "convert/wav_to_aiff.hpp"
+#include "convert/plan_wav_to_aiff.hpp"
 #include "fuzz/conversion.hpp"
 #include "wav/wav_reader.hpp"
 
@@ -26,7 +26,7 @@ void requireLoop(const AiffInfo& info, const AiffLoop& loop, const SampleLoop* s
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  const auto output = fuzz::convert(convertWAVToAIFF, {data, size});
+  const auto output = fuzz::convert(planWAVToAIFF, {data, size});
   if (!output) return 0;
   const WavInfo before = parseWav({data, size});
   if (before.sampleRate >= 4'000'000'000) return 0;  // written, but more than our reader takes

@@ -6,12 +6,14 @@
 #include <string>
 #include <vector>
 
-#include "convert/aiff_to_wav.hpp"
-#include "convert/wav_to_aiff.hpp"
+#include "convert/carry_out.hpp"
+#include "convert/plan_aiff_to_wav.hpp"
+#include "convert/plan_wav_to_aiff.hpp"
 #include "support/temporary_folder.hpp"
-#include "vocabulary/errors.hpp"
 
 namespace corvana::test {
+
+inline const Language english;
 
 /// The text of the ConversionError that `action` ends with.
 template <typename Action>
@@ -19,29 +21,34 @@ std::string errorOf(const Action& action) {
   try {
     action();
   } catch (const ConversionError& error) {
-    return error.errorDescription();
+    return errorDescription(error, english);
   }
   return "no error";
+}
+
+inline std::string lines(const Warnings& warnings) {
+  std::string text;
+  for (const Warning& warning : warnings)
+    text += warningText(warning, english) + "\n";
+  return text;
 }
 
 struct Converted {
   ByteBuffer file;
   std::string summary;
-  Warnings warnings;
+  std::string warnings;  ///< a line each
   std::vector<double> progress;
 };
 
 /// In the direction that the first byte of `input` tells.
 inline Converted convert(const ByteBuffer& input) {
-  const TemporaryFolder folder;
-  const InputFile file(folder.write("input", input));
-  const OutputTarget target{folder / "output", false, file.identity()};
+  const ConversionPlan plan = input.at(0) == 'F' ? planAIFFToWAV(input) : planWAVToAIFF(input);
+  MemorySink output;
   std::vector<double> progress;
-  const auto record = [&](double fraction) { progress.push_back(fraction); };
-  const ConversionResult result = input.at(0) == 'F' ? convertAIFFToWAV(file, target, record)
-                                                     : convertWAVToAIFF(file, target, record);
-  EXPECT_EQ(result.outputURL, target.url);
-  return {readFile(target.url), result.summary, result.warnings, progress};
+  carryOut(plan, MemorySource(input), output,
+           [&](double fraction) { progress.push_back(fraction); });
+  EXPECT_EQ(output.bytes.size(), plan.outputSize());
+  return {output.bytes, makeSummary(plan.summary, english), lines(plan.warnings), progress};
 }
 
 /// All values in one line, to compare records at a glance.
@@ -50,13 +57,6 @@ std::string line(const Values&... values) {
   std::ostringstream text;
   (text << ... << values);
   return text.str();
-}
-
-inline std::string lines(const Warnings& warnings) {
-  std::string text;
-  for (const std::string& warning : warnings)
-    text += warning + "\n";
-  return text;
 }
 
 }  // namespace corvana::test

@@ -8,8 +8,8 @@
 #include <gtest/gtest.h>
 #include <utility>
 
-#include "platform/unicode.hpp"
 #include "update/simple_encrypt_text.hpp"
+#include "vocabulary/unicode.hpp"
 
 namespace corvana::test {
 

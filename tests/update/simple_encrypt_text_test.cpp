@@ -4,7 +4,7 @@
 #include <gtest/gtest.h>
 #include <random>
 
-#include "platform/unicode.hpp"
+#include "vocabulary/unicode.hpp"
 
 namespace corvana {
 namespace {

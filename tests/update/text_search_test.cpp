@@ -3,7 +3,7 @@
 #include <gtest/gtest.h>
 #include <utility>
 
-#include "platform/unicode.hpp"
+#include "vocabulary/unicode.hpp"
 
 namespace corvana {
 namespace {

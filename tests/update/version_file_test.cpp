@@ -2,9 +2,9 @@
 
 #include <gtest/gtest.h>
 
-#include "platform/unicode.hpp"
 #include "update/simple_encrypt_text.hpp"
 #include "update/text_search.hpp"
+#include "vocabulary/unicode.hpp"
 
 namespace corvana {
 namespace {

@@ -4,7 +4,7 @@
 #include <limits>
 #include <vector>
 
-#include "platform/unicode.hpp"
+#include "vocabulary/unicode.hpp"
 
 namespace corvana {
 namespace {

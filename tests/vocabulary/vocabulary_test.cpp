@@ -1,63 +1,70 @@
 #include <gtest/gtest.h>
-#include <sys/stat.h>
+#include <limits>
 
-#include "support/audio_builder.hpp"
-#include "support/temporary_folder.hpp"
-#include "vocabulary/errors.hpp"
-#include "vocabulary/output_file.hpp"
-#include "vocabulary/summary.hpp"
+#include "vocabulary/messages.hpp"
+#include "vocabulary/screen_text.hpp"
+#include "vocabulary/text_format.hpp"
 
 namespace corvana {
 namespace {
 
-using namespace test;
+using namespace std::string_view_literals;
 
-void create(const fs::path& path, bool replaceExisting, const FileIdentity& input = {}) {
-  OutputFile(OutputTarget{path, replaceExisting, input}, text("new")).close();
+const Language english;
+
+TEST(TextFormat, DecimalFormOfDoublesIsTheShortestThatReadsBack) {
+  constexpr double infinity = std::numeric_limits<double>::infinity();
+  const std::pair<double, const char*> cases[] = {
+      {0, "0.0"},
+      {22050.0001, "22050.0001"},
+      {0.1 + 0.2, "0.30000000000000004"},
+      {9999999999999998.0, "9999999999999998.0"},
+      {1e16, "1e+16"},
+      {1.7976931348623157e308, "1.7976931348623157e+308"},
+      {0.0001, "0.0001"},
+      {0.00009999, "9.999e-05"},
+      {5e-324, "5e-324"},
+      {infinity, "inf"},
+      {-infinity, "-inf"},
+      {std::numeric_limits<double>::quiet_NaN(), "nan"},
+  };
+  for (const auto& [number, text] : cases)
+    EXPECT_EQ(decimalText(number), text);
 }
 
-TEST(OutputFile, ReplacesAnExistingFileOrLinkOnlyWhenAllowed) {
-  const TemporaryFolder folder;
-  folder.write("out", "an older and longer content");
-  folder.write("elsewhere", "keep");
-  fs::create_symlink("elsewhere", folder / "link");
-  fs::create_symlink("gone", folder / "dangling");
-  for (const char* name : {"out", "link", "dangling"}) {
-    SCOPED_TRACE(name);
-    EXPECT_THROW(create(folder / name, false), ConversionError);
-    create(folder / name, true);
-    EXPECT_FALSE(fs::is_symlink(folder / name));
-    EXPECT_EQ(readText(folder / name), "new");
-  }
-  EXPECT_EQ(readText(folder / "elsewhere"), "keep");
-  EXPECT_FALSE(fs::exists(folder / "gone"));
+TEST(TextFormat, FillsPlacesInOrderAndByNumber) {
+  EXPECT_EQ(fillText("%@ – %@!", {"a", "b"}), "a – b!");
+  EXPECT_EQ(fillText("%2$@ %1$@ %2$@", {"a", "b"}), "b a b");
+  EXPECT_EQ(fillText("<%@|%@|%9$@>", {"a"}), "<a||>") << "places without a text";
+  EXPECT_EQ(fillText("%@ %@", {"%@ %1$@", "b"}), "%@ %1$@ b") << "texts are no formats";
+  EXPECT_EQ(fillText("100 % %0$@ %1$ %d %", {"a"}), "100 % %0$@ %1$ %d %");
+  EXPECT_EQ(fillText("%@", {"a\0b"sv}), "a\0b"sv);
 }
 
-TEST(OutputFile, NeverRemovesTheInputAFolderOrASpecialFile) {
-  const TemporaryFolder folder;
-  const fs::path input = folder.write("input.wav", "samples");
-  fs::create_hard_link(input, folder / "hard link");
-  fs::create_symlink("input.wav", folder / "symbolic link");
-  for (const char* name : {"input.wav", "hard link", "symbolic link"}) {
-    EXPECT_THROW(create(folder / name, true, InputFile(input).identity()), ConversionError) << name;
-    EXPECT_EQ(readText(folder / name), "samples") << name;
-  }
-  fs::create_directory(folder / "folder");
-  ASSERT_EQ(::mkfifo((folder / "pipe").c_str(), 0600), 0);
-  for (const char* name : {"folder", "pipe"}) {
-    EXPECT_THROW(create(folder / name, true), FileError) << name;
-    EXPECT_TRUE(fs::exists(folder / name)) << name;
-  }
-  EXPECT_THROW(create(input / "sub/out.wav", true), FileError) << "no folder can be made";
+TEST(ScreenText, ReadableTextDrivesNoTerminal) {
+  const std::string bad = "\xEF\xBF\xBD";
+  const std::pair<std::string_view, std::string> cases[] = {
+      {"Flügel – 音.wav\n🎹", "Flügel – 音.wav\n🎹"},
+      {"\x1b[2Jx\r\t\x7f", bad + "[2Jx" + bad + bad + bad},
+      {"a\0b"sv, "a" + bad + "b"},
+      {"\xC2\x9B|\xC2\xA0", bad + "|\xC2\xA0"},               // a one-character escape; a blank
+      {"\xE9t\xE9", bad + "t" + bad},                         // Latin-1
+      {"\xE2\x82", bad + bad},                                // cut
+      {"\xC0\xAF\xE0\x80\x80", bad + bad + bad + bad + bad},  // overlong
+      {"\xED\xA0\x80", bad + bad + bad},                      // surrogate
+      {"\xF4\x90\x80\x80", bad + bad + bad + bad},            // beyond the last character
+  };
+  for (const auto& [text, readable] : cases)
+    EXPECT_EQ(readableText(text), readable);
 }
 
 TEST(Summary, NamesWhatIsThere) {
-  EXPECT_EQ(makeSummary(16, 2, 44100, {}, 3, 0, 0, 0), "16-bit, stereo, 44100 Hz");
-  EXPECT_EQ(makeSummary(8, 6, 4294967295, 61, -12, 0, 0, 3),
+  EXPECT_EQ(makeSummary({16, 2, 44100, {}, 3, 0, 0, 0}, english), "16-bit, stereo, 44100 Hz");
+  EXPECT_EQ(makeSummary({8, 6, 4294967295, 61, -12, 0, 0, 3}, english),
             "8-bit, 6 channels, 4294967295 Hz, root key 61 (-12 ct), 3 cue points");
-  EXPECT_EQ(makeSummary(24, 1, 48000, 0, 7, 1, 1, 1),
+  EXPECT_EQ(makeSummary({24, 1, 48000, 0, 7, 1, 1, 1}, english),
             "24-bit, mono, 48000 Hz, root key 0 (+7 ct), 1 loop, 1 marker, 1 cue point");
-  EXPECT_EQ(makeSummary(24, 0, 1, 60, 0, 2, 4, 0),
+  EXPECT_EQ(makeSummary({24, 0, 1, 60, 0, 2, 4, 0}, english),
             "24-bit, 0 channels, 1 Hz, root key 60, 2 loops, 4 markers");
 }
 

@@ -1,4 +1,4 @@
-#include "convert/wav_to_aiff_metadata.hpp"
+#include "convert/map_wav_to_aiff.hpp"
 
 #include <algorithm>
 #include <cmath>
@@ -6,7 +6,7 @@
 #include <string>
 #include <unordered_set>
 
-#include "platform/texts.hpp"
+#include "vocabulary/text_format.hpp"
 
 namespace corvana {
 namespace {
@@ -14,11 +14,7 @@ namespace {
 /// Marker IDs are positive signed 16-bit numbers; the highest is never given out.
 constexpr std::size_t markerIDLimit = std::numeric_limits<std::int16_t>::max();
 constexpr std::uint32_t highestNote = 127;
-constexpr int mostCents = 50;  ///< of detune, either way
-
-std::string decimal(std::uint32_t number) {
-  return decimalText(std::int64_t{number});
-}
+constexpr int maxCents = 50;  ///< of detune, either way
 
 /// IDs are consecutive, so the list tells the next one.
 std::size_t nextMarkerID(const std::vector<AiffMarker>& markers) {
@@ -32,21 +28,17 @@ std::int16_t addMarker(std::vector<AiffMarker>& markers, std::uint32_t position,
   return id;
 }
 
-std::int16_t playModeOf(const SampleLoop& loop, const std::string& number, Warnings& warnings) {
+std::int16_t playModeOf(const SampleLoop& loop, std::int64_t number, Warnings& warnings) {
   switch (loop.type) {
     case loop_type::forward:
       return play_mode::forward;
     case loop_type::alternating:
       return play_mode::forwardBackward;
     case loop_type::backward:
-      warnings.push_back(
-          fillText(localised("Loop %@: AIFF has no backward loops – converted to a forward loop."),
-                   {number}));
+      warnings.push_back({WarningKind::backwardLoop, {number}});
       return play_mode::forward;
     default:
-      warnings.push_back(
-          fillText(localised("Loop %@: unknown loop type %@ – converted to a forward loop."),
-                   {number, decimal(loop.type)}));
+      warnings.push_back({WarningKind::unknownLoopType, {number, std::int64_t{loop.type}}});
       return play_mode::forward;
   }
 }
@@ -55,31 +47,26 @@ void mapLoops(const std::vector<SampleLoop>& loops, std::uint32_t frameCount,
               AiffMetadata& metadata, Warnings& warnings) {
   for (std::size_t index = 0; index < loops.size(); ++index) {
     const SampleLoop& loop = loops[index];
-    const std::string number = std::to_string(index + 1);
+    const auto number = static_cast<std::int64_t>(index + 1);
     const std::uint32_t start = std::min(loop.start, frameCount);
     // WAV names the last frame of the loop, AIFF the point behind it.
     const std::uint32_t end = loop.end < frameCount ? loop.end + 1 : frameCount;
     if (start >= end) {
-      warnings.push_back(fillText(localised("Loop %@ is invalid (start %@, end %@) – skipped."),
-                                  {number, decimal(loop.start), decimal(loop.end)}));
+      warnings.push_back(
+          {WarningKind::invalidLoop, {number, std::int64_t{loop.start}, std::int64_t{loop.end}}});
       continue;
     }
     if (nextMarkerID(metadata.markers) >= markerIDLimit - 2) break;
+    const std::string name = "Loop " + decimalText(number);
     AiffLoop mapped;
-    mapped.beginMarker = addMarker(metadata.markers, start, "Loop " + number + " Start");
-    mapped.endMarker = addMarker(metadata.markers, end, "Loop " + number + " End");
+    mapped.beginMarker = addMarker(metadata.markers, start, name + " Start");
+    mapped.endMarker = addMarker(metadata.markers, end, name + " End");
     mapped.playMode = playModeOf(loop, number, warnings);
     metadata.loops.push_back(mapped);
     if (loop.playCount != 0)
-      warnings.push_back(
-          fillText(localised("Loop %@: a play count of %@ cannot be stored in AIFF (the loop "
-                             "plays indefinitely)."),
-                   {number, decimal(loop.playCount)}));
+      warnings.push_back({WarningKind::playCount, {number, std::int64_t{loop.playCount}}});
   }
-  if (metadata.loops.size() > 2)
-    warnings.push_back(
-        localised("AIFF supports only 2 loops (sustain/release) – loop 3 and "
-                  "above are kept as markers only."));
+  if (metadata.loops.size() > 2) warnings.push_back({WarningKind::loopsBeyondTwo, {}});
 }
 
 /// A cue point where a marker already lies would say nothing new, so it makes none.
@@ -91,7 +78,7 @@ void mapCuePoints(const std::vector<CuePoint>& cuePoints, std::uint32_t frameCou
   for (const CuePoint& point : cuePoints) {
     if (nextMarkerID(markers) == markerIDLimit) return;
     if (point.position > frameCount || !positions.insert(point.position).second) continue;
-    addMarker(markers, point.position, "Cue " + decimal(point.id));
+    addMarker(markers, point.position, "Cue " + decimalText(std::int64_t{point.id}));
   }
 }
 
@@ -104,7 +91,7 @@ struct Tuning {
 /// correct it; past the middle the next note up is the nearer one.
 Tuning tuningOfSampler(std::uint32_t unityNote, std::uint32_t pitchFraction) {
   const auto cents = static_cast<int>(std::round(pitchFraction / 4294967296.0 * 100));
-  if (cents <= mostCents) return {unityNote, -cents};
+  if (cents <= maxCents) return {unityNote, -cents};
   return {unityNote + 1, 100 - cents};
 }
 
@@ -134,7 +121,7 @@ std::optional<AiffInstrument> mapInstrument(const WavInfo& info,
 
   AiffInstrument instrument;
   instrument.baseNote = noteField(tuning.note);
-  instrument.detune = static_cast<std::int8_t>(std::clamp(tuning.detune, -mostCents, mostCents));
+  instrument.detune = static_cast<std::int8_t>(std::clamp(tuning.detune, -maxCents, maxCents));
   instrument.lowNote = noteField(chunk.lowNote);
   instrument.highNote = noteField(chunk.highNote);
   instrument.lowVelocity = velocityField(chunk.lowVelocity);

@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "aiff/aiff_format.hpp"
-#include "vocabulary/results.hpp"
+#include "vocabulary/warnings.hpp"
 #include "wav/wav_format.hpp"
 
 namespace corvana {

@@ -1,4 +1,4 @@
-#include "platform/unicode.hpp"
+#include "vocabulary/unicode.hpp"
 
 namespace corvana {
 namespace {

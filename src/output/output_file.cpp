@@ -1,4 +1,4 @@
-#include "vocabulary/output_file.hpp"
+#include "output/output_file.hpp"
 
 #include <optional>
 #include <utility>
@@ -8,6 +8,12 @@
 namespace corvana {
 namespace {
 
+/// Bytes. Pieces that together stay below are worth less than a call of the system.
+constexpr std::size_t maxWaitingSize = 4096;
+
+/// Bytes. Reserving room does not pay for less.
+constexpr std::uint64_t minReservedSize = 1'048'576;
+
 /// Absent when the name is taken. A missing folder is the rare case, so it is made on demand.
 std::optional<FileDescriptor> createInFolder(const std::filesystem::path& path) {
   try {
@@ -15,13 +21,13 @@ std::optional<FileDescriptor> createInFolder(const std::filesystem::path& path) 
   } catch (const FileError& error) {
     if (error.code() != std::errc::no_such_file_or_directory &&
         error.code() != std::errc::not_a_directory)
-      throw ConversionError::writeFailed(path);
+      throw ConversionError::writeFailed(path.native());
   }
   createFolders(path.parent_path());
   try {
     return createNewFile(path);
   } catch (const FileError&) {
-    throw ConversionError::writeFailed(path);
+    throw ConversionError::writeFailed(path.native());
   }
 }
 
@@ -32,44 +38,52 @@ FileDescriptor createOutput(const OutputTarget& target) {
     file = createInFolder(target.url);
   }
   // Still taken: somebody else made a file of this name in the meantime. It is theirs.
-  if (!file) throw ConversionError::writeFailed(target.url);
+  if (!file) throw ConversionError::writeFailed(target.url.native());
   return std::move(*file);
 }
 
 }  // namespace
 
-OutputFile::OutputFile(const OutputTarget& target, ByteBuffer header)
-    : path_(target.url), file_(createOutput(target)), header_(std::move(header)) {}
+OutputFile::OutputFile(const OutputTarget& target)
+    : path_(target.url), file_(createOutput(target)) {}
 
 OutputFile::~OutputFile() {
   if (file_.number() < 0) return;
   try {
-    append({});
+    write({});
   } catch (const ConversionError&) {
     // The conversion has failed already, for a reason that is known.
   }
   releaseSpace(file_);
 }
 
-void OutputFile::expect(std::uint64_t size) {
-  reserveSpace(file_, header_.size() + size);
+void OutputFile::reserve(std::uint64_t size) {
+  if (size > minReservedSize) reserveSpace(file_, size);
 }
 
 void OutputFile::append(ByteView bytes) {
-  const ByteBuffer header = std::exchange(header_, {});
-  try {
-    writeAll(file_, header, bytes, path_);
-  } catch (const FileError&) {
-    throw ConversionError::writeFailed(path_);
+  if (waiting_.size() + bytes.size() <= maxWaitingSize) {
+    appendBytes(waiting_, bytes);
+  } else {
+    write(bytes);
   }
 }
 
 void OutputFile::close() {
-  append({});
+  write({});
   try {
     closeFile(std::move(file_), path_);
   } catch (const FileError&) {
-    throw ConversionError::writeFailed(path_);
+    throw ConversionError::writeFailed(path_.native());
+  }
+}
+
+void OutputFile::write(ByteView bytes) {
+  const ByteBuffer waiting = std::exchange(waiting_, {});
+  try {
+    writeAll(file_, waiting, bytes, path_);
+  } catch (const FileError&) {
+    throw ConversionError::writeFailed(path_.native());
   }
 }
 

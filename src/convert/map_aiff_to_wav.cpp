@@ -1,17 +1,15 @@
-#include "convert/aiff_to_wav_metadata.hpp"
+#include "convert/map_aiff_to_wav.hpp"
 
 #include <algorithm>
 #include <cmath>
 #include <limits>
+#include <optional>
 #include <set>
-#include <string>
-
-#include "platform/texts.hpp"
 
 namespace corvana {
 namespace {
 
-constexpr int mostCents = 50;  ///< of detune, either way
+constexpr int maxCents = 50;  ///< of detune, either way
 
 /// Where the marker of this ID lies, at most at the end of the sound data. The later of two
 /// markers with the same ID counts.
@@ -23,35 +21,31 @@ std::optional<std::uint32_t> positionOf(std::int16_t id, const std::vector<AiffM
   return std::min(found->position, framesUsed);
 }
 
-std::uint32_t loopTypeOf(std::int16_t playMode, const std::string& name, Warnings& warnings) {
+std::uint32_t loopTypeOf(std::int16_t playMode, LoopRole role, Warnings& warnings) {
   if (playMode == play_mode::forwardBackward) return loop_type::alternating;
   if (playMode != play_mode::forward)
-    warnings.push_back(
-        fillText(localised("%@: unknown play mode %@ – converted to a forward loop."),
-                 {name, decimalText(std::int64_t{playMode})}));
+    warnings.push_back({WarningKind::unknownPlayMode, {role, std::int64_t{playMode}}});
   return loop_type::forward;
 }
 
 /// Absent when the loop is off or, with a warning, cannot be used.
-std::optional<SampleLoop> mapLoop(const AiffLoop& loop, const std::string& name,
+std::optional<SampleLoop> mapLoop(const AiffLoop& loop, LoopRole role,
                                   const std::vector<AiffMarker>& markers, std::uint32_t framesUsed,
                                   Warnings& warnings) {
   if (loop.playMode == play_mode::none) return std::nullopt;
   const auto start = positionOf(loop.beginMarker, markers, framesUsed);
   const auto end = positionOf(loop.endMarker, markers, framesUsed);
   if (!start || !end) {
-    warnings.push_back(
-        fillText(localised("%@: the associated markers are missing – skipped."), {name}));
+    warnings.push_back({WarningKind::missingMarkers, {role}});
     return std::nullopt;
   }
   if (*end <= *start) {
     warnings.push_back(
-        fillText(localised("%@ is invalid (start %@, end %@) – skipped."),
-                 {name, decimalText(std::int64_t{*start}), decimalText(std::int64_t{*end})}));
+        {WarningKind::invalidLoopRole, {role, std::int64_t{*start}, std::int64_t{*end}}});
     return std::nullopt;
   }
   SampleLoop mapped;
-  mapped.type = loopTypeOf(loop.playMode, name, warnings);
+  mapped.type = loopTypeOf(loop.playMode, role, warnings);
   mapped.start = *start;
   mapped.end = *end - 1;  // WAV names the last frame of the loop, AIFF the point behind it
   return mapped;
@@ -66,10 +60,10 @@ struct UnityNote {
 /// base note, which WAV can only say as so many cents above the note beneath.
 UnityNote unityNoteOf(const AiffInstrument& instrument, std::uint8_t note) {
   const int detune = instrument.detune;
-  if (detune <= 0) return {note, std::min(-detune, mostCents)};
+  if (detune <= 0) return {note, std::min(-detune, maxCents)};
   // Below note 0 there is none; the correction is lost.
   if (instrument.baseNote <= 0) return {note, 0};
-  return {note - 1U, 100 - std::min(detune, mostCents)};
+  return {note - 1U, 100 - std::min(detune, maxCents)};
 }
 
 std::uint32_t pitchFractionOf(int cents) {
@@ -89,23 +83,19 @@ void mapInstrument(const AiffInstrument& instrument, WavMetadata& metadata, Warn
   InstrumentChunk chunk;
   chunk.unshiftedNote = noteField(instrument.baseNote);
   chunk.fineTune =
-      static_cast<std::int8_t>(std::clamp<int>(instrument.detune, -mostCents, mostCents));
+      static_cast<std::int8_t>(std::clamp<int>(instrument.detune, -maxCents, maxCents));
   chunk.gain = static_cast<std::int8_t>(std::clamp<int>(instrument.gain, -128, 127));
   chunk.lowNote = noteField(instrument.lowNote);
   chunk.highNote = noteField(instrument.highNote);
   chunk.lowVelocity = velocityField(instrument.lowVelocity);
   chunk.highVelocity = velocityField(instrument.highVelocity);
   if (chunk.gain != instrument.gain)
-    warnings.push_back(
-        fillText(localised("A gain of %@ dB does not fit into the WAV inst chunk – clamped."),
-                 {decimalText(std::int64_t{instrument.gain})}));
+    warnings.push_back({WarningKind::clampedGain, {std::int64_t{instrument.gain}}});
 
   const UnityNote unity = unityNoteOf(instrument, chunk.unshiftedNote);
   metadata.instrument = chunk;
   metadata.unityNote = unity.note;
   metadata.pitchFraction = pitchFractionOf(unity.cents);
-  metadata.rootKey = chunk.unshiftedNote;
-  metadata.fineTune = chunk.fineTune;
 }
 
 }  // namespace
@@ -113,16 +103,16 @@ void mapInstrument(const AiffInstrument& instrument, WavMetadata& metadata, Warn
 WavMetadata mapLoopsAndMarkers(const AiffInfo& info, std::uint32_t framesUsed, Warnings& warnings) {
   WavMetadata metadata;
   std::set<std::int16_t> usedMarkers;
-  const auto addLoop = [&](const AiffLoop& loop, const std::string& name) {
-    std::optional<SampleLoop> mapped = mapLoop(loop, name, info.markers, framesUsed, warnings);
+  const auto addLoop = [&](const AiffLoop& loop, LoopRole role) {
+    std::optional<SampleLoop> mapped = mapLoop(loop, role, info.markers, framesUsed, warnings);
     if (!mapped) return;
     mapped->cueID = static_cast<std::uint32_t>(metadata.loops.size());
     metadata.loops.push_back(*mapped);
     usedMarkers.insert({loop.beginMarker, loop.endMarker});
   };
   if (info.instrument) {
-    addLoop(info.instrument->sustainLoop, localised("Sustain loop"));
-    addLoop(info.instrument->releaseLoop, localised("Release loop"));
+    addLoop(info.instrument->sustainLoop, LoopRole::sustain);
+    addLoop(info.instrument->releaseLoop, LoopRole::release);
   }
   for (const AiffMarker& marker : info.markers) {
     if (usedMarkers.contains(marker.id) || marker.position > framesUsed) continue;

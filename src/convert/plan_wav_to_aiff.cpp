@@ -1,0 +1,70 @@
+#include "convert/plan_wav_to_aiff.hpp"
+
+#include <limits>
+#include <utility>
+
+#include "convert/map_wav_to_aiff.hpp"
+#include "vocabulary/errors.hpp"
+#include "wav/wav_reader.hpp"
+
+namespace corvana {
+namespace {
+
+/// Leaves 1 KiB of the 32-bit form size to the chunks ahead of the sound data. More than that
+/// is checked once they are assembled.
+constexpr std::uint64_t maxSoundChunkSize = std::numeric_limits<std::uint32_t>::max() - 1025;
+
+/// The whole frames.
+SampleRun findSamples(const WavInfo& info, Warnings& warnings) {
+  SampleRun samples{
+      .offset = info.dataOffset,
+      .channels = info.channels,
+      .conversion = {info.bytesPerSample, bytesFor(info.bitsPerSample), /*reverseBytes=*/true}};
+  const std::uint64_t frameCount = info.dataSize / samples.sourceFrameSize();
+  if (info.dataSize % samples.sourceFrameSize() != 0)
+    warnings.push_back({WarningKind::incompleteFrame, {}});
+  if (frameCount * samples.outputFrameSize() + aiff_layout::soundHeaderSize > maxSoundChunkSize)
+    throw ConversionError(ConversionError::Case::tooLarge);
+  samples.frameCount = static_cast<std::uint32_t>(frameCount);
+  return samples;
+}
+
+Summary summarise(const AiffContent& content, std::size_t loopCount) {
+  Summary summary{.bits = content.sampleSize,
+                  .channels = content.channels,
+                  .sampleRate = content.sampleRate,
+                  .loopCount = static_cast<std::int64_t>(loopCount),
+                  .markerCount = static_cast<std::int64_t>(content.markers.size())};
+  if (content.instrument) {
+    summary.rootKey = content.instrument->baseNote;
+    summary.fineTune = content.instrument->detune;
+  }
+  return summary;
+}
+
+}  // namespace
+
+ConversionPlan planWAVToAIFF(ByteView file) {
+  const WavInfo info = parseWav(file);
+  // AIFF counts channels in a signed field.
+  if (info.channels > std::numeric_limits<std::int16_t>::max())
+    throw ConversionError::unsupported(UnsupportedKind::channels, {std::int64_t{info.channels}});
+
+  ConversionPlan plan;
+  plan.samples = findSamples(info, plan.warnings);
+  AiffMetadata metadata = mapWavMetadata(info, plan.samples.frameCount, plan.warnings);
+  AiffContent content{.channels = info.channels,
+                      .sampleSize = static_cast<std::uint16_t>(info.bitsPerSample),
+                      .sampleRate = info.sampleRate,
+                      .frameCount = plan.samples.frameCount,
+                      .markers = std::move(metadata.markers),
+                      .instrument = metadata.instrument};
+  auto [header, trailer] = writeAiff(content);
+  plan.header = std::move(header);
+  plan.trailer = std::move(trailer);
+  plan.summary = summarise(content, metadata.loops.size());
+  plan.content = std::move(content);
+  return plan;
+}
+
+}  // namespace corvana

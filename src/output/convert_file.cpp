@@ -1,0 +1,48 @@
+#include "output/convert_file.hpp"
+
+#include "convert/carry_out.hpp"
+#include "convert/plan_aiff_to_wav.hpp"
+#include "convert/plan_wav_to_aiff.hpp"
+#include "platform/texts.hpp"
+
+namespace corvana {
+namespace {
+
+/// The content of a mapped file.
+class InputFileSource : public ByteSource {
+ public:
+  explicit InputFileSource(const InputFile& file) : file_(file) {}
+  void read(std::uint64_t offset, std::size_t size,
+            const std::function<void(ByteView)>& use) const override {
+    file_.read([&](ByteView content) { use(content.subspan(offset, size)); });
+  }
+
+ private:
+  const InputFile& file_;
+};
+
+ConversionResult convertFile(const ConversionPlan& plan, const InputFile& input,
+                             const OutputTarget& output, const ProgressHandler& progress) {
+  OutputFile file(output);
+  carryOut(plan, InputFileSource(input), file, progress);
+  file.close();
+
+  ConversionResult result{output.url, makeSummary(plan.summary, systemLanguage()), {}};
+  for (const Warning& warning : plan.warnings)
+    result.warnings.push_back(warningText(warning, systemLanguage()));
+  return result;
+}
+
+}  // namespace
+
+ConversionResult convertWAVToAIFF(const InputFile& input, const OutputTarget& output,
+                                  const ProgressHandler& progress) {
+  return convertFile(input.read(planWAVToAIFF), input, output, progress);
+}
+
+ConversionResult convertAIFFToWAV(const InputFile& input, const OutputTarget& output,
+                                  const ProgressHandler& progress) {
+  return convertFile(input.read(planAIFFToWAV), input, output, progress);
+}
+
+}  // namespace corvana

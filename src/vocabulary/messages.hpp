@@ -1,0 +1,48 @@
+// Everything that the engine says of a file, made from its records: the one place where the texts
+// of warnings, errors and the summary are written.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+
+#include "vocabulary/errors.hpp"
+#include "vocabulary/language.hpp"
+#include "vocabulary/warnings.hpp"
+
+namespace corvana {
+
+/// The figures of a converted file.
+struct Summary {
+  std::int64_t bits = 0;  ///< per sample
+  std::int64_t channels = 0;
+  std::uint32_t sampleRate = 0;  ///< Hz
+  std::optional<std::int64_t> rootKey =
+      std::nullopt;           ///< MIDI note, absent without instrument data
+  std::int64_t fineTune = 0;  ///< cents
+  std::int64_t loopCount = 0;
+  std::int64_t markerCount = 0;
+  std::int64_t cuePointCount = 0;
+};
+
+/// "16-bit, stereo, 44100 Hz, root key 60 (+12 ct), 2 loops, 4 markers". Counts of 0 are left out.
+std::string makeSummary(const Summary& summary, const Language& language);
+
+/// "16-bit"
+std::string bitDepthText(std::int64_t bits, const Language& language);
+
+/// "mono", "stereo", or "6 channels" for any other number, 0 and negative ones included.
+std::string channelsText(std::int64_t count, const Language& language);
+
+/// The short names by which programs know a warning or a failure, "loop-backward" or "format-tag"
+/// for example. They never change.
+const char* warningCode(WarningKind kind);
+const char* errorCode(const ConversionError& error);
+
+/// The line that a person reads.
+std::string warningText(const Warning& warning, const Language& language);
+
+/// The message of a failed conversion.
+std::string errorDescription(const ConversionError& error, const Language& language);
+
+}  // namespace corvana

@@ -1,0 +1,44 @@
+// What a conversion could not carry over exactly, as records.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <variant>
+#include <vector>
+
+namespace corvana {
+
+/// Which of the two loops of an AIFF instrument.
+enum class LoopRole { sustain, release };
+
+/// A value inside a message: a whole number, a real number, a loop of an AIFF instrument, or
+/// characters that are shown as they are.
+using MessageValue = std::variant<std::int64_t, double, LoopRole, std::string>;
+
+enum class WarningKind {
+  // WAV to AIFF. Loops are counted from 1.
+  incompleteFrame,  ///< sample data that does not fill its last frame
+  invalidLoop,      ///< loop, its start, its end
+  backwardLoop,     ///< loop
+  unknownLoopType,  ///< loop, its type
+  playCount,        ///< loop, how often it plays
+  loopsBeyondTwo,   ///< more loops than AIFF has a place for
+  // AIFF to WAV.
+  shortSoundData,   ///< frames that are there, frames declared
+  roundedRate,      ///< rate in the AIFF file, rate in the WAV file, in Hz
+  unknownPlayMode,  ///< loop role, its play mode
+  missingMarkers,   ///< loop role
+  invalidLoopRole,  ///< loop role, position of its begin marker, of its end marker
+  clampedGain,      ///< the gain in the AIFF file, in dB
+};
+
+/// A problem that did not stop a conversion.
+struct Warning {
+  WarningKind kind;
+  std::vector<MessageValue> values;  ///< as listed at the kind
+};
+
+/// The warnings of one file, in the order in which they arose.
+using Warnings = std::vector<Warning>;
+
+}  // namespace corvana
