@@ -82,7 +82,8 @@ AiffInfo parseAiff(ByteView file) {
       if (chunk.body.size() < aiff_layout::soundHeaderSize) return;
       const std::uint64_t skipped =
           aiff_layout::soundHeaderSize + std::uint64_t{fieldsOf(chunk.body).u32(0)};
-      info.soundOffset = std::min<std::uint64_t>(chunk.bodyOffset + skipped, file.size());
+      info.soundOffset = static_cast<std::size_t>(
+          std::min<std::uint64_t>(chunk.bodyOffset + skipped, file.size()));
       info.soundSize = chunk.body.size() - std::min<std::uint64_t>(skipped, chunk.body.size());
       hasSound = true;
     } else if (chunk.id == "MARK") {

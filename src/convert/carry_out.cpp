@@ -11,9 +11,9 @@ void copySampleFrames(const SampleRun& samples, const ByteSource& source, ByteSi
                       const ProgressHandler& progress) {
   const std::uint64_t sourceFrameSize = samples.sourceFrameSize();
   const std::uint64_t framesPerBlock = std::max<std::uint64_t>(maxBlockSize / sourceFrameSize, 1);
-  // A short file does not pay for a whole block.
-  const auto buffer = std::make_unique_for_overwrite<std::uint8_t[]>(static_cast<std::size_t>(
-      std::min<std::uint64_t>(framesPerBlock, samples.frameCount) * samples.outputFrameSize()));
+  // A short file does not pay for a whole block, and nothing for filling it with zeros.
+  const std::unique_ptr<std::uint8_t[]> buffer(new std::uint8_t[static_cast<std::size_t>(
+      std::min<std::uint64_t>(framesPerBlock, samples.frameCount) * samples.outputFrameSize())]);
   for (std::uint64_t done = 0; done < samples.frameCount;) {
     const std::uint64_t frames = std::min(framesPerBlock, samples.frameCount - done);
     const std::span block(buffer.get(),

@@ -31,14 +31,17 @@ struct SurroundingBytes {
 /// file is the last.
 template <typename Visit>
 void walkChunks(ByteView file, ByteOrder order, const Visit& visit) {
-  std::uint64_t position = fileHeaderSize;
-  while (position + chunkHeaderSize <= file.size()) {
+  std::size_t position = fileHeaderSize;
+  while (position <= file.size() && file.size() - position >= chunkHeaderSize) {
     const Fields header(file.subspan(position, chunkHeaderSize), order);
     const std::uint32_t declaredSize = header.u32(4);
     const std::size_t bodyOffset = position + chunkHeaderSize;
-    const std::size_t usableSize = std::min<std::size_t>(declaredSize, file.size() - bodyOffset);
-    visit(Chunk{header.id(0), file.subspan(bodyOffset, usableSize), bodyOffset});
-    position += chunkHeaderSize + std::uint64_t{declaredSize} + (declaredSize & 1U);
+    const std::size_t left = file.size() - bodyOffset;
+    visit(Chunk{header.id(0), file.subspan(bodyOffset, std::min<std::size_t>(declaredSize, left)),
+                bodyOffset});
+    const std::uint64_t paddedSize = std::uint64_t{declaredSize} + (declaredSize & 1U);
+    if (paddedSize > left) return;
+    position = bodyOffset + static_cast<std::size_t>(paddedSize);
   }
 }
 

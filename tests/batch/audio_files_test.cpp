@@ -6,6 +6,7 @@
 #include "convert/detect_format.hpp"
 #include "support/audio_builder.hpp"
 #include "support/conversion.hpp"
+#include "support/temporary_folder.hpp"
 
 namespace corvana {
 namespace {

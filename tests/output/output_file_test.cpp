@@ -3,9 +3,10 @@
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
+#include "convert/plan_wav_to_aiff.hpp"
 #include "support/audio_builder.hpp"
+#include "support/conversion.hpp"
 #include "support/temporary_folder.hpp"
-#include "vocabulary/errors.hpp"
 
 namespace corvana {
 namespace {
@@ -51,6 +52,20 @@ TEST(OutputFile, NeverRemovesTheInputAFolderOrASpecialFile) {
     EXPECT_TRUE(fs::exists(folder / name)) << name;
   }
   EXPECT_THROW(create(input / "sub/out.wav", true), FileError) << "no folder can be made";
+}
+
+TEST(ConvertFile, RefusesMoreSoundThanAnAiffFileHolds) {
+  const TemporaryFolder folder;
+  const fs::path big =
+      folder.write("b", wav({fmt({.blockAlign = 1, .bits = 8}), bytes("'data' FF FF FF FF")}));
+  const auto planFrames = [&](std::uint64_t frames) {
+    fs::resize_file(big, 44 + frames);
+    const InputFile input(big);
+    return input.read(planWAVToAIFF).samples.frameCount;
+  };
+  constexpr std::uint64_t maxFrames = 4294966270 - 8;
+  EXPECT_EQ(errorOf([&] { planFrames(maxFrames + 1); }), "The file is too large (max. 4 GB).");
+  EXPECT_EQ(planFrames(maxFrames), maxFrames);
 }
 
 }  // namespace

@@ -9,7 +9,7 @@
 #include "convert/carry_out.hpp"
 #include "convert/plan_aiff_to_wav.hpp"
 #include "convert/plan_wav_to_aiff.hpp"
-#include "support/temporary_folder.hpp"
+#include "vocabulary/bytes.hpp"
 
 namespace corvana::test {
 
