@@ -97,15 +97,13 @@ CORVANA_BYTE_SHUFFLES inline void convertGroup(const Byte* __restrict source,
                                                Byte* __restrict output,
                                                std::index_sequence<vector...>) {
   constexpr std::size_t size = groupSize / sourceWidth * outputWidth;
-  const auto store = [output](auto... bytes) {
-    (__builtin_memcpy(output + vector * vectorSize, &bytes,
-                      std::min(vectorSize, size - vector * vectorSize)),
-     ...);
-  };
-  // All loads come before the first store: taking turns with them is a fifth slower.
-  store((shuffledBytes<sourceWidth, outputWidth, vector * vectorSize>(
-             source, std::make_index_sequence<vectorSize>()) ^
-         inversion<sourceWidth>)...);
+  // All loads come before the first store: taking turns with them is slower on some processors.
+  const Vector bytes[] = {shuffledBytes<sourceWidth, outputWidth, vector * vectorSize>(
+                              source, std::make_index_sequence<vectorSize>()) ^
+                          inversion<sourceWidth>...};
+  (__builtin_memcpy(output + vector * vectorSize, &bytes[vector],
+                    std::min(vectorSize, size - vector * vectorSize)),
+   ...);
 }
 
 /// Converts three whole vectors at a time, so that no load or store overlaps another. Vectors of
