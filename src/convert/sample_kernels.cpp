@@ -6,11 +6,11 @@
 #include <utility>
 
 // Byte shuffles need the compiler's vectors (GCC 12, any current Clang) and a processor that has
-// the instruction: every 64-bit ARM, and x86 with AVX2, which is asked for at run time.
+// the instruction: every 64-bit ARM, and x86 with SSSE3, which is asked for at run time.
 #if defined(__has_builtin)
 #if __has_builtin(__builtin_shufflevector)
 #if defined(__x86_64__) || defined(__i386__)
-#define CORVANA_BYTE_SHUFFLES [[gnu::target("avx2")]]
+#define CORVANA_BYTE_SHUFFLES [[gnu::target("ssse3")]]
 #elif defined(__aarch64__)
 #define CORVANA_BYTE_SHUFFLES
 #endif
@@ -32,8 +32,9 @@ constexpr std::size_t reversedIndex(std::size_t index) {
 template <std::size_t sourceWidth>
 constexpr Byte inversion = sourceWidth == 1 ? 0x80 : 0;
 
-/// What the other kernels do in large steps, and the end that is left over by them. Compilers
-/// make vectors of it where all widths are powers of two.
+/// What shuffles do in large steps, and the end that is left over by them. Compilers make vectors
+/// of it where the widths are powers of two: GCC always, Clang where they are also equal and at
+/// most two bytes.
 template <std::size_t sourceWidth, std::size_t outputWidth>
 void convertOneByOne(const Byte* __restrict source, Byte* __restrict output, std::size_t samples) {
   for (std::size_t s = 0; s < samples; ++s)
@@ -48,41 +49,13 @@ void copyBytes(const Byte* __restrict source, Byte* __restrict output, std::size
   if (samples != 0) std::memcpy(output, source, samples * width);
 }
 
-/// A multiple of every width and of the usual vector sizes up to 16 bytes.
-constexpr std::size_t groupSize = 48;
-
-/// Reverses without moving bytes inside a vector: a byte comes from the same place of the source
-/// seen a few bytes earlier or later, so each of `width` shifted views gives the bytes that a
-/// mask picks. Compilers make plain vector loads, ands and ors of it on every processor.
-template <std::size_t width>
-void convertByMasks(const Byte* __restrict source, Byte* __restrict output, std::size_t samples) {
-  static constexpr auto masks = [] {
-    std::array<std::array<Byte, groupSize>, width> result{};
-    for (std::size_t k = 0; k < groupSize; ++k)
-      result[k % width][k] = 0xFF;
-    return result;
-  }();
-  constexpr std::size_t step = groupSize / width;
-  // The views reach beyond the group by less than a sample, so the first and the last sample
-  // never belong to one.
-  std::size_t done = samples == 0 ? 0 : 1;
-  convertOneByOne<width, width>(source, output, done);
-  for (; done + step < samples; done += step) {
-    const Byte* const previousSample = source + (done - 1) * width;
-    Byte* const to = output + done * width;
-    for (std::size_t k = 0; k < groupSize; ++k) {
-      Byte value = 0;
-      for (std::size_t place = 0; place < width; ++place)
-        value |= static_cast<Byte>(previousSample[k + 2 * width - 1 - 2 * place] & masks[place][k]);
-      to[k] = value;
-    }
-  }
-  convertOneByOne<width, width>(source + done * width, output + done * width, samples - done);
-}
-
 #ifdef CORVANA_BYTE_SHUFFLES
 
 constexpr std::size_t vectorSize = 16;
+
+/// A multiple of every width and of vectorSize.
+constexpr std::size_t groupSize = 48;
+
 using Vector [[gnu::vector_size(vectorSize)]] = Byte;
 
 // The built-in form of memcpy: behind the checked one of hardened builds, Clang leaves a copy of
@@ -124,15 +97,13 @@ CORVANA_BYTE_SHUFFLES inline void convertGroup(const Byte* __restrict source,
                                                Byte* __restrict output,
                                                std::index_sequence<vector...>) {
   constexpr std::size_t size = groupSize / sourceWidth * outputWidth;
-  const auto store = [output](auto... bytes) {
-    (__builtin_memcpy(output + vector * vectorSize, &bytes,
-                      std::min(vectorSize, size - vector * vectorSize)),
-     ...);
-  };
-  // All loads come before the first store: taking turns with them is a fifth slower.
-  store((shuffledBytes<sourceWidth, outputWidth, vector * vectorSize>(
-             source, std::make_index_sequence<vectorSize>()) ^
-         inversion<sourceWidth>)...);
+  // All loads come before the first store: taking turns with them is slower on some processors.
+  const Vector bytes[] = {shuffledBytes<sourceWidth, outputWidth, vector * vectorSize>(
+                              source, std::make_index_sequence<vectorSize>()) ^
+                          inversion<sourceWidth>...};
+  (__builtin_memcpy(output + vector * vectorSize, &bytes[vector],
+                    std::min(vectorSize, size - vector * vectorSize)),
+   ...);
 }
 
 /// Converts three whole vectors at a time, so that no load or store overlaps another. Vectors of
@@ -158,7 +129,6 @@ SampleKernel kernel([[maybe_unused]] Processor processor) {
 #ifdef CORVANA_BYTE_SHUFFLES
   if (processor == Processor::shufflesBytes) return convertByShuffles<sourceWidth, outputWidth>;
 #endif
-  if constexpr (sourceWidth == outputWidth && sourceWidth > 1) return convertByMasks<sourceWidth>;
   return convertOneByOne<sourceWidth, outputWidth>;
 }
 
@@ -168,7 +138,7 @@ Processor thisProcessor() {
 #if defined(CORVANA_BYTE_SHUFFLES) && defined(__aarch64__)
   return Processor::shufflesBytes;
 #elif defined(CORVANA_BYTE_SHUFFLES)
-  if (__builtin_cpu_supports("avx2")) return Processor::shufflesBytes;
+  if (__builtin_cpu_supports("ssse3")) return Processor::shufflesBytes;
 #endif
   return Processor::anyKind;
 }

@@ -1,4 +1,5 @@
-// Moves the bytes of samples between the byte orders of the two formats.
+// Moves the bytes of samples between the byte orders of the two formats. Works in memory only and
+// calls no system, so that it builds for WebAssembly as well.
 #pragma once
 
 #include <cstdint>
@@ -15,9 +16,10 @@ struct SampleConversion {
   bool reverseBytes = true;       ///< the byte orders differ
 };
 
-/// Converts as many samples as `output` holds. Where the output is narrower, the least
-/// significant bytes of the (then little-endian) source are dropped. Single-byte samples change
-/// between signed and unsigned instead: their top bit is inverted.
+/// Converts as many samples as `output` holds, output.size() / outputWidth; `source` holds at
+/// least samples * sourceWidth bytes and does not overlap the output. Where the output is
+/// narrower, the least significant bytes of the (then little-endian) source are dropped.
+/// Single-byte samples change between signed and unsigned instead: their top bit is inverted.
 void convertSamples(const SampleConversion& conversion, ByteView source,
                     std::span<std::uint8_t> output);
 
@@ -30,7 +32,7 @@ enum class Processor {
 /// What this processor can do, and the program was compiled to make use of.
 Processor thisProcessor();
 
-/// The inner loop of convertSamples. Source and output do not overlap and need no alignment.
+/// The inner loop of convertSamples, with the same demands. Neither side needs an alignment.
 using SampleKernel = void (*)(const std::uint8_t* source, std::uint8_t* output,
                               std::size_t samples);
 
