@@ -3,12 +3,10 @@
 #include <CLI/CLI.hpp>
 #include <csignal>
 #include <cstdio>
-#include <fcntl.h>
 #include <filesystem>
 #include <optional>
 #include <string>
 #include <system_error>
-#include <unistd.h>
 #include <vector>
 
 #include "batch/batch_driver.hpp"
@@ -16,6 +14,7 @@
 #include "cli/terminal_view.hpp"
 #include "platform/bundle_info.hpp"
 #include "platform/queues.hpp"
+#include "platform/standard_streams.hpp"
 #include "platform/texts.hpp"
 
 namespace {
@@ -104,15 +103,6 @@ bool reportMissing(const std::vector<fs::path>& paths) {
   return isMissing;
 }
 
-/// A program started with a closed standard stream would give its number to the next file it
-/// opens, and the log would end up in somebody's samples.
-void reserveStandardStreams() {
-  int descriptor = ::open("/dev/null", O_RDWR);
-  while (descriptor >= 0 && descriptor <= STDERR_FILENO)
-    descriptor = ::dup(descriptor);
-  if (descriptor >= 0) ::close(descriptor);
-}
-
 int convert(const Arguments& arguments) {
   const std::vector<fs::path> paths(arguments.paths.begin(), arguments.paths.end());
   bool failed = reportMissing(paths);
@@ -144,7 +134,7 @@ int convert(const Arguments& arguments) {
 
 int main(int argumentCount, char** argumentValues) {
   try {
-    reserveStandardStreams();
+    corvana::reserveStandardStreams();
     // A reader that went away and a limit on the size of files are failed writes, not the end.
     std::signal(SIGPIPE, SIG_IGN);
     std::signal(SIGXFSZ, SIG_IGN);
