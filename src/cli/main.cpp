@@ -1,7 +1,6 @@
 // corvana-cli: converts files and folders from the command line.
 
 #include <CLI/CLI.hpp>
-#include <csignal>
 #include <cstdio>
 #include <filesystem>
 #include <optional>
@@ -10,9 +9,9 @@
 #include <vector>
 
 #include "batch/batch_driver.hpp"
-#include "cli/interrupts.hpp"
 #include "cli/terminal_view.hpp"
 #include "platform/bundle_info.hpp"
+#include "platform/ending.hpp"
 #include "platform/queues.hpp"
 #include "platform/standard_streams.hpp"
 #include "platform/texts.hpp"
@@ -109,16 +108,15 @@ int convert(const Arguments& arguments) {
 
   corvana::RunLoop mainQueue;
   corvana::TerminalView view(arguments.options);
-  corvana::holdInterrupts();
+  corvana::catchInterrupts();
   corvana::BatchDriver driver(view, mainQueue);
-  const corvana::InterruptWatcher interrupts([&driver] { driver.stop(); });
 
   driver.processURLs(paths);
   if (driver.totalFiles() == 0) failed = true;
   mainQueue.runUntil([&] { return driver.totalFiles() == 0; });
-  if (interrupts.exitStatus() != 0) {
+  if (corvana::interruptStatus() != 0) {
     view.erase();
-    return interrupts.exitStatus();
+    return corvana::interruptStatus();
   }
   view.finish();
 
@@ -135,9 +133,7 @@ int convert(const Arguments& arguments) {
 int main(int argumentCount, char** argumentValues) {
   try {
     corvana::reserveStandardStreams();
-    // A reader that went away and a limit on the size of files are failed writes, not the end.
-    std::signal(SIGPIPE, SIG_IGN);
-    std::signal(SIGXFSZ, SIG_IGN);
+    corvana::ignoreWriteSignals();
     corvana::useSystemLanguage(corvana::runningProgramFolder());
     Arguments arguments;
     const auto status = parseArguments(argumentCount, argumentValues, arguments);
