@@ -1,5 +1,5 @@
 # Fails when an #include in src/ points upwards or sideways: every folder may use itself and
-# what stands below it, and only the window's folders know Qt.
+# what stands below it, only the window's folders know Qt, and only platform/ knows the system.
 #   cmake -DSOURCES=…/src -P layering.cmake
 
 cmake_minimum_required(VERSION 3.25)
@@ -18,6 +18,9 @@ set(update_uses update vocabulary platform)
 set(cli_uses cli batch vocabulary platform)
 set(app_uses app update batch vocabulary platform)
 set(folders_with_toolkit app update)
+set(pure_folders vocabulary wav aiff convert)
+set(system_header "\\.h>|<csignal>")
+set(impure_header "<(atomic|c?locale|condition_variable|filesystem|fstream|mutex|thread)>")
 
 file(GLOB_RECURSE sources RELATIVE ${SOURCES} ${SOURCES}/*.hpp ${SOURCES}/*.cpp)
 if(NOT sources)
@@ -34,6 +37,10 @@ foreach(source ${sources})
       message(SEND_ERROR "${source} must not use ${CMAKE_MATCH_1}/: ${include}")
     elseif(include MATCHES "<Q" AND NOT folder IN_LIST folders_with_toolkit)
       message(SEND_ERROR "${source} must not use Qt: ${include}")
+    elseif(include MATCHES "${system_header}" AND NOT folder STREQUAL platform)
+      message(SEND_ERROR "${source} must leave the system to platform/: ${include}")
+    elseif(include MATCHES "${impure_header}" AND folder IN_LIST pure_folders)
+      message(SEND_ERROR "${source} must do without files, threads and locales: ${include}")
     endif()
   endforeach()
 endforeach()

@@ -6,16 +6,14 @@
 #include <QIcon>
 #include <QLibraryInfo>
 #include <QTranslator>
-#include <csignal>
 #include <string_view>
-#include <sys/time.h>
 #include <system_error>
-#include <unistd.h>
 
 #include "app/desktop_bus.hpp"
 #include "app/main_window.hpp"
 #include "app/qt_values.hpp"
 #include "platform/bundle_info.hpp"
+#include "platform/ending.hpp"
 #include "platform/texts.hpp"
 
 namespace {
@@ -80,18 +78,10 @@ std::vector<fs::path> filesOfCommandLine(int count, char** arguments) {
   return files;
 }
 
-/// From here on the program ends within a second. Its work thread stops after the current block
-/// of samples and is waited for, unless a disk or network that does not answer holds it.
-void endInTime() {
-  std::signal(SIGALRM, [](int) { ::_exit(0); });
-  const itimerval grace{{0, 0}, {0, 800'000}};
-  ::setitimer(ITIMER_REAL, &grace, nullptr);
-}
-
 }  // namespace
 
 int main(int argumentCount, char** argumentValues) {
-  std::signal(SIGXFSZ, SIG_IGN);  // a limit on the size of files is a failed write, not the end
+  corvana::ignoreWriteSignals();
   corvana::useSystemLanguage(corvana::runningProgramFolder());
   describeProgram();
   QApplication application(argumentCount, argumentValues);
@@ -108,7 +98,9 @@ int main(int argumentCount, char** argumentValues) {
   corvana::MainWindow window(&delegate);
   window.show();
   const int status = QApplication::exec();
-  endInTime();
+  // The work thread stops after the current block of samples and is waited for, unless a disk or
+  // network that does not answer holds it.
+  corvana::endInTime();
   corvana::leaveDesktop();
   return status;
 }

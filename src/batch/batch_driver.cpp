@@ -51,10 +51,10 @@ void BatchDriver::processURLs(const std::vector<fs::path>& urls) {
 
 void BatchDriver::convertFiles(const std::vector<std::string>& files, Options options) {
   for (const std::string& file : files) {
-    if (stopped_) break;
+    if (isStopped()) break;
     convertFile(file, options);
   }
-  if (stopped_) mainQueue_.post([this] { totalFiles_ = finishedFiles_ = 0; });
+  if (isStopped()) mainQueue_.post([this] { totalFiles_ = finishedFiles_ = 0; });
 }
 
 void BatchDriver::convertFile(const fs::path& url, Options options) {
@@ -71,7 +71,7 @@ void BatchDriver::convertFile(const fs::path& url, Options options) {
         options.overwrite, input.identity()};
     const ProgressHandler progress = [&](double fraction) {
       // A file whose samples are all written is finished rather than left without its end.
-      if (stopped_ && fraction < 1.0)
+      if (isStopped() && fraction < 1.0)
         throw FileError(ECANCELED, localised("Stopped – '%1$@' is incomplete."), output.url);
       reportProgress(fraction);
     };

@@ -8,6 +8,7 @@
 #include <string>
 #include <vector>
 
+#include "platform/ending.hpp"
 #include "platform/queues.hpp"
 
 namespace corvana {
@@ -43,7 +44,8 @@ class BatchDriver {
   void processURLs(const std::vector<std::filesystem::path>& urls);
 
   /// No further file is started, and the one being converted ends after its current block as a
-  /// failed file. Any thread.
+  /// failed file. For good: files given later are not converted either. A signal that asks the
+  /// program to end (catchInterrupts) does the same. Any thread.
   void stop() { stopped_ = true; }
 
   /// Files accepted, and files finished, since the last run ended; both 0 between runs.
@@ -59,6 +61,7 @@ class BatchDriver {
   };
 
   // On the work queue.
+  bool isStopped() const { return stopped_ || interruptStatus() != 0; }
   void convertFiles(const std::vector<std::string>& files, Options options);
   void convertFile(const std::filesystem::path& url, Options options);
   void reportProgress(double fraction);

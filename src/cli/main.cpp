@@ -1,21 +1,19 @@
 // corvana-cli: converts files and folders from the command line.
 
 #include <CLI/CLI.hpp>
-#include <csignal>
 #include <cstdio>
-#include <fcntl.h>
 #include <filesystem>
 #include <optional>
 #include <string>
 #include <system_error>
-#include <unistd.h>
 #include <vector>
 
 #include "batch/batch_driver.hpp"
-#include "cli/interrupts.hpp"
 #include "cli/terminal_view.hpp"
 #include "platform/bundle_info.hpp"
+#include "platform/ending.hpp"
 #include "platform/queues.hpp"
+#include "platform/standard_streams.hpp"
 #include "platform/texts.hpp"
 #include "vocabulary/screen_text.hpp"
 
@@ -105,31 +103,21 @@ bool reportMissing(const std::vector<fs::path>& paths) {
   return isMissing;
 }
 
-/// A program started with a closed standard stream would give its number to the next file it
-/// opens, and the log would end up in somebody's samples.
-void reserveStandardStreams() {
-  int descriptor = ::open("/dev/null", O_RDWR);
-  while (descriptor >= 0 && descriptor <= STDERR_FILENO)
-    descriptor = ::dup(descriptor);
-  if (descriptor >= 0) ::close(descriptor);
-}
-
 int convert(const Arguments& arguments) {
   const std::vector<fs::path> paths(arguments.paths.begin(), arguments.paths.end());
   bool failed = reportMissing(paths);
 
   corvana::RunLoop mainQueue;
   corvana::TerminalView view(arguments.options);
-  corvana::holdInterrupts();
+  corvana::catchInterrupts();
   corvana::BatchDriver driver(view, mainQueue);
-  const corvana::InterruptWatcher interrupts([&driver] { driver.stop(); });
 
   driver.processURLs(paths);
   if (driver.totalFiles() == 0) failed = true;
   mainQueue.runUntil([&] { return driver.totalFiles() == 0; });
-  if (interrupts.exitStatus() != 0) {
+  if (corvana::interruptStatus() != 0) {
     view.erase();
-    return interrupts.exitStatus();
+    return corvana::interruptStatus();
   }
   view.finish();
 
@@ -145,10 +133,8 @@ int convert(const Arguments& arguments) {
 
 int main(int argumentCount, char** argumentValues) {
   try {
-    reserveStandardStreams();
-    // A reader that went away and a limit on the size of files are failed writes, not the end.
-    std::signal(SIGPIPE, SIG_IGN);
-    std::signal(SIGXFSZ, SIG_IGN);
+    corvana::reserveStandardStreams();
+    corvana::ignoreWriteSignals();
     corvana::useSystemLanguage(corvana::runningProgramFolder());
     Arguments arguments;
     const auto status = parseArguments(argumentCount, argumentValues, arguments);

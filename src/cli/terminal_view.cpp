@@ -4,9 +4,8 @@
 #include <array>
 #include <cmath>
 #include <cstdio>
-#include <sys/ioctl.h>
-#include <unistd.h>
 
+#include "platform/standard_streams.hpp"
 #include "vocabulary/screen_text.hpp"
 
 namespace corvana {
@@ -15,12 +14,6 @@ namespace {
 constexpr std::chrono::milliseconds redrawInterval{50};
 constexpr int barWidth = 24;
 constexpr const char* eraseLine = "\r\x1b[K";
-
-std::size_t terminalWidth() {
-  winsize size{};
-  if (::ioctl(STDERR_FILENO, TIOCGWINSZ, &size) != 0 || size.ws_col == 0) return 80;
-  return size.ws_col;
-}
 
 /// The first `count` characters of a UTF-8 text.
 std::string firstCharacters(const std::string& text, std::size_t count) {
@@ -50,8 +43,8 @@ std::string progressBar(double fraction) {
 
 TerminalView::TerminalView(const TerminalOptions& options)
     : options_(options),
-      logOnTerminal_(::isatty(STDOUT_FILENO) != 0),
-      drawsProgress_(!options.quiet && ::isatty(STDERR_FILENO) != 0) {}
+      logOnTerminal_(isTerminal(stdout)),
+      drawsProgress_(!options.quiet && isTerminal(stderr)) {}
 
 void TerminalView::setStatus(const std::string& text) {
   status_ = text;
@@ -82,7 +75,7 @@ void TerminalView::draw() {
   if (!drawsProgress_ || now - lastDrawn_ < redrawInterval) return;
   lastDrawn_ = now;
   const std::string line = progressBar(progress_) + oneLine(readableText(status_));
-  std::fprintf(stderr, "%s%s", eraseLine, firstCharacters(line, terminalWidth() - 1).c_str());
+  std::fprintf(stderr, "%s%s", eraseLine, firstCharacters(line, terminalWidth(stderr) - 1).c_str());
   std::fflush(stderr);
   isDrawn_ = true;
 }

@@ -4,6 +4,7 @@
 
 #include "support/audio_builder.hpp"
 #include "support/conversion.hpp"
+#include "support/temporary_folder.hpp"
 
 namespace corvana {
 namespace {

@@ -148,7 +148,7 @@ TEST_F(Program, StopsWithinASecond) {
   in.write("big.wav", wav({fmt({}), bytes("'data' FF FF FF EF")}));
   fs::resize_file(in / "big.wav", 3'900'000'000);
   writeWav("next.wav");
-  for (const int signal : {SIGINT, SIGTERM}) {
+  for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
     const pid_t child = start({"--overwrite", "big.wav", "next.wav"});
     while (!fs::exists(in / "big.aif") || fs::file_size(in / "big.aif") < 5'000'000)
       std::this_thread::sleep_for(1ms);
@@ -156,9 +156,48 @@ TEST_F(Program, StopsWithinASecond) {
     ::kill(child, signal);
     const Outcome outcome = finish(child);
     EXPECT_LT(std::chrono::steady_clock::now() - asked, 1s);
-    EXPECT_EQ(outcome.status, signal == SIGINT ? 130 : 143);
+    EXPECT_EQ(outcome.status, 128 + signal);
     EXPECT_EQ(outcome.output, "✗ big.wav: Stopped – 'big.aif' is incomplete.\n");
     fs::remove(in / "big.aif");
+  }
+}
+
+TEST_F(Program, EndsWhileNobodyTakesItsLog) {
+#ifdef CORVANA_THREAD_SANITIZER
+  GTEST_SKIP() << "the sanitizer holds a signal back until the system call returns";
+#endif
+  writeWav("a.wav");
+  const struct {
+    std::vector<int> signals;
+    int ignored, status;
+    std::chrono::milliseconds minTime, maxTime;  ///< from the last signal to the end
+  } cases[] = {
+      {{SIGHUP}, 0, 129, 700ms, 999ms},
+      {{SIGINT, SIGINT}, 0, 130, 0ms, 500ms},
+      {{SIGINT, SIGTERM}, SIGINT, 143, 700ms, 999ms},
+  };
+  for (const auto& c : cases) {
+    const pid_t child = start({"a.wav"}, [&c] {
+      int ends[2];
+      if (::pipe2(ends, O_NONBLOCK) != 0) ::_exit(98);
+      while (::write(ends[1], std::string(4096, ' ').data(), 4096) > 0) {
+      }
+      ::fcntl(ends[1], F_SETFL, 0);
+      ::dup2(ends[1], 1);
+      if (c.ignored != 0) std::signal(c.ignored, SIG_IGN);
+    });
+    while (!fs::exists(in / "a.aif"))
+      std::this_thread::sleep_for(1ms);
+    std::chrono::steady_clock::time_point asked;
+    for (const int signal : c.signals) {
+      std::this_thread::sleep_for(50ms);
+      asked = std::chrono::steady_clock::now();
+      ::kill(child, signal);
+    }
+    EXPECT_EQ(finish(child).status, c.status);
+    const auto duration = std::chrono::steady_clock::now() - asked;
+    EXPECT_TRUE(duration >= c.minTime && duration <= c.maxTime) << c.status;
+    fs::remove(in / "a.aif");
   }
 }
 

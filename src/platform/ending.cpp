@@ -1,0 +1,72 @@
+#include "platform/ending.hpp"
+
+#include <atomic>
+#include <cerrno>
+#include <csignal>
+#include <sys/time.h>
+#include <unistd.h>
+
+namespace corvana {
+namespace {
+
+/// Time to finish the current block or small file; together with the way out it stays below a
+/// second.
+constexpr itimerval grace{{0, 0}, {0, 800'000}};
+
+std::atomic<int> exitStatus = 0;
+static_assert(std::atomic<int>::is_always_lock_free, "set by a signal handler");
+
+void onGraceOver(int) {
+  ::_exit(exitStatus);
+}
+
+// Nothing but system calls, since it may interrupt any thread anywhere.
+void onInterrupt(int signal) {
+  const int savedError = errno;
+  int earlier = 0;
+  if (!exitStatus.compare_exchange_strong(earlier, 128 + signal)) ::_exit(earlier);
+  ::setitimer(ITIMER_REAL, &grace, nullptr);
+  errno = savedError;
+}
+
+bool isIgnored(int signal) {
+  struct sigaction action {};
+  return ::sigaction(signal, nullptr, &action) == 0 && action.sa_handler == SIG_IGN;
+}
+
+void handle(int signal, void (*handler)(int)) {
+  struct sigaction action {};
+  action.sa_handler = handler;
+  action.sa_flags = SA_RESTART;
+  ::sigemptyset(&action.sa_mask);
+  ::sigaction(signal, &action, nullptr);
+  // A program inherits what its parent has blocked.
+  sigset_t signals;
+  ::sigemptyset(&signals);
+  ::sigaddset(&signals, signal);
+  ::pthread_sigmask(SIG_UNBLOCK, &signals, nullptr);
+}
+
+}  // namespace
+
+void catchInterrupts() {
+  handle(SIGALRM, onGraceOver);
+  for (const int signal : {SIGINT, SIGTERM, SIGHUP})
+    if (!isIgnored(signal)) handle(signal, onInterrupt);
+}
+
+int interruptStatus() {
+  return exitStatus;
+}
+
+void endInTime() {
+  handle(SIGALRM, onGraceOver);
+  ::setitimer(ITIMER_REAL, &grace, nullptr);
+}
+
+void ignoreWriteSignals() {
+  std::signal(SIGPIPE, SIG_IGN);
+  std::signal(SIGXFSZ, SIG_IGN);
+}
+
+}  // namespace corvana
