@@ -32,13 +32,13 @@ inline constexpr std::int16_t forwardBackward = 2;
 
 /// The INST chunk, unchanged from the file.
 struct AiffInstrument {
-  std::int8_t baseNote = 0;  ///< MIDI note of the recording
-  std::int8_t detune = 0;    ///< cents, the correction to apply on playback
-  std::int8_t lowNote = 0;
-  std::int8_t highNote = 0;
-  std::int8_t lowVelocity = 0;
-  std::int8_t highVelocity = 0;
-  std::int16_t gain = 0;  ///< dB
+  std::int8_t baseNote = 0;      ///< MIDI note of the recording
+  std::int8_t detune = 0;        ///< cents, the correction to apply on playback
+  std::int8_t lowNote = 0;       ///< MIDI note, the lowest key to play it with
+  std::int8_t highNote = 0;      ///< MIDI note, the highest key
+  std::int8_t lowVelocity = 0;   ///< MIDI velocity, 1 to 127 in well-formed files
+  std::int8_t highVelocity = 0;  ///< MIDI velocity
+  std::int16_t gain = 0;         ///< dB
   AiffLoop sustainLoop;
   AiffLoop releaseLoop;
 };

@@ -7,11 +7,11 @@
 namespace corvana {
 namespace {
 
-constexpr std::size_t mostWaitingTasks = 1024;
+constexpr std::size_t maxWaitingTasks = 1024;
 
 /// A worker that converts small files posts thousands of tasks a second. To be woken for each
 /// would cost it as much as writing a file; this short a delay nobody sees.
-constexpr std::chrono::microseconds nap{500};
+constexpr std::chrono::microseconds wakeDelay{500};
 
 }  // namespace
 
@@ -55,7 +55,7 @@ void RunLoop::post(Task task) {
   {
     std::unique_lock lock(mutex_);
     drained_.wait(lock, [this] {
-      return tasks_.size() < mostWaitingTasks || std::this_thread::get_id() == runner_;
+      return tasks_.size() < maxWaitingTasks || std::this_thread::get_id() == runner_;
     });
     tasks_.push_back(std::move(task));
     wake = std::exchange(isAsleep_, false);
@@ -80,7 +80,7 @@ void RunLoop::takeTasks() {
   std::unique_lock lock(mutex_);
   if (tasks_.empty()) {
     lock.unlock();
-    std::this_thread::sleep_for(nap);
+    std::this_thread::sleep_for(wakeDelay);
     lock.lock();
   }
   isAsleep_ = tasks_.empty();

@@ -35,21 +35,21 @@ struct InstrumentChunk {
   std::uint8_t unshiftedNote = 0;  ///< MIDI note of the recording
   std::int8_t fineTune = 0;        ///< cents
   std::int8_t gain = 0;            ///< dB
-  std::uint8_t lowNote = 0;
-  std::uint8_t highNote = 0;
-  std::uint8_t lowVelocity = 0;
-  std::uint8_t highVelocity = 0;
+  std::uint8_t lowNote = 0;        ///< MIDI note, the lowest key to play it with
+  std::uint8_t highNote = 0;       ///< MIDI note, the highest key
+  std::uint8_t lowVelocity = 0;    ///< MIDI velocity, 1 to 127 in well-formed files
+  std::uint8_t highVelocity = 0;   ///< MIDI velocity
 };
 
 /// What the reader finds in a WAV file.
 struct WavInfo {
-  std::uint16_t channels = 0;        ///< 1 to 65535
-  std::uint32_t sampleRate = 0;      ///< Hz, never 0
-  std::uint32_t bytesPerSample = 0;  ///< bytes a sample occupies in the file, 1 to 4
-  std::uint32_t bitsPerSample = 0;   ///< effective bits, 1 to 8 × bytesPerSample
-  std::size_t dataOffset = 0;        ///< of the first sample byte in the file
-  std::uint64_t dataSize = 0;        ///< sample bytes that are there
-  std::uint32_t midiUnityNote = 0;
+  std::uint16_t channels = 0;           ///< 1 to 65535
+  std::uint32_t sampleRate = 0;         ///< Hz, never 0
+  std::uint32_t bytesPerSample = 0;     ///< bytes a sample occupies in the file, 1 to 4
+  std::uint32_t bitsPerSample = 0;      ///< effective bits, 1 to 8 × bytesPerSample
+  std::size_t dataOffset = 0;           ///< of the first sample byte in the file
+  std::uint64_t dataSize = 0;           ///< sample bytes that are there
+  std::uint32_t midiUnityNote = 0;      ///< MIDI note of the recording
   std::uint32_t midiPitchFraction = 0;  ///< fraction of a semitone above the note, of 2^32
   /// Present, possibly empty, exactly when the file has a usable smpl chunk.
   std::optional<std::vector<SampleLoop>> loops;
