@@ -124,6 +124,7 @@ std::string valueText(const MessageValue& value, const Language& language) {
 std::string fill(const char* form, const std::vector<MessageValue>& values,
                  const Language& language) {
   std::vector<std::string> texts;
+  texts.reserve(values.size());
   for (const MessageValue& value : values)
     texts.push_back(valueText(value, language));
   return fillText(language.localised(form),

@@ -46,11 +46,11 @@ Digits increased(Digits digits) {
 Digits shortestDigits(double magnitude) {
   constexpr int maxPlaces = 16;
   for (int places = 0; places < maxPlaces; ++places) {
-    const Digits nearest = roundedDigits(magnitude, places);
+    Digits nearest = roundedDigits(magnitude, places);
     if (readBackAs(nearest, magnitude)) return nearest;
     // Doubles lie twice as dense below a power of two as above it: there a number that is
     // farther away may read back where the nearest does not.
-    if (const Digits above = increased(nearest); readBackAs(above, magnitude)) return above;
+    if (Digits above = increased(nearest); readBackAs(above, magnitude)) return above;
   }
   return roundedDigits(magnitude, maxPlaces);
 }
