@@ -8,8 +8,8 @@
 
 #include "platform/texts.hpp"
 #include "update/simple_encrypt_text.hpp"
-#include "update/vantor_window_controller.hpp"
 #include "update/version_file.hpp"
+#include "update_window/vantor_window_controller.hpp"
 
 namespace {
 

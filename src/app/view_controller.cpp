@@ -12,7 +12,7 @@
 #include "app/qt_values.hpp"
 #include "platform/bundle_info.hpp"
 #include "platform/texts.hpp"
-#include "update/check_for_updates.hpp"
+#include "update_window/check_for_updates.hpp"
 
 namespace corvana {
 namespace {

@@ -12,7 +12,7 @@
 #include "app/main_window.hpp"
 #include "support/audio_builder.hpp"
 #include "support/temporary_folder.hpp"
-#include "update/vantor_window_controller.hpp"
+#include "update_window/vantor_window_controller.hpp"
 
 namespace corvana::test {
 namespace {

@@ -1,6 +1,6 @@
 // What the window cannot show of its requests.
 
-#include "update/fetch_version_file.hpp"
+#include "update_window/fetch_version_file.hpp"
 
 #include <QTest>
 #include <QThread>
@@ -8,7 +8,7 @@
 #include <gtest/gtest.h>
 #include <memory>
 
-#include "update/https_server.hpp"
+#include "update_window/https_server.hpp"
 
 namespace corvana::test {
 namespace {

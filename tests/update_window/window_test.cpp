@@ -8,11 +8,11 @@
 #include <gtest/gtest.h>
 
 #include "platform/texts.hpp"
-#include "update/check_for_updates.hpp"
-#include "update/https_server.hpp"
-#include "update/spinning_wheel.hpp"
-#include "update/vantor_window_controller.hpp"
-#include "update/web_address.hpp"
+#include "update_window/check_for_updates.hpp"
+#include "update_window/https_server.hpp"
+#include "update_window/spinning_wheel.hpp"
+#include "update_window/vantor_window_controller.hpp"
+#include "update_window/web_address.hpp"
 
 namespace corvana::test {
 namespace {

@@ -1,4 +1,4 @@
-#include "update/fetch_version_file.hpp"
+#include "update_window/fetch_version_file.hpp"
 
 #include <QCoreApplication>
 #include <QNetworkReply>

@@ -1,4 +1,4 @@
-#include "update/vantor_window_controller.hpp"
+#include "update_window/vantor_window_controller.hpp"
 
 #include <QApplication>
 #include <QCloseEvent>
@@ -13,12 +13,12 @@
 
 #include "platform/texts.hpp"
 #include "platform/unicode.hpp"
-#include "update/fetch_version_file.hpp"
 #include "update/result_texts.hpp"
-#include "update/spinning_wheel.hpp"
 #include "update/text_search.hpp"
 #include "update/version_number.hpp"
-#include "update/web_address.hpp"
+#include "update_window/fetch_version_file.hpp"
+#include "update_window/spinning_wheel.hpp"
+#include "update_window/web_address.hpp"
 
 namespace corvana {
 namespace {
