@@ -49,12 +49,11 @@ class Window : public testing::Test {
   }
   void waitForEnd() {
     EXPECT_TRUE(QTest::qWaitFor([&] { return controller().driver().totalFiles() == 0; }, patience));
-    QCoreApplication::processEvents();  // shows the last news
   }
   /// As the driver does it.
   void appendLog(const std::string& entry) {
-    static_cast<BatchView&>(controller()).appendLog(entry);
-    QCoreApplication::processEvents();
+    controller().appendLog(entry);
+    controller().showChanges();
   }
   static void click(QCheckBox& checkbox) {
     QTest::mouseClick(&checkbox, Qt::LeftButton, {}, QPoint(10, checkbox.height() / 2));
@@ -83,7 +82,6 @@ TEST_F(Window, ConvertsADroppedFolder) {
 TEST_F(Window, SaysSoWhereThereIsNothingToConvert) {
   makeWindow();
   controller().processURLs({folder.write("notes.txt", "no sound")});
-  QCoreApplication::processEvents();
   EXPECT_EQ(log(), "No WAV or AIFF files found.\n");
   EXPECT_EQ(status(), "Ready.");
 }
@@ -112,7 +110,6 @@ TEST_F(Window, CountsASecondDropIntoTheRun) {
   click(*controller().subfolderCheckbox);
   controller().processURLs({folder.write("3.wav", shortWav()), first});
   EXPECT_EQ(controller().driver().totalFiles(), 4);
-  QCoreApplication::processEvents();
   EXPECT_LT(progress(), 0.5);
   waitForEnd();
   EXPECT_EQ(status(), "Done – 4 files processed.");
