@@ -18,8 +18,7 @@ struct Phrase {
   std::u16string_view code;
 };
 
-/// An address stands before the shorter one that it begins with. No phrase and no code holds
-/// "ss", which would also match "ß".
+/// An address stands before the shorter one that it begins with.
 constexpr std::array<Phrase, 7> phrases = {{
     {u"https://www.corvana.example/resources/downloads/", u"#$d#"},
     {u"https://www.corvana.example/resources/", u"#$r#"},
