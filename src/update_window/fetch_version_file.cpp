@@ -3,7 +3,9 @@
 #include <QCoreApplication>
 #include <QNetworkReply>
 #include <QNetworkRequest>
-#include <QtConcurrent>
+#include <QPromise>
+#include <QThreadPool>
+#include <memory>
 #include <utility>
 
 #include "platform/unicode.hpp"
@@ -79,7 +81,13 @@ void DataTask::complete() {
     deleteLater();
     deliver_(parsing_.result(), status);
   });
-  parsing_.setFuture(QtConcurrent::run(parse_, std::move(text)));
+  const auto parsed = std::make_shared<QPromise<VantorErgebnis>>();
+  parsing_.setFuture(parsed->future());
+  QThreadPool::globalInstance()->start([parsed, parse = parse_, text = std::move(text)] {
+    parsed->start();
+    parsed->addResult(parse(text));
+    parsed->finish();
+  });
 }
 
 DataTask* fetchVersionFile(const QUrl& address, const std::u16string& applicationName,
