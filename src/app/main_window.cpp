@@ -126,8 +126,7 @@ void MainWindow::makeMenus() {
   file->addAction(qtText(localised("&Open…")), QKeySequence::Open, &controller_,
                   &ViewController::openDocument);
   file->addSeparator();
-  file->addAction(qtText(localised("&Quit")), Qt::CTRL | Qt::Key_Q, this, &MainWindow::close)
-      ->setMenuRole(QAction::QuitRole);
+  file->addAction(qtText(localised("&Quit")), Qt::CTRL | Qt::Key_Q, this, &MainWindow::close);
 
   QPlainTextEdit* log = controller_.logView;
   QMenu* edit = menuBar()->addMenu(qtText(localised("&Edit")));
@@ -142,8 +141,7 @@ void MainWindow::makeMenus() {
   help->addAction(qtText(localised("Check for &Updates…")), &controller_,
                   &ViewController::mnuCheckForUpdates);
   help->addSeparator();
-  help->addAction(qtText(localised("&About Corvana")), this, &MainWindow::showAbout)
-      ->setMenuRole(QAction::AboutRole);
+  help->addAction(qtText(localised("&About Corvana")), this, &MainWindow::showAbout);
 }
 
 void MainWindow::showAbout() {
