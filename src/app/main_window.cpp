@@ -19,7 +19,7 @@ namespace {
 constexpr QSize firstSize{860, 660};
 constexpr int margin = 16;
 constexpr int spacing = 12;
-constexpr int dropViewHeight = 150;  // at least
+constexpr int minDropViewHeight = 150;
 constexpr int barHeight = 8;
 
 /// An option of the user, with what it does in a tool tip.
@@ -41,7 +41,7 @@ MainWindow::MainWindow(AppDelegate* appDelegate) : controller_(appDelegate) {
 
 void MainWindow::makeViews() {
   auto* dropView = new DropView;
-  dropView->setMinimumHeight(dropViewHeight);
+  dropView->setMinimumHeight(minDropViewHeight);
   dropView->setAccessibleName(qtText(localised("Drop area for files and folders")));
   (new QVBoxLayout(dropView))->addWidget(makeInvitation(), 0, Qt::AlignCenter);
 

@@ -54,15 +54,15 @@ class ViewController : public DropViewDelegate, public BatchView {
 
   const BatchDriver& driver() const { return driver_; }
 
-  // The views need longer for one change than the driver for a short file, so what it says is
-  // gathered for showChanges.
   bool useSubfolder() const override;
   bool overwriteExisting() const override;
+  // The views need longer for one change than the driver for a short file, so changes gather
+  // until showChanges.
   void setStatus(const std::string& text) override;
   void setProgress(double fraction) override;
   void appendLog(const std::string& entry) override;
 
-  /// Brings the views up to date. Comes by itself after each batch of the driver's posts.
+  /// Brings the views up to date. Happens by itself after each batch of the driver's posts.
   void showChanges();
 
  public slots:

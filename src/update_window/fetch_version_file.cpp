@@ -14,13 +14,13 @@ namespace corvana {
 namespace {
 
 constexpr qint64 readBufferSize = qint64{64} * 1024;
-constexpr int largestRedirectCount = 10;
+constexpr int maxRedirects = 10;
 
 QNetworkRequest requestFor(const QUrl& address) {
   QNetworkRequest request(address);
   request.setAttribute(QNetworkRequest::RedirectPolicyAttribute,
                        QNetworkRequest::NoLessSafeRedirectPolicy);
-  request.setMaximumRedirectsAllowed(largestRedirectCount);
+  request.setMaximumRedirectsAllowed(maxRedirects);
   request.setAttribute(QNetworkRequest::CookieLoadControlAttribute, QNetworkRequest::Manual);
   request.setAttribute(QNetworkRequest::CookieSaveControlAttribute, QNetworkRequest::Manual);
   request.setAttribute(QNetworkRequest::Http2AllowedAttribute, false);
@@ -63,8 +63,8 @@ void DataTask::cancel() {
 }
 
 void DataTask::receive() {
-  body_ += reply_->read(largestVersionFile + 1 - body_.size());
-  if (body_.size() > largestVersionFile) cancel();
+  body_ += reply_->read(maxVersionFileSize + 1 - body_.size());
+  if (body_.size() > maxVersionFileSize) cancel();
 }
 
 void DataTask::complete() {
@@ -74,7 +74,7 @@ void DataTask::complete() {
   std::optional<std::u16string> text;
   if (!failed_ && isComplete(reply_->error(), status)) {
     body_ += reply_->readAll();
-    if (body_.size() <= largestVersionFile)
+    if (body_.size() <= maxVersionFileSize)
       text = utf16FromUtf8({body_.constData(), static_cast<std::size_t>(body_.size())});
   }
   connect(&parsing_, &QFutureWatcherBase::finished, this, [this, status] {

@@ -28,7 +28,7 @@ constexpr int windowWidth = 620;
 constexpr int windowHeight = 310;
 constexpr int headlineSize = 14;
 constexpr int textSize = 12;
-constexpr int smallestTextSize = 8;
+constexpr int minTextSize = 8;
 constexpr int iconSize = 64;
 
 QString vantor(const char* key) {
@@ -59,7 +59,7 @@ template <typename Control>
 void showText(Control& control, int size, const QString& text) {
   QFont font = control.font();
   control.setText(text);
-  for (; size >= smallestTextSize; --size) {
+  for (; size >= minTextSize; --size) {
     font.setPixelSize(size);
     control.setFont(font);
     if (showsWholeText(control)) return;

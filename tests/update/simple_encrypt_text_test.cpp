@@ -25,7 +25,7 @@ TEST(SimpleEncryptText, KeepsItsFormat) {
 }
 
 TEST(SimpleEncryptText, EveryPositionHoldsEveryPrintableCharacter) {
-  for (const char16_t character : {u'\n', largestScramblableCharacter}) {
+  for (const char16_t character : {u'\n', maxScramblableCharacter}) {
     const std::u16string plain(commonPeriod + 50, character);
     const std::u16string scrambled = simpleEncryptText(plain, true);
     ASSERT_EQ(scrambled.size(), plain.size());

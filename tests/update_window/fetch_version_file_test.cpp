@@ -66,7 +66,7 @@ TEST_F(FetchVersionFile, AsksForNothingButTheFile) {
 }
 
 TEST_F(FetchVersionFile, TakesOrRefusesAnswers) {
-  const QByteArray largest = goodBody.leftJustified(qsizetype{largestVersionFile}, '~');
+  const QByteArray largest = goodBody.leftJustified(qsizetype{maxVersionFileSize}, '~');
   const QByteArray unlimited = "HTTP/1.1 200 OK\r\n\r\n";
   const struct {
     const char* what;
