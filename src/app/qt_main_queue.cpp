@@ -7,8 +7,8 @@
 namespace corvana {
 namespace {
 
-/// From the first post of a batch to the batch. To be woken for every small file would cost the
-/// worker and the window more time than the file.
+/// From the first post of a batch to the batch: nobody sees it, and to wake the window for every
+/// post would slow down a worker that converts small files.
 constexpr std::chrono::milliseconds pause{10};
 
 }  // namespace
