@@ -1,6 +1,6 @@
-// measure_window CLI FILES [ROUNDS]: drops a folder of FILES small instruments on the window and
-// prints the longest time for which its event loop stood still, and how long the run took beside
-// the command line program CLI on equal files.
+// corvana-bench-window CLI FILES [ROUNDS]: drops a folder of FILES small instruments on the window
+// and prints the longest time for which its event loop stood still, and how long the run took
+// beside the command line program CLI on equal files.
 
 #include <QApplication>
 #include <QDir>
@@ -95,7 +95,7 @@ double runCommandLine(const QString& program, const fs::path& folder) {
   run.start();
   process.start(program, {QString::fromStdString(folder.native())});
   if (!process.waitForFinished(-1) || process.exitCode() != 0) {
-    std::fprintf(stderr, "measure_window: the command line program failed\n");
+    std::fprintf(stderr, "corvana-bench-window: the command line program failed\n");
     std::exit(1);
   }
   return static_cast<double>(run.nsecsElapsed()) / 1e6;
@@ -106,7 +106,7 @@ double runCommandLine(const QString& program, const fs::path& folder) {
 int main(int argumentCount, char** argumentValues) {
   QApplication application(argumentCount, argumentValues);
   if (argumentCount < 3) {
-    std::fprintf(stderr, "Usage: measure_window CLI FILES [ROUNDS]\n");
+    std::fprintf(stderr, "Usage: corvana-bench-window CLI FILES [ROUNDS]\n");
     return 2;
   }
   const int files = std::atoi(argumentValues[2]);
