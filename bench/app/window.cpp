@@ -13,10 +13,10 @@
 #include <cstdio>
 #include <cstdlib>
 #include <ctime>
+#include <fstream>
 #include <limits>
 
 #include "app/main_window.hpp"
-#include "output/output_file.hpp"
 #include "wav/wav_writer.hpp"
 
 namespace {
@@ -37,11 +37,11 @@ fs::path makeInstruments(const fs::path& folder, int count) {
   const corvana::SurroundingBytes surrounding = corvana::writeWav(content);
   for (int i = 0; i < count; ++i) {
     const fs::path path = folder / ("instrument " + std::to_string(i) + ".wav");
-    corvana::OutputFile file({.url = path, .replaceExisting = false, .input = {}});
-    file.append(surrounding.header);
-    file.append(samples);
-    file.append(surrounding.trailer);
-    file.close();
+    std::ofstream file(path, std::ios::binary);
+    for (const corvana::ByteView part :
+         {corvana::ByteView(surrounding.header), corvana::ByteView(samples),
+          corvana::ByteView(surrounding.trailer)})
+      file.write(reinterpret_cast<const char*>(part.data()), std::ssize(part));
   }
   return folder;
 }

@@ -96,12 +96,9 @@ QWidget* ViewController::window() const {
   return dropView->window();
 }
 
-bool ViewController::useSubfolder() const {
-  return subfolderCheckbox->isChecked();
-}
-
-bool ViewController::overwriteExisting() const {
-  return overwriteCheckbox->isChecked();
+BatchOptions ViewController::options() const {
+  return {.useSubfolder = subfolderCheckbox->isChecked(),
+          .overwrite = overwriteCheckbox->isChecked()};
 }
 
 void ViewController::setStatus(const std::string& text) {

@@ -54,8 +54,7 @@ class ViewController : public DropViewDelegate, public BatchView {
 
   const BatchDriver& driver() const { return driver_; }
 
-  bool useSubfolder() const override;
-  bool overwriteExisting() const override;
+  BatchOptions options() const override;
   // The views need longer for one change than the driver for a short file, so changes gather
   // until showChanges.
   void setStatus(const std::string& text) override;
