@@ -74,6 +74,8 @@ Folder Folder::make(const std::string& name) const {
   try {
     return open(name);
   } catch (const std::system_error& error) {
+    // Taken all the same: by a link that leads nowhere.
+    if (error.code() == std::errc::no_such_file_or_directory) failCreating(EEXIST, path_ / name);
     throw FileError(error.code().value(), localised("Cannot create '%1$@': %2$@"), path_ / name,
                     folderReason(error));
   }

@@ -70,7 +70,7 @@ const Case cases[] = {
     {"create:1:EACCES", failed, unwritten},
     {"create:1:EINTR", converted, ""},
     {"create:1+:ENOENT", failed, unwritten},
-    {"folder:3:ENOENT", failed, "Cannot create '%DIR': No such file or directory", subfolder},
+    {"folder:3:EACCES", failed, "Cannot create '%DIR': Permission denied", subfolder},
 
     // Another program makes a file or a link of this name in between.
     {"create:1:steal", failed, unwritten},
