@@ -1,6 +1,7 @@
 #include "batch/batch_driver.hpp"
 
 #include <gtest/gtest.h>
+#include <thread>
 
 #include "support/audio_builder.hpp"
 #include "support/conversion.hpp"
@@ -89,6 +90,22 @@ TEST_F(Driver, CountsThePartOfTheCurrentFile) {
   run();
   const auto b = std::find(view.events.begin(), view.events.end(), "Converting b.wav …");
   EXPECT_EQ(Events(b + 1, b + 3), (Events{"bar 0.75", "bar 1"}));
+}
+
+TEST_F(Driver, StopsAfterTheCurrentBlockForGood) {
+  const fs::path big = folder.write("a.wav", wav({fmt({}), bytes("'data' FF FF FF 7F")}));
+  fs::resize_file(big, 2'000'000'000);
+  driver.processURLs({big, writeWav("b.wav")});
+  while (!fs::exists(folder / "a.aif"))
+    std::this_thread::yield();
+  driver.stop();
+  run();
+  EXPECT_EQ(view.log,
+            (Events{"✗ a.wav: Stopped – '" + (folder / "a.aif").native() + "' is incomplete."}));
+  EXPECT_LT(fs::file_size(folder / "a.aif"), 2'000'000'000U);
+  driver.processURLs({folder / "b.wav"});
+  run();
+  EXPECT_FALSE(fs::exists(folder / "b.aif"));
 }
 
 TEST_F(Driver, ASecondBatchJoinsTheRunningOneWithItsOwnOptions) {
