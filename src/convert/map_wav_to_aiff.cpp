@@ -35,10 +35,10 @@ std::int16_t playModeOf(const SampleLoop& loop, std::int64_t number, Warnings& w
     case loop_type::alternating:
       return play_mode::forwardBackward;
     case loop_type::backward:
-      warnings.push_back({WarningKind::backwardLoop, {number}});
+      addWarning(warnings, WarningKind::backwardLoop, {number});
       return play_mode::forward;
     default:
-      warnings.push_back({WarningKind::unknownLoopType, {number, std::int64_t{loop.type}}});
+      addWarning(warnings, WarningKind::unknownLoopType, {number, std::int64_t{loop.type}});
       return play_mode::forward;
   }
 }
@@ -52,8 +52,8 @@ void mapLoops(const std::vector<SampleLoop>& loops, std::uint32_t frameCount,
     // WAV names the last frame of the loop, AIFF the point behind it.
     const std::uint32_t end = loop.end < frameCount ? loop.end + 1 : frameCount;
     if (start >= end) {
-      warnings.push_back(
-          {WarningKind::invalidLoop, {number, std::int64_t{loop.start}, std::int64_t{loop.end}}});
+      addWarning(warnings, WarningKind::invalidLoop,
+                 {number, std::int64_t{loop.start}, std::int64_t{loop.end}});
       continue;
     }
     if (nextMarkerID(metadata.markers) >= markerIDLimit - 2) break;
@@ -64,9 +64,9 @@ void mapLoops(const std::vector<SampleLoop>& loops, std::uint32_t frameCount,
     mapped.playMode = playModeOf(loop, number, warnings);
     metadata.loops.push_back(mapped);
     if (loop.playCount != 0)
-      warnings.push_back({WarningKind::playCount, {number, std::int64_t{loop.playCount}}});
+      addWarning(warnings, WarningKind::playCount, {number, std::int64_t{loop.playCount}});
   }
-  if (metadata.loops.size() > 2) warnings.push_back({WarningKind::loopsBeyondTwo, {}});
+  if (metadata.loops.size() > 2) addWarning(warnings, WarningKind::loopsBeyondTwo);
 }
 
 /// A cue point where a marker already lies would say nothing new, so it makes none.
