@@ -17,7 +17,7 @@ const ByteBuffer ssndChunk = ssnd(samples);
 const ByteBuffer markChunk =
     mark({{3, 2, "free"}, {1, 0, "in"}, {2, 2, "out"}, {4, 3, "beyond"}, {5, 1, "re"}, {6, 0, ""}});
 const ByteBuffer instChunk =
-    inst(AiffInstrument{60, 10, -1, 127, -5, 100, 200, {2, 1, 2}, {1, 5, 2}});
+    inst(AiffInstrument{60, 10, -1, 127, -5, 100, 200, {2, 5, 2}, {1, 1, 5}});
 const ByteBuffer twoOfEach = aiff({commChunk, markChunk, instChunk, ssndChunk});
 
 TEST(AiffToWav, WritesExactlyTheseBytes) {
@@ -38,8 +38,8 @@ TEST(AiffToWav, WritesExactlyTheseBytes) {
                   "02 00 00 00 00 00 00 00 'data' 00 00 00 00 00 00 00 00 00 00 00 00 "
                   "'smpl' 54 00 00 00 00 00 00 00 00 00 00 00 94 58 00 00 3B 00 00 00 66 66 66 E6 "
                   "00 00 00 00 00 00 00 00 02 00 00 00 00 00 00 00 "
-                  "00 00 00 00 01 00 00 00 00 00 00 00 01 00 00 00 00 00 00 00 00 00 00 00 "
-                  "01 00 00 00 00 00 00 00 01 00 00 00 01 00 00 00 00 00 00 00 00 00 00 00 "
+                  "00 00 00 00 01 00 00 00 01 00 00 00 01 00 00 00 00 00 00 00 00 00 00 00 "
+                  "01 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 "
                   "'inst' 07 00 00 00 3C 0A 7F 00 7F 01 64 00"));
   EXPECT_EQ(full.summary, "20-bit, stereo, 44100 Hz, root key 60 (+10 ct), 2 loops, 2 cue points");
   EXPECT_EQ(full.warnings, "A gain of 200 dB does not fit into the WAV inst chunk – clamped.\n");
