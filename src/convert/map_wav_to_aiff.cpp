@@ -4,6 +4,7 @@
 #include <cmath>
 #include <limits>
 #include <string>
+#include <utility>
 
 #include "vocabulary/text_format.hpp"
 
@@ -22,7 +23,7 @@ std::size_t nextMarkerID(const std::vector<AiffMarker>& markers) {
 
 std::int16_t addMarker(std::vector<AiffMarker>& markers, std::uint32_t position, std::string name) {
   const auto id = static_cast<std::int16_t>(nextMarkerID(markers));
-  markers.push_back({id, position, name});
+  markers.push_back({id, position, std::move(name)});
   return id;
 }
 
@@ -72,6 +73,7 @@ void mapCuePoints(const CuePointView& cuePoints, std::uint32_t frameCount,
                   std::vector<AiffMarker>& markers) {
   // Sorted: no choice of positions makes the search in so few of them slow.
   std::vector<std::uint32_t> positions;
+  positions.reserve(markers.size());
   for (const AiffMarker& marker : markers)
     positions.push_back(marker.position);
   std::sort(positions.begin(), positions.end());
