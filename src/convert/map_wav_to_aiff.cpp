@@ -80,8 +80,8 @@ void mapCuePoints(const CuePointView& cuePoints, std::uint32_t frameCount,
   for (const CuePoint point : cuePoints) {
     if (nextMarkerID(markers) == markerIDLimit) return;
     if (point.position > frameCount) continue;
-    auto place =
-        positions.end();  // where most files, listing their points in order, need no search
+    // Most files list their points in order, which needs no search.
+    auto place = positions.end();
     if (!positions.empty() && point.position <= positions.back()) {
       place = std::lower_bound(positions.begin(), positions.end(), point.position);
       if (*place == point.position) continue;
