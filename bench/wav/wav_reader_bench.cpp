@@ -1,4 +1,4 @@
-// The WAV reader on a file with very many cue points.
+// The WAV reader on a file with very many cue points, all of them looked at.
 
 #include <benchmark/benchmark.h>
 
@@ -26,7 +26,8 @@ void parseCuePoints(benchmark::State& state) {
   const auto count = static_cast<std::uint32_t>(state.range(0));
   const corvana::ByteBuffer file = wavWithCuePoints(count);
   while (state.KeepRunning())
-    benchmark::DoNotOptimize(corvana::parseWav(file));
+    for (const corvana::CuePoint point : corvana::parseWav(file).cuePoints)
+      benchmark::DoNotOptimize(point);
   state.SetItemsProcessed(state.iterations() * state.range(0));
 }
 

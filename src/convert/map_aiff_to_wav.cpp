@@ -24,7 +24,7 @@ std::optional<std::uint32_t> positionOf(std::int16_t id, const std::vector<AiffM
 std::uint32_t loopTypeOf(std::int16_t playMode, LoopRole role, Warnings& warnings) {
   if (playMode == play_mode::forwardBackward) return loop_type::alternating;
   if (playMode != play_mode::forward)
-    warnings.push_back({WarningKind::unknownPlayMode, {role, std::int64_t{playMode}}});
+    addWarning(warnings, WarningKind::unknownPlayMode, {role, std::int64_t{playMode}});
   return loop_type::forward;
 }
 
@@ -36,12 +36,12 @@ std::optional<SampleLoop> mapLoop(const AiffLoop& loop, LoopRole role,
   const auto start = positionOf(loop.beginMarker, markers, framesUsed);
   const auto end = positionOf(loop.endMarker, markers, framesUsed);
   if (!start || !end) {
-    warnings.push_back({WarningKind::missingMarkers, {role}});
+    addWarning(warnings, WarningKind::missingMarkers, {role});
     return std::nullopt;
   }
   if (*end <= *start) {
-    warnings.push_back(
-        {WarningKind::invalidLoopRole, {role, std::int64_t{*start}, std::int64_t{*end}}});
+    addWarning(warnings, WarningKind::invalidLoopRole,
+               {role, std::int64_t{*start}, std::int64_t{*end}});
     return std::nullopt;
   }
   SampleLoop mapped;
@@ -90,7 +90,7 @@ void mapInstrument(const AiffInstrument& instrument, WavMetadata& metadata, Warn
   chunk.lowVelocity = velocityField(instrument.lowVelocity);
   chunk.highVelocity = velocityField(instrument.highVelocity);
   if (chunk.gain != instrument.gain)
-    warnings.push_back({WarningKind::clampedGain, {std::int64_t{instrument.gain}}});
+    addWarning(warnings, WarningKind::clampedGain, {std::int64_t{instrument.gain}});
 
   const UnityNote unity = unityNoteOf(instrument, chunk.unshiftedNote);
   metadata.instrument = chunk;

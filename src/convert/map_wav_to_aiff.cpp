@@ -4,7 +4,7 @@
 #include <cmath>
 #include <limits>
 #include <string>
-#include <unordered_set>
+#include <utility>
 
 #include "vocabulary/text_format.hpp"
 
@@ -21,10 +21,9 @@ std::size_t nextMarkerID(const std::vector<AiffMarker>& markers) {
   return markers.size() + 1;
 }
 
-std::int16_t addMarker(std::vector<AiffMarker>& markers, std::uint32_t position,
-                       const std::string& name) {
+std::int16_t addMarker(std::vector<AiffMarker>& markers, std::uint32_t position, std::string name) {
   const auto id = static_cast<std::int16_t>(nextMarkerID(markers));
-  markers.push_back({id, position, name});
+  markers.push_back({id, position, std::move(name)});
   return id;
 }
 
@@ -35,25 +34,25 @@ std::int16_t playModeOf(const SampleLoop& loop, std::int64_t number, Warnings& w
     case loop_type::alternating:
       return play_mode::forwardBackward;
     case loop_type::backward:
-      warnings.push_back({WarningKind::backwardLoop, {number}});
+      addWarning(warnings, WarningKind::backwardLoop, {number});
       return play_mode::forward;
     default:
-      warnings.push_back({WarningKind::unknownLoopType, {number, std::int64_t{loop.type}}});
+      addWarning(warnings, WarningKind::unknownLoopType, {number, std::int64_t{loop.type}});
       return play_mode::forward;
   }
 }
 
-void mapLoops(const std::vector<SampleLoop>& loops, std::uint32_t frameCount,
-              AiffMetadata& metadata, Warnings& warnings) {
-  for (std::size_t index = 0; index < loops.size(); ++index) {
-    const SampleLoop& loop = loops[index];
-    const auto number = static_cast<std::int64_t>(index + 1);
+void mapLoops(const SampleLoopView& loops, std::uint32_t frameCount, AiffMetadata& metadata,
+              Warnings& warnings) {
+  std::int64_t number = 0;
+  for (const SampleLoop loop : loops) {
+    ++number;
     const std::uint32_t start = std::min(loop.start, frameCount);
     // WAV names the last frame of the loop, AIFF the point behind it.
     const std::uint32_t end = loop.end < frameCount ? loop.end + 1 : frameCount;
     if (start >= end) {
-      warnings.push_back(
-          {WarningKind::invalidLoop, {number, std::int64_t{loop.start}, std::int64_t{loop.end}}});
+      addWarning(warnings, WarningKind::invalidLoop,
+                 {number, std::int64_t{loop.start}, std::int64_t{loop.end}});
       continue;
     }
     if (nextMarkerID(metadata.markers) >= markerIDLimit - 2) break;
@@ -64,20 +63,30 @@ void mapLoops(const std::vector<SampleLoop>& loops, std::uint32_t frameCount,
     mapped.playMode = playModeOf(loop, number, warnings);
     metadata.loops.push_back(mapped);
     if (loop.playCount != 0)
-      warnings.push_back({WarningKind::playCount, {number, std::int64_t{loop.playCount}}});
+      addWarning(warnings, WarningKind::playCount, {number, std::int64_t{loop.playCount}});
   }
-  if (metadata.loops.size() > 2) warnings.push_back({WarningKind::loopsBeyondTwo, {}});
+  if (metadata.loops.size() > 2) addWarning(warnings, WarningKind::loopsBeyondTwo);
 }
 
 /// A cue point where a marker already lies would say nothing new, so it makes none.
-void mapCuePoints(const std::vector<CuePoint>& cuePoints, std::uint32_t frameCount,
+void mapCuePoints(const CuePointView& cuePoints, std::uint32_t frameCount,
                   std::vector<AiffMarker>& markers) {
-  std::unordered_set<std::uint32_t> positions;
+  // Sorted: no choice of positions makes the search in so few of them slow.
+  std::vector<std::uint32_t> positions;
+  positions.reserve(markers.size());
   for (const AiffMarker& marker : markers)
-    positions.insert(marker.position);
-  for (const CuePoint& point : cuePoints) {
+    positions.push_back(marker.position);
+  std::sort(positions.begin(), positions.end());
+  for (const CuePoint point : cuePoints) {
     if (nextMarkerID(markers) == markerIDLimit) return;
-    if (point.position > frameCount || !positions.insert(point.position).second) continue;
+    if (point.position > frameCount) continue;
+    // Most files list their points in order, which needs no search.
+    auto place = positions.end();
+    if (!positions.empty() && point.position <= positions.back()) {
+      place = std::lower_bound(positions.begin(), positions.end(), point.position);
+      if (*place == point.position) continue;
+    }
+    positions.insert(place, point.position);
     addMarker(markers, point.position, "Cue " + decimalText(std::int64_t{point.id}));
   }
 }

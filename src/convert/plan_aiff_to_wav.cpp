@@ -15,8 +15,8 @@ namespace {
 std::uint32_t countFrames(const AiffInfo& info, std::uint64_t frameSize, Warnings& warnings) {
   const std::uint64_t available = info.soundSize / frameSize;
   if (available >= info.frameCount) return info.frameCount;
-  warnings.push_back({WarningKind::shortSoundData,
-                      {static_cast<std::int64_t>(available), std::int64_t{info.frameCount}}});
+  addWarning(warnings, WarningKind::shortSoundData,
+             {static_cast<std::int64_t>(available), std::int64_t{info.frameCount}});
   return static_cast<std::uint32_t>(available);
 }
 
@@ -24,8 +24,8 @@ std::uint32_t roundRate(double sampleRate, Warnings& warnings) {
   constexpr double inaudible = 0.001;  // Hz
   const double rounded = std::round(sampleRate);
   if (std::fabs(sampleRate - rounded) > inaudible)
-    warnings.push_back(
-        {WarningKind::roundedRate, {sampleRate, static_cast<std::int64_t>(rounded)}});
+    addWarning(warnings, WarningKind::roundedRate,
+               {sampleRate, static_cast<std::int64_t>(rounded)});
   return static_cast<std::uint32_t>(rounded);
 }
 

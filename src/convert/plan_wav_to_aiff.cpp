@@ -22,7 +22,7 @@ SampleRun findSamples(const WavInfo& info, Warnings& warnings) {
       .conversion = {info.bytesPerSample, bytesFor(info.bitsPerSample), /*reverseBytes=*/true}};
   const std::uint64_t frameCount = info.dataSize / samples.sourceFrameSize();
   if (info.dataSize % samples.sourceFrameSize() != 0)
-    warnings.push_back({WarningKind::incompleteFrame, {}});
+    addWarning(warnings, WarningKind::incompleteFrame);
   if (frameCount * samples.outputFrameSize() + aiff_layout::soundHeaderSize > maxSoundChunkSize)
     throw ConversionError(ConversionError::Case::tooLarge);
   samples.frameCount = static_cast<std::uint32_t>(frameCount);

@@ -52,6 +52,8 @@ Form formOf(WarningKind kind) {
     case WarningKind::clampedGain:
       return {"gain-clamped",
               translatable("A gain of %@ dB does not fit into the WAV inst chunk – clamped.")};
+    case WarningKind::moreWarnings:
+      return {"more-warnings", ""};  // warningText
   }
   return {"", ""};
 }
@@ -179,6 +181,9 @@ std::string channelsText(std::int64_t count, const Language& language) {
 }
 
 std::string warningText(const Warning& warning, const Language& language) {
+  if (warning.kind == WarningKind::moreWarnings)
+    return language.localisedCount("%ld further warning.", "%ld further warnings.",
+                                   std::get<std::int64_t>(warning.values.at(0)));
   return fill(formOf(warning.kind).text, warning.values, language);
 }
 

@@ -1,7 +1,9 @@
 // What a conversion could not carry over exactly, as records.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
+#include <initializer_list>
 #include <string>
 #include <variant>
 #include <vector>
@@ -30,6 +32,8 @@ enum class WarningKind {
   missingMarkers,   ///< loop role
   invalidLoopRole,  ///< loop role, position of its begin marker, of its end marker
   clampedGain,      ///< the gain in the AIFF file, in dB
+  // Both.
+  moreWarnings,  ///< how many there were beyond maxWarnings
 };
 
 /// A problem that did not stop a conversion.
@@ -40,5 +44,20 @@ struct Warning {
 
 /// The warnings of one file, in the order in which they arose.
 using Warnings = std::vector<Warning>;
+
+/// Most warnings that are kept of one file: a hostile file has millions, and nobody reads them.
+inline constexpr std::size_t maxWarnings = 10'000;
+
+/// Adds a warning; behind maxWarnings of them one last record counts the further ones.
+inline void addWarning(Warnings& warnings, WarningKind kind,
+                       std::initializer_list<MessageValue> values = {}) {
+  if (warnings.size() < maxWarnings) {
+    warnings.push_back({kind, values});
+  } else if (warnings.size() == maxWarnings) {
+    warnings.push_back({WarningKind::moreWarnings, {std::int64_t{1}}});
+  } else {
+    ++std::get<std::int64_t>(warnings.back().values.front());
+  }
+}
 
 }  // namespace corvana

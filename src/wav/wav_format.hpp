@@ -4,7 +4,8 @@
 #include <cstddef>
 #include <cstdint>
 #include <optional>
-#include <vector>
+
+#include "wav/record_view.hpp"
 
 namespace corvana {
 
@@ -41,22 +42,6 @@ struct InstrumentChunk {
   std::uint8_t highVelocity = 0;   ///< MIDI velocity
 };
 
-/// What the reader finds in a WAV file.
-struct WavInfo {
-  std::uint16_t channels = 0;           ///< 1 to 65535
-  std::uint32_t sampleRate = 0;         ///< Hz, never 0
-  std::uint32_t bytesPerSample = 0;     ///< bytes a sample occupies in the file, 1 to 4
-  std::uint32_t bitsPerSample = 0;      ///< effective bits, 1 to 8 × bytesPerSample
-  std::size_t dataOffset = 0;           ///< of the first sample byte in the file
-  std::uint64_t dataSize = 0;           ///< sample bytes that are there
-  std::uint32_t midiUnityNote = 0;      ///< MIDI note of the recording
-  std::uint32_t midiPitchFraction = 0;  ///< fraction of a semitone above the note, of 2^32
-  /// Present, possibly empty, exactly when the file has a usable smpl chunk.
-  std::optional<std::vector<SampleLoop>> loops;
-  std::optional<InstrumentChunk> instrument;
-  std::vector<CuePoint> cuePoints;  ///< in file order, duplicates included
-};
-
 /// Sizes of the chunk layouts, in bytes.
 namespace wav_layout {
 inline constexpr std::size_t formatSize = 16;
@@ -67,6 +52,29 @@ inline constexpr std::size_t cueHeaderSize = 4;
 inline constexpr std::size_t cuePointSize = 24;
 inline constexpr std::size_t instrumentSize = 7;
 }  // namespace wav_layout
+
+/// One record of a smpl or cue chunk; `record` holds its bytes.
+SampleLoop decodeLoop(ByteView record);
+CuePoint decodeCuePoint(ByteView record);
+
+using SampleLoopView = RecordView<SampleLoop, wav_layout::loopSize, decodeLoop>;
+using CuePointView = RecordView<CuePoint, wav_layout::cuePointSize, decodeCuePoint>;
+
+/// What the reader finds in a WAV file, to whose bytes it refers.
+struct WavInfo {
+  std::uint16_t channels = 0;           ///< 1 to 65535
+  std::uint32_t sampleRate = 0;         ///< Hz, never 0
+  std::uint32_t bytesPerSample = 0;     ///< bytes a sample occupies in the file, 1 to 4
+  std::uint32_t bitsPerSample = 0;      ///< effective bits, 1 to 8 × bytesPerSample
+  std::size_t dataOffset = 0;           ///< of the first sample byte in the file
+  std::uint64_t dataSize = 0;           ///< sample bytes that are there
+  std::uint32_t midiUnityNote = 0;      ///< MIDI note of the recording
+  std::uint32_t midiPitchFraction = 0;  ///< fraction of a semitone above the note, of 2^32
+  /// Present, possibly empty, exactly when the file has a usable smpl chunk.
+  std::optional<SampleLoopView> loops;
+  std::optional<InstrumentChunk> instrument;
+  CuePointView cuePoints;  ///< in file order, duplicates included
+};
 
 /// Values of the format tag and of the extensible form's sub-format code.
 namespace format_tag {

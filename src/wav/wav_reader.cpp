@@ -14,10 +14,6 @@ Fields fieldsOf(ByteView bytes) {
   return {bytes, ByteOrder::little};
 }
 
-std::size_t recordCount(std::uint32_t declared, std::size_t bytesLeft, std::size_t recordSize) {
-  return std::min({std::size_t{declared}, bytesLeft / recordSize, maxRecords});
-}
-
 std::optional<InstrumentChunk> parseInstrumentChunk(ByteView body) {
   if (body.size() < wav_layout::instrumentSize) return std::nullopt;
   const Fields fields = fieldsOf(body);
@@ -59,10 +55,10 @@ WavInfo parseWav(ByteView file) {
       info.dataSize = chunk.body.size();
       hasData = true;
     } else if (chunk.id == "smpl") {
-      SamplerChunk sampler = parseSamplerChunk(chunk.body);
+      const SamplerChunk sampler = parseSamplerChunk(chunk.body);
       info.midiUnityNote = sampler.midiUnityNote;
       info.midiPitchFraction = sampler.midiPitchFraction;
-      info.loops = std::move(sampler.loops);
+      info.loops = sampler.loops;
     } else if (chunk.id == "inst") {
       info.instrument = parseInstrumentChunk(chunk.body);
     } else if (chunk.id == "cue ") {
@@ -113,38 +109,35 @@ SamplerChunk parseSamplerChunk(ByteView body) {
   sampler.midiUnityNote = fields.u32(12);
   sampler.midiPitchFraction = fields.u32(16);
   const std::uint32_t declaredLoops = fields.u32(28);
-
-  std::vector<SampleLoop> loops(recordCount(
-      declaredLoops, body.size() - wav_layout::samplerHeaderSize, wav_layout::loopSize));
-  std::size_t offset = wav_layout::samplerHeaderSize;
-  for (SampleLoop& loop : loops) {
-    loop.cueID = fields.u32(offset);
-    loop.type = fields.u32(offset + 4);
-    loop.start = fields.u32(offset + 8);
-    loop.end = fields.u32(offset + 12);
-    loop.playCount = fields.u32(offset + 20);
-    offset += wav_layout::loopSize;
-  }
-  sampler.loops = std::move(loops);
+  sampler.loops.emplace(body.subspan(wav_layout::samplerHeaderSize), declaredLoops);
   return sampler;
 }
 
-std::vector<CuePoint> parseCueChunk(ByteView body) {
-  if (body.size() < wav_layout::cueHeaderSize) return {};
-  const Fields fields = fieldsOf(body);
-  const std::uint32_t declaredPoints = fields.u32(0);
+SampleLoop decodeLoop(ByteView record) {
+  const Fields fields = fieldsOf(record);
+  SampleLoop loop;
+  loop.cueID = fields.u32(0);
+  loop.type = fields.u32(4);
+  loop.start = fields.u32(8);
+  loop.end = fields.u32(12);
+  loop.playCount = fields.u32(20);
+  return loop;
+}
 
-  std::vector<CuePoint> points(recordCount(declaredPoints, body.size() - wav_layout::cueHeaderSize,
-                                           wav_layout::cuePointSize));
-  std::size_t offset = wav_layout::cueHeaderSize;
-  for (CuePoint& point : points) {
-    point.id = fields.u32(offset);
-    // The sample offset, not the play-order position at offset 4: that one is only meaningful
-    // together with a playlist.
-    point.position = fields.u32(offset + 20);
-    offset += wav_layout::cuePointSize;
-  }
-  return points;
+CuePointView parseCueChunk(ByteView body) {
+  if (body.size() < wav_layout::cueHeaderSize) return {};
+  const std::uint32_t declaredPoints = fieldsOf(body).u32(0);
+  return {body.subspan(wav_layout::cueHeaderSize), declaredPoints};
+}
+
+CuePoint decodeCuePoint(ByteView record) {
+  const Fields fields = fieldsOf(record);
+  CuePoint point;
+  point.id = fields.u32(0);
+  // The sample offset, not the play-order position at offset 4: that one is only meaningful
+  // together with a playlist.
+  point.position = fields.u32(20);
+  return point;
 }
 
 }  // namespace corvana

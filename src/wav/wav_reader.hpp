@@ -7,12 +7,8 @@
 
 namespace corvana {
 
-/// Most records that are read of one smpl or cue chunk, far above what AIFF can take over
-/// (32,766 markers); it keeps a hostile file of nothing but records from filling the memory.
-inline constexpr std::size_t maxRecords = 250'000;
-
-/// Reads the complete content of a file. Chunks may come in any order; of a chunk that occurs
-/// twice the later one counts. Fails with a ConversionError.
+/// Reads the complete content of a file, which has to outlive what is made of it. Chunks may come
+/// in any order; of a chunk that occurs twice the later one counts. Fails with a ConversionError.
 WavInfo parseWav(ByteView file);
 
 /// The fmt chunk. Fields as in WavInfo.
@@ -29,12 +25,12 @@ FormatChunk parseFormatChunk(ByteView body);
 struct SamplerChunk {
   std::uint32_t midiUnityNote = 0;
   std::uint32_t midiPitchFraction = 0;
-  std::optional<std::vector<SampleLoop>> loops;
+  std::optional<SampleLoopView> loops;
 };
 /// Never fails: a body below 36 bytes counts as absent, a loop count beyond the body is cut.
 SamplerChunk parseSamplerChunk(ByteView body);
 
 /// Never fails: a point count beyond the body is cut.
-std::vector<CuePoint> parseCueChunk(ByteView body);
+CuePointView parseCueChunk(ByteView body);
 
 }  // namespace corvana

@@ -10,6 +10,16 @@ namespace {
 
 using namespace test;
 
+// A file with two of everything, by chunks.
+const ByteBuffer commChunk = comm({.channels = 2, .frames = 2, .bits = 20});
+const ByteBuffer samples = bytes("00 00 10 00 00 20 00 00 30 00 00 40");
+const ByteBuffer ssndChunk = ssnd(samples);
+const ByteBuffer markChunk =
+    mark({{3, 2, "free"}, {1, 0, "in"}, {2, 2, "out"}, {4, 3, "beyond"}, {5, 1, "re"}, {6, 0, ""}});
+const ByteBuffer instChunk =
+    inst(AiffInstrument{60, 10, -1, 127, -5, 100, 200, {2, 5, 2}, {1, 1, 5}});
+const ByteBuffer twoOfEach = aiff({commChunk, markChunk, instChunk, ssndChunk});
+
 TEST(AiffToWav, WritesExactlyTheseBytes) {
   const Converted plain = convert(aiff({comm({.frames = 1, .bits = 24}), ssnd(bytes("12 34 56"))}));
   EXPECT_EQ(plain.file,
@@ -17,25 +27,52 @@ TEST(AiffToWav, WritesExactlyTheseBytes) {
                   "CC 04 02 00 03 00 18 00 'data' 03 00 00 00 56 34 12 00"));
   EXPECT_EQ(plain.summary, "24-bit, mono, 44100 Hz");
 
-  const Converted full = convert(aiff({
-      comm({.channels = 2, .frames = 2, .bits = 20}),
-      mark({{3, 2, "free"}, {1, 0, "in"}, {2, 2, "out"}, {4, 3, "beyond"}}),
-      inst(AiffInstrument{60, 10, -1, 127, -5, 100, 200, {2, 1, 2}, {0, 1, 2}}),
-      ssnd(bytes("00 00 10 00 00 20 00 00 30 00 00 40")),
-  }));
+  const Converted full = convert(twoOfEach);
   EXPECT_EQ(full.file,
-            bytes("'RIFF' C0 00 00 00 'WAVE' 'fmt ' 28 00 00 00 FE FF 02 00 44 AC 00 00 "
+            bytes("'RIFF' F0 00 00 00 'WAVE' 'fmt ' 28 00 00 00 FE FF 02 00 44 AC 00 00 "
                   "98 09 04 00 06 00 18 00 16 00 14 00 03 00 00 00 "
                   "01 00 00 00 00 00 10 00 80 00 00 AA 00 38 9B 71 "
                   "'data' 0C 00 00 00 10 00 00 20 00 00 30 00 00 40 00 00 "
-                  "'cue ' 1C 00 00 00 01 00 00 00 "
+                  "'cue ' 34 00 00 00 02 00 00 00 "
                   "01 00 00 00 02 00 00 00 'data' 00 00 00 00 00 00 00 00 02 00 00 00 "
-                  "'smpl' 3C 00 00 00 00 00 00 00 00 00 00 00 94 58 00 00 3B 00 00 00 66 66 66 E6 "
-                  "00 00 00 00 00 00 00 00 01 00 00 00 00 00 00 00 "
-                  "00 00 00 00 01 00 00 00 00 00 00 00 01 00 00 00 00 00 00 00 00 00 00 00 "
+                  "02 00 00 00 00 00 00 00 'data' 00 00 00 00 00 00 00 00 00 00 00 00 "
+                  "'smpl' 54 00 00 00 00 00 00 00 00 00 00 00 94 58 00 00 3B 00 00 00 66 66 66 E6 "
+                  "00 00 00 00 00 00 00 00 02 00 00 00 00 00 00 00 "
+                  "00 00 00 00 01 00 00 00 01 00 00 00 01 00 00 00 00 00 00 00 00 00 00 00 "
+                  "01 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 "
                   "'inst' 07 00 00 00 3C 0A 7F 00 7F 01 64 00"));
-  EXPECT_EQ(full.summary, "20-bit, stereo, 44100 Hz, root key 60 (+10 ct), 1 loop, 1 cue point");
+  EXPECT_EQ(full.summary, "20-bit, stereo, 44100 Hz, root key 60 (+10 ct), 2 loops, 2 cue points");
   EXPECT_EQ(full.warnings, "A gain of 200 dB does not fit into the WAV inst chunk – clamped.\n");
+}
+
+TEST(AiffToWav, KnowsTheLayoutsOfOtherPrograms) {
+  const ByteBuffer otherNames =
+      mark({{3, 2, ""}, {1, 0, "a"}, {2, 2, "of"}, {4, 3, "abc"}, {5, 1, "even"}, {6, 0, "x"}});
+  const ByteBuffer unpadded = bytes("'NAME' 00 00 00 03 'abc'");
+  const ByteBuffer name = join({unpadded, {0}});
+  const ByteBuffer fver = bytes("'FVER' 00 00 00 04 A2 80 51 40");
+  const ByteBuffer longComm =
+      aiffChunk("COMM", join({bodyOf(commChunk), bytes("'NONE' 0E 'not compressed' 00")}));
+  const ByteBuffer aligned = ssnd(join({ByteBuffer(10), samples}), 10);
+  const struct {
+    const char* name;
+    ByteBuffer file, same = twoOfEach;
+  } cases[] = {
+      {"COMM behind SSND", aiff({ssndChunk, commChunk, markChunk, instChunk})},
+      {"INST ahead of MARK", aiff({commChunk, instChunk, markChunk, ssndChunk})},
+      {"INST ahead of all, COMM at the end", aiff({instChunk, ssndChunk, markChunk, commChunk})},
+      {"names of even and odd length", aiff({commChunk, otherNames, instChunk, ssndChunk})},
+      {"texts between", aiff({name, commChunk, name, markChunk, instChunk, name, ssndChunk, name})},
+      {"AIFF-C", aiff({fver, longComm, markChunk, instChunk, ssndChunk}, "AIFC")},
+      {"AIFF with a compression type", aiff({longComm, markChunk, instChunk, ssndChunk})},
+      {"aligned sound", aiff({commChunk, aligned, markChunk, instChunk})},
+      {"no form size", patched(twoOfEach, 4, be(0, 4))},
+      {"not padded at the end", join({twoOfEach, unpadded})},
+      {"not padded", aiff({commChunk, ssndChunk, markChunk, unpadded, instChunk}),
+       aiff({commChunk, ssndChunk, markChunk})},
+  };
+  for (const auto& c : cases)
+    EXPECT_EQ(convert(c.file).file, convert(c.same).file) << c.name;
 }
 
 TEST(AiffToWav, UsesTheFramesThatAreThere) {
@@ -66,7 +103,10 @@ TEST(AiffToWav, RoundsTheRate) {
   };
   check("40 0D AC 43 00 00 00 00 00 00", 22050, "22049.5");
   check("40 1E EE 6B 27 FF C0 00 00 00", 4'000'000'000, "3999999999.75");
-  check("40 0E AC 44 00 20 C4 9C 00 00", 44100, "");  // 0.0005 above
+  check("40 0E AC 44 00 41 89 00 00 00", 44100, "");
+  check("40 0E AC 44 00 41 8A 00 00 00", 44100, "44100.00100004673");
+  check("40 0E AC 43 FF BE 77 00 00 00", 44100, "");
+  check("40 0E AC 43 FF BE 76 00 00 00", 44100, "44099.99899995327");
   check("C0 0E AC 44 00 00 00 00 00 00", 44100, "");  // the sign does not count
   check("40 3E 00 00 00 00 00 00 AC 44", 44100, "");  // not normalised
   check("3F FF 80 00 00 00 00 00 00 00", 1, "");

@@ -4,11 +4,20 @@
 #include "convert/plan_wav_to_aiff.hpp"
 #include "support/audio_builder.hpp"
 #include "support/conversion.hpp"
+#include "wav/wav_reader.hpp"
 
 namespace corvana {
 namespace {
 
 using namespace test;
+
+// A file with two of everything, by chunks.
+const ByteBuffer fmtChunk = fmt({.rate = 48000, .blockAlign = 1, .bits = 8});
+const ByteBuffer dataChunk = data(bytes("00 80 FF 01 7F"));
+const ByteBuffer smplChunk = smpl(60, 0x80000000, {{9, 1, 0, 1, 0}, {0, 0, 1, 2, 0}});
+const ByteBuffer cueChunk = cue({{77, 1}, {5, 4}, {66, 5}});
+const ByteBuffer instChunk = inst(InstrumentChunk{61, 10, -6, 0, 130, 0, 200});
+const ByteBuffer twoOfEach = wav({fmtChunk, dataChunk, smplChunk, cueChunk, instChunk});
 
 TEST(WavToAiff, WritesExactlyTheseBytes) {
   const Converted plain = convert(wav({fmt({}), data(bytes("01 02 03 04 05 06"))}));
@@ -18,24 +27,49 @@ TEST(WavToAiff, WritesExactlyTheseBytes) {
                   "'SSND' 00 00 00 0E 00 00 00 00 00 00 00 00 02 01 04 03 06 05"));
   EXPECT_EQ(plain.summary, "16-bit, mono, 44100 Hz");
 
-  const Converted odd = convert(wav({
-      fmt({.rate = 48000, .blockAlign = 1, .bits = 8}),
-      data(bytes("00 80 FF")),
-      smpl(60, 0x80000000, {{9, 1, 0, 1, 0}}),
-      cue({{77, 0}, {5, 3}}),
-      inst(InstrumentChunk{61, 10, -6, 0, 130, 0, 200}),
-  }));
-  EXPECT_EQ(odd.file,
-            bytes("'FORM' 00 00 00 8A 'AIFF' 'COMM' 00 00 00 12 00 01 00 00 00 03 00 08 "
+  const Converted full = convert(twoOfEach);
+  EXPECT_EQ(full.file,
+            bytes("'FORM' 00 00 00 C0 'AIFF' 'COMM' 00 00 00 12 00 01 00 00 00 05 00 08 "
                   "40 0E BB 80 00 00 00 00 00 00 "
-                  "'MARK' 00 00 00 34 00 03 "
+                  "'MARK' 00 00 00 68 00 06 "
                   "00 01 00 00 00 00 0C 'Loop 1 Start' 00 "
                   "00 02 00 00 00 02 0A 'Loop 1 End' 00 "
-                  "00 03 00 00 00 03 05 'Cue 5' "
-                  "'INST' 00 00 00 14 3C CE 00 7F 01 7F FF FA 00 02 00 01 00 02 00 00 00 00 00 00 "
-                  "'SSND' 00 00 00 0B 00 00 00 00 00 00 00 00 80 00 7F 00"));
-  EXPECT_EQ(odd.summary, "8-bit, mono, 48000 Hz, root key 60 (-50 ct), 1 loop, 3 markers");
-  EXPECT_EQ(odd.warnings, "");
+                  "00 03 00 00 00 01 0C 'Loop 2 Start' 00 "
+                  "00 04 00 00 00 03 0A 'Loop 2 End' 00 "
+                  "00 05 00 00 00 04 05 'Cue 5' "
+                  "00 06 00 00 00 05 06 'Cue 66' 00 "
+                  "'INST' 00 00 00 14 3C CE 00 7F 01 7F FF FA 00 02 00 01 00 02 00 01 00 03 00 04 "
+                  "'SSND' 00 00 00 0D 00 00 00 00 00 00 00 00 80 00 7F 81 FF 00"));
+  EXPECT_EQ(full.summary, "8-bit, mono, 48000 Hz, root key 60 (-50 ct), 2 loops, 6 markers");
+  EXPECT_EQ(full.warnings, "");
+}
+
+TEST(WavToAiff, KnowsTheLayoutsOfOtherPrograms) {
+  const ByteBuffer list = bytes("'LIST' 0F 00 00 00 'INFOISFT' 03 00 00 00 'abc' 00");
+  const ByteBuffer bext = wavChunk("bext", ByteBuffer(602, 'x'));
+  const ByteBuffer longFormat = wavChunk("fmt ", join({bodyOf(fmtChunk), bytes("00 00")}));
+  const ByteBuffer specific =
+      patched(wavChunk("smpl", join({bodyOf(smplChunk), bytes("'data'")})), 8 + 32, bytes("04"));
+  const ByteBuffer streamed = join({bytes("'data' FF FF FF FF"), firstBytes(bodyOf(dataChunk), 5)});
+  const struct {
+    const char* name;
+    ByteBuffer file, same = twoOfEach;
+  } cases[] = {
+      {"smpl ahead of fmt", wav({smplChunk, fmtChunk, dataChunk, instChunk, cueChunk})},
+      {"data ahead of fmt", wav({instChunk, cueChunk, dataChunk, fmtChunk, smplChunk})},
+      {"LIST and bext between",
+       wav({bext, fmtChunk, list, dataChunk, cueChunk, list, smplChunk, instChunk})},
+      {"fmt with an empty extension", wav({longFormat, dataChunk, smplChunk, cueChunk, instChunk})},
+      {"the sampler's own data", wav({fmtChunk, dataChunk, specific, cueChunk, instChunk})},
+      {"streamed",
+       patched(wav({fmtChunk, smplChunk, cueChunk, instChunk, streamed}), 4, le32({0}))},
+      {"not padded at the end", firstBytes(twoOfEach, twoOfEach.size() - 1)},
+      {"zeros behind", join({twoOfEach, ByteBuffer(1001)})},
+      {"not padded", wav({fmtChunk, dataChunk, firstBytes(instChunk, 15), cueChunk, smplChunk}),
+       wav({fmtChunk, dataChunk, instChunk})},
+  };
+  for (const auto& c : cases)
+    EXPECT_EQ(convert(c.file).file, convert(c.same).file) << c.name;
 }
 
 TEST(WavToAiff, ConvertsFilesWithoutFrames) {
@@ -50,11 +84,9 @@ TEST(WavToAiff, MapsLoopsAndCuePoints) {
                         const std::vector<CuePoint>& cuePoints, const std::string& expected,
                         const std::string& expectedWarnings = "") {
     SCOPED_TRACE(name);
-    WavInfo info;
-    info.loops = loops;
-    info.cuePoints = cuePoints;
+    const ByteBuffer file = wav({fmtChunk, dataChunk, smpl(60, 0, loops), cue(cuePoints)});
     Warnings warnings;
-    const AiffMetadata metadata = mapWavMetadata(info, 1000, warnings);
+    const AiffMetadata metadata = mapWavMetadata(parseWav(file), 1000, warnings);
     std::string text;
     for (const AiffMarker& marker : metadata.markers)
       text += line(marker.id, " ", marker.name, " @", marker.position, ", ");
@@ -88,26 +120,33 @@ TEST(WavToAiff, MapsLoopsAndCuePoints) {
         "AIFF supports only 2 loops (sustain/release) – loop 3 and above are kept as markers "
         "only.\n");
   check("cue points where no marker lies", {},
-        {{9, 100}, {8, 200}, {7, 100}, {4294967295, 1000}, {4, 1001}, {3, 0}},
-        "1 Cue 9 @100, 2 Cue 8 @200, 3 Cue 4294967295 @1000, 4 Cue 3 @0, (0 0 0)(0 0 0)");
+        {{9, 100}, {8, 200}, {7, 100}, {4294967295, 1000}, {4, 1001}, {3, 0}, {2, 150}, {1, 200}},
+        "1 Cue 9 @100, 2 Cue 8 @200, 3 Cue 4294967295 @1000, 4 Cue 3 @0, 5 Cue 2 @150, "
+        "(0 0 0)(0 0 0)");
   check("cue points at loop points", {{0, 0, 0, 9, 0}}, {{1, 10}, {2, 9}, {3, 0}},
         "1 Loop 1 Start @0, 2 Loop 1 End @10, 3 Cue 2 @9, (1 1 2)(0 0 0)");
 }
 
-TEST(WavToAiff, StopsAtTheLastMarkerID) {
-  WavInfo info;
-  for (std::uint32_t i = 0; i < 40000; ++i)
-    info.cuePoints.push_back({i, i});
+TEST(WavToAiff, ReadsAllRecordsUpToTheLastMarkerID) {
+  std::vector<CuePoint> points(300'000, CuePoint{0, 50'001});
+  for (std::uint32_t i = 40'000; i > 0; --i)
+    points.push_back({i, i});
+  std::vector<SampleLoop> loops(300'000, SampleLoop{0, 0, 9, 1, 0});
+  loops.resize(320'000, SampleLoop{0, 0, 0, 9, 0});
+  loops.push_back(loops.front());
+  const ByteBuffer file = join({wav({fmtChunk, dataChunk, cue(points)}), smpl(60, 0, loops)});
+  WavInfo info = parseWav(file);
   Warnings warnings;
-  EXPECT_EQ(mapWavMetadata(info, 50000, warnings).markers.size(), 32766U);
-
-  info.loops.emplace(20000, SampleLoop{0, 0, 0, 9, 0});
-  info.loops->push_back({0, 0, 9, 1, 0});
-  const AiffMetadata metadata = mapWavMetadata(info, 50000, warnings);
+  const AiffMetadata metadata = mapWavMetadata(info, 50'000, warnings);
   EXPECT_EQ(metadata.loops.size(), 16382U) << "IDs 1 to 32764";
-  EXPECT_EQ(metadata.markers.size(), 32766U) << "two cue points still fit";
+  ASSERT_EQ(metadata.markers.size(), 32766U) << "two cue points still fit";
   EXPECT_EQ(metadata.markers.back().id, 32766);
-  EXPECT_EQ(warnings.size(), 1U) << "none for the loops that are not reached";
+  EXPECT_EQ(warnings.size(), 10'001U);
+  EXPECT_EQ(warningText(warnings.back(), english), "290001 further warnings.")
+      << "one for all loops, none for those that are not reached";
+
+  info.loops.reset();
+  EXPECT_EQ(mapWavMetadata(info, 50'000, warnings).markers.back().name, "Cue 7235");
 }
 
 TEST(WavToAiff, DerivesTheInstrument) {

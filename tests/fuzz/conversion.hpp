@@ -5,7 +5,7 @@
 
 #include "convert/carry_out.hpp"
 #include "fuzz/require.hpp"
-#include "vocabulary/errors.hpp"
+#include "vocabulary/messages.hpp"
 
 namespace corvana::fuzz {
 
@@ -14,10 +14,13 @@ inline std::optional<ByteBuffer> convert(ConversionPlan (*planner)(ByteView), By
   ConversionPlan plan;
   try {
     plan = planner(content);
-  } catch (const ConversionError&) {
+  } catch (const ConversionError& error) {
+    REQUIRE(!errorDescription(error, Language()).empty());
     return std::nullopt;
   }
   REQUIRE(plan.summary.channels >= 1 && plan.summary.bits >= 1);
+  for (const Warning& warning : plan.warnings)
+    REQUIRE(!warningText(warning, Language()).empty());
   double lastProgress = 0;
   MemorySink output;
   carryOut(plan, MemorySource(content), output, [&](double fraction) {

@@ -26,11 +26,11 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const auto isOn = [](const AiffLoop& loop) { return loop.playMode != play_mode::none; };
     REQUIRE(after.loops->size() <= static_cast<std::size_t>(isOn(before.instrument->sustainLoop)) +
                                        isOn(before.instrument->releaseLoop));
-    for (const SampleLoop& loop : *after.loops)
+    for (const SampleLoop loop : *after.loops)
       REQUIRE(loop.start <= loop.end && loop.end < frames);
   }
   REQUIRE(after.cuePoints.size() <= before.markers.size());
-  for (const CuePoint& point : after.cuePoints)
+  for (const CuePoint point : after.cuePoints)
     REQUIRE(point.position <= frames);
   return 0;
 }

@@ -15,9 +15,10 @@ std::uint64_t positionOf(const AiffInfo& info, std::int16_t id) {
   return 0;
 }
 
-void requireLoop(const AiffInfo& info, const AiffLoop& loop, const SampleLoop* source) {
-  REQUIRE((loop.playMode != play_mode::none) == (source != nullptr));
-  if (source == nullptr) return;
+void requireLoop(const AiffInfo& info, const AiffLoop& loop,
+                 const std::optional<SampleLoop>& source) {
+  REQUIRE((loop.playMode != play_mode::none) == source.has_value());
+  if (!source) return;
   REQUIRE(positionOf(info, loop.beginMarker) == source->start);
   REQUIRE(positionOf(info, loop.endMarker) ==
           std::min<std::uint64_t>(std::uint64_t{source->end} + 1, info.frameCount));
@@ -42,11 +43,11 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   REQUIRE(after.instrument.has_value() == (before.loops || before.instrument));
 
   // The first two loops that hold a frame are the sustain and the release loop.
-  const SampleLoop* kept[2] = {};
+  std::optional<SampleLoop> kept[2];
   std::size_t count = 0;
   if (before.loops)
-    for (const SampleLoop& loop : *before.loops)
-      if (loop.start <= loop.end && loop.start < frames && count < 2) kept[count++] = &loop;
+    for (const SampleLoop loop : *before.loops)
+      if (loop.start <= loop.end && loop.start < frames && count < 2) kept[count++] = loop;
   if (after.instrument) {
     requireLoop(after, after.instrument->sustainLoop, kept[0]);
     requireLoop(after, after.instrument->releaseLoop, kept[1]);

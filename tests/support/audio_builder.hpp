@@ -115,14 +115,15 @@ inline ByteBuffer smpl(std::uint32_t note, std::uint32_t fraction,
   const auto count = static_cast<std::uint32_t>(loops.size());
   ByteBuffer body = le32({7, 8, 9, note, fraction, 10, 11, count, 12});
   for (const SampleLoop& loop : loops)
-    body = join({body, le32({loop.cueID, loop.type, loop.start, loop.end, 13, loop.playCount})});
+    appendBytes(body, le32({loop.cueID, loop.type, loop.start, loop.end, 13, loop.playCount}));
   return wavChunk("smpl", body);
 }
 
 inline ByteBuffer cue(const std::vector<CuePoint>& points) {
   ByteBuffer body = le(points.size(), 4);
   for (const CuePoint& point : points)
-    body = join({body, le32({point.id, 0xBAD}), text("slnt"), le32({14, 15, point.position})});
+    appendBytes(body,
+                join({le32({point.id, 0xBAD}), text("slnt"), le32({14, 15, point.position})}));
   return wavChunk("cue ", body);
 }
 

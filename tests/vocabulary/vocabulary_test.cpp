@@ -58,6 +58,16 @@ TEST(ScreenText, ReadableTextDrivesNoTerminal) {
     EXPECT_EQ(readableText(text), readable);
 }
 
+TEST(Warnings, AreCountedBeyondTheirLimit) {
+  Warnings warnings(9'999);
+  for (const char* last : {"Loop 1: AIFF has no backward loops – converted to a forward loop.",
+                           "1 further warning.", "2 further warnings.", "3 further warnings."}) {
+    addWarning(warnings, WarningKind::backwardLoop, {std::int64_t{1}});
+    EXPECT_EQ(warningText(warnings.back(), english), last);
+  }
+  EXPECT_EQ(warnings.size(), 10'001U);
+}
+
 TEST(Summary, NamesWhatIsThere) {
   EXPECT_EQ(makeSummary({16, 2, 44100, {}, 3, 0, 0, 0}, english), "16-bit, stereo, 44100 Hz");
   EXPECT_EQ(makeSummary({8, 6, 4294967295, 61, -12, 0, 0, 3}, english),

@@ -16,9 +16,9 @@ const ByteBuffer format = fmt({});
 std::string found(const WavInfo& info) {
   std::string text = line(info.dataSize, "@", info.dataOffset);
   if (info.loops) text += line(" smpl ", info.midiUnityNote, "+", info.midiPitchFraction);
-  for (const SampleLoop& loop : info.loops.value_or(std::vector<SampleLoop>()))
+  for (const SampleLoop loop : info.loops.value_or(SampleLoopView()))
     text += line(" loop ", loop.cueID, loop.type, loop.start, loop.end, loop.playCount);
-  for (const CuePoint& point : info.cuePoints)
+  for (const CuePoint point : info.cuePoints)
     text += line(" cue ", point.id, "@", point.position);
   if (const auto& i = info.instrument)
     text += line(" inst ", +i->unshiftedNote, " ", +i->fineTune, " ", +i->gain, " ", +i->lowNote,
@@ -31,7 +31,6 @@ TEST(WavReader, RejectsWhatItCannotUse) {
   const auto extensible = [&](std::uint16_t subFormat) {
     return with({.tag = 0xFFFE, .validBits = 16, .subFormat = subFormat});
   };
-  const ByteBuffer unpadded = bytes("'junk' 01 00 00 00 00");
   const struct {
     const char* name;
     ByteBuffer file;
@@ -43,7 +42,6 @@ TEST(WavReader, RejectsWhatItCannotUse) {
       {"another form", bytes("'RIFF' 00 00 00 00 'WAVX'"), "The RIFF file is not a WAVE file."},
       {"no fmt", wav({data({1, 2})}), "The fmt chunk is missing."},
       {"no data", wav({format}), "The data chunk is missing."},
-      {"no pad byte", wav({format, unpadded, data({})}), "The data chunk is missing."},
       {"fmt cut", wav({data({}), firstBytes(format, 8 + 15)}), "The fmt chunk is damaged."},
       {"a good one follows", wav({fmt({.channels = 0}), format}), "The fmt chunk is damaged."},
       {"no rate", with({.rate = 0}), "The fmt chunk is damaged."},
@@ -116,11 +114,6 @@ TEST(WavReader, FindsChunksInAnyOrderAndOfTwoTheLater) {
   };
   for (const auto& c : cases)
     EXPECT_EQ(found(parseWav(wav({c.chunks}))), c.expected) << c.name;
-}
-
-TEST(WavReader, TakesNoMoreRecordsThanTheirLimit) {
-  const std::size_t records = maxRecords + 1;
-  EXPECT_EQ(parseCueChunk(join({le(records, 4), ByteBuffer(24 * records)})).size(), maxRecords);
 }
 
 TEST(WavWriter, FormatChunk) {

@@ -1,0 +1,43 @@
+// Records of equal size that lie one behind the other in the bytes of a file. A view is as small
+// whatever their number, since each is only decoded when it is looked at.
+#pragma once
+
+#include <algorithm>
+#include <cstddef>
+
+#include "vocabulary/bytes.hpp"
+
+namespace corvana {
+
+/// Refers to bytes that have to outlive it. `decode` makes a record of its `recordSize` bytes.
+template <typename Record, std::size_t recordSize, Record (*decode)(ByteView)>
+class RecordView {
+ public:
+  class Iterator {
+   public:
+    explicit Iterator(ByteView rest) : rest_(rest) {}
+    Record operator*() const { return decode(rest_.first(recordSize)); }
+    Iterator& operator++() {
+      rest_ = rest_.subspan(recordSize);
+      return *this;
+    }
+    bool operator==(const Iterator& other) const { return rest_.size() == other.rest_.size(); }
+
+   private:
+    ByteView rest_;
+  };
+
+  RecordView() = default;
+  /// The first `declared` records, or as many as `bytes` wholly holds.
+  RecordView(ByteView bytes, std::size_t declared)
+      : bytes_(bytes.first(std::min(declared, bytes.size() / recordSize) * recordSize)) {}
+
+  std::size_t size() const { return bytes_.size() / recordSize; }
+  Iterator begin() const { return Iterator(bytes_); }
+  Iterator end() const { return Iterator({}); }
+
+ private:
+  ByteView bytes_;
+};
+
+}  // namespace corvana
