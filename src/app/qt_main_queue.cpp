@@ -6,6 +6,8 @@
 #include <QTimer>
 #include <utility>
 
+#include "platform/ending.hpp"
+
 namespace corvana {
 namespace {
 
@@ -20,24 +22,32 @@ constexpr std::chrono::milliseconds pause{10};
 }  // namespace
 
 void QtMainQueue::post(Task task) {
-  {
-    const std::lock_guard lock(mutex_);
-    tasks_.push_back(std::move(task));
-    if (isWoken_) return;
-    isWoken_ = true;
-  }
-  QCoreApplication::postEvent(this, new QEvent(QEvent::User));
+  doOrEnd([&] {
+    {
+      const std::lock_guard lock(mutex_);
+      tasks_.push_back(std::move(task));
+      if (isWoken_) return;
+      isWoken_ = true;
+    }
+    QCoreApplication::postEvent(this, new QEvent(QEvent::User));
+  });
 }
 
 bool QtMainQueue::event(QEvent* event) {
   if (event->type() != QEvent::User) return QObject::event(event);
-  const std::chrono::milliseconds elapsed(sinceBatch_.isValid() ? sinceBatch_.elapsed() : 0);
-  if (!sinceBatch_.isValid() || elapsed >= pause) {
-    runTasks();
-  } else {
-    QTimer::singleShot(pause - elapsed, Qt::PreciseTimer, this, [this] { runTasks(); });
-  }
+  doOrEnd([this] {
+    const std::chrono::milliseconds elapsed(sinceBatch_.isValid() ? sinceBatch_.elapsed() : 0);
+    if (!sinceBatch_.isValid() || elapsed >= pause) {
+      runTasks();
+    } else {
+      runTasksAfter(pause - elapsed);
+    }
+  });
   return true;
+}
+
+void QtMainQueue::runTasksAfter(std::chrono::milliseconds delay) {
+  QTimer::singleShot(delay, Qt::PreciseTimer, this, [this] { doOrEnd([this] { runTasks(); }); });
 }
 
 void QtMainQueue::runTasks() {
@@ -58,7 +68,7 @@ void QtMainQueue::runTasks() {
   } while (!turnEnd.hasExpired());
   // Not an event again: the loop delivers all posted events, new ones too, before it looks for
   // input, and thousands of small files post faster than that.
-  QTimer::singleShot(0, this, [this] { runTasks(); });
+  runTasksAfter({});
 }
 
 }  // namespace corvana

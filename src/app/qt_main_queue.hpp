@@ -3,6 +3,7 @@
 
 #include <QElapsedTimer>
 #include <QObject>
+#include <chrono>
 #include <deque>
 #include <mutex>
 
@@ -11,7 +12,7 @@
 namespace corvana {
 
 /// Runs tasks in batches, some milliseconds apart. Made and destroyed on the main thread; tasks
-/// that have not run by then are dropped.
+/// that have not run by then are dropped. Where memory fails, the program ends (endForException).
 class QtMainQueue : public QObject, public MainQueue {
  public:
   void post(Task task) override;
@@ -21,6 +22,7 @@ class QtMainQueue : public QObject, public MainQueue {
 
  private:
   void runTasks();
+  void runTasksAfter(std::chrono::milliseconds delay);
 
   std::mutex mutex_;
   std::deque<Task> tasks_;
