@@ -112,8 +112,8 @@ void ViewController::setProgress(double fraction) {
   announceNews();
 }
 
-void ViewController::appendLog(const std::string& entry) {
-  news_.log += entry + '\n';
+void ViewController::appendLog(const LogEntry& entry) {
+  news_.log += entry.screenText() + '\n';
   announceNews();
 }
 
@@ -124,14 +124,14 @@ void ViewController::announceNews() {
 
 void ViewController::showNews() {
   const News news = std::exchange(news_, {});
-  if (news.status) statusLabel->setText(screenText(*news.status));
+  if (news.status) statusLabel->setText(screenLine(*news.status));
   if (news.progress)
     progressIndicator->setValue(static_cast<int>(std::lround(*news.progress * progressSteps)));
   if (news.log.empty()) return;
   // A cursor of its own leaves the user's selection alone.
   QTextCursor end(logView->document());
   end.movePosition(QTextCursor::End);
-  end.insertText(screenText(news.log));
+  end.insertText(qtText(news.log));
   QScrollBar* bar = logView->verticalScrollBar();
   bar->setValue(bar->maximum());
 }

@@ -60,7 +60,7 @@ class ViewController : public DropViewDelegate, public BatchView {
   bool overwriteExisting() const override;
   void setStatus(const std::string& text) override;
   void setProgress(double fraction) override;
-  void appendLog(const std::string& entry) override;
+  void appendLog(const LogEntry& entry) override;
 
  public slots:
   void subfolderChanged();

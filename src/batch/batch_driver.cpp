@@ -1,6 +1,7 @@
 #include "batch/batch_driver.hpp"
 
 #include <cerrno>
+#include <functional>
 #include <utility>
 
 #include "batch/audio_files.hpp"
@@ -9,6 +10,7 @@
 #include "output/convert_file.hpp"
 #include "platform/texts.hpp"
 #include "vocabulary/messages.hpp"
+#include "vocabulary/screen_text.hpp"
 #include "vocabulary/text_format.hpp"
 
 namespace corvana {
@@ -16,19 +18,38 @@ namespace {
 
 namespace fs = std::filesystem;
 
-std::string successEntry(const std::string& fileName, const ConversionResult& result) {
-  std::string entry =
-      fileName + " => " + result.outputURL.filename().native() + "  [" + result.summary + "]";
+LogEntry successEntry(const std::string& fileName, const ConversionResult& result) {
+  LogEntry entry{
+      {fileName + " => " + result.outputURL.filename().native() + "  [" + result.summary + "]"}};
   for (const std::string& warning : result.warnings)
-    entry += "\n   ⚠\uFE0E " + warning;
+    entry.lines.push_back("   ⚠\uFE0E " + warning);
   return entry;
 }
 
-std::string failureEntry(const std::string& fileName, const std::string& message) {
-  return "✗ " + fileName + ": " + message;
+LogEntry failureEntry(const std::string& fileName, const std::string& message) {
+  return {{"✗ " + fileName + ": " + message}};
+}
+
+/// The lines with a line feed between them, each as `shown` gives it.
+template <typename Shown>
+std::string joinedLines(const std::vector<std::string>& lines, Shown shown) {
+  std::string text;
+  for (const std::string& line : lines) {
+    if (!text.empty()) text += '\n';
+    text += shown(line);
+  }
+  return text;
 }
 
 }  // namespace
+
+std::string LogEntry::text() const {
+  return joinedLines(lines, std::identity());
+}
+
+std::string LogEntry::screenText() const {
+  return joinedLines(lines, readableLine);
+}
 
 BatchDriver::BatchDriver(BatchView& view, MainQueue& mainQueue)
     : view_(view), mainQueue_(mainQueue), workQueue_("corvana.convert") {}
@@ -40,7 +61,7 @@ BatchDriver::~BatchDriver() {
 void BatchDriver::processURLs(const std::vector<fs::path>& urls) {
   std::vector<std::string> files = collectAudioFiles(urls);
   if (files.empty()) {
-    appendLog(localised("No WAV or AIFF files found."));
+    view_.appendLog({{localised("No WAV or AIFF files found.")}});
     return;
   }
   const Options options{view_.useSubfolder(), view_.overwriteExisting()};
@@ -97,7 +118,7 @@ void BatchDriver::reportProgress(double fraction) {
 void BatchDriver::fileFinished(const FileReport& report) {
   ++finishedFiles_;
   if (!report.converted) ++failedFiles_;
-  appendLog(report.entry);
+  view_.appendLog(report.entry);
   if (totalFiles_ >= 1)
     view_.setProgress(static_cast<double>(finishedFiles_) / static_cast<double>(totalFiles_));
   if (finishedFiles_ < totalFiles_) return;
@@ -106,10 +127,6 @@ void BatchDriver::fileFinished(const FileReport& report) {
   view_.setProgress(1.0);
   totalFiles_ = 0;
   finishedFiles_ = 0;
-}
-
-void BatchDriver::appendLog(const std::string& entry) {
-  view_.appendLog(entry);
 }
 
 }  // namespace corvana

@@ -13,6 +13,17 @@
 
 namespace corvana {
 
+/// What the log says of one file, or of a batch without files. A line holds the names and texts of
+/// files as they are, line feeds included.
+struct LogEntry {
+  std::vector<std::string> lines;  ///< what became of the file; then one for each warning
+
+  /// The exact bytes, for programs. A line feed is to follow.
+  std::string text() const;
+  /// For people: no name drives the screen or passes for a further line. A line feed is to follow.
+  std::string screenText() const;
+};
+
 /// What the driver needs of a window. Everything is called on the main thread.
 class BatchView {
  public:
@@ -21,13 +32,12 @@ class BatchView {
   virtual bool overwriteExisting() const = 0;  ///< option: replace existing files
   virtual void setStatus(const std::string& text) = 0;
   virtual void setProgress(double fraction) = 0;  ///< 0.0 to 1.0
-  /// One entry, which may span several lines; a line feed is to follow it.
-  virtual void appendLog(const std::string& entry) = 0;
+  virtual void appendLog(const LogEntry& entry) = 0;
 };
 
-/// The log entry of one finished file.
+/// One finished file.
 struct FileReport {
-  std::string entry;
+  LogEntry entry;
   bool converted = false;
 };
 
@@ -67,7 +77,6 @@ class BatchDriver {
   void reportProgress(double fraction);
 
   void fileFinished(const FileReport& report);
-  void appendLog(const std::string& entry);
 
   BatchView& view_;
   MainQueue& mainQueue_;

@@ -24,7 +24,7 @@ class TerminalView : public BatchView {
   bool overwriteExisting() const override { return options_.overwriteExisting; }
   void setStatus(const std::string& text) override;
   void setProgress(double fraction) override;
-  void appendLog(const std::string& entry) override;
+  void appendLog(const LogEntry& entry) override;
 
   /// Shows the last status for good.
   void finish();
