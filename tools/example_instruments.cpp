@@ -6,6 +6,7 @@
 #include <cstdio>
 #include <exception>
 #include <filesystem>
+#include <fstream>
 #include <numbers>
 #include <string>
 #include <vector>
@@ -13,7 +14,6 @@
 #include "aiff/aiff_writer.hpp"
 #include "aiff/big_endian.hpp"
 #include "aiff/extended80.hpp"
-#include "output/output_file.hpp"
 #include "wav/wav_writer.hpp"
 
 namespace {
@@ -135,10 +135,11 @@ SampleLoop alternatingReleaseLoop(const Note& note) {
 }
 
 void writeFile(const fs::path& path, const SurroundingBytes& surrounding, ByteView samples) {
-  OutputFile file({.url = path, .replaceExisting = true, .input = {}});
-  file.append(surrounding.header);
-  file.append(samples);
-  file.append(surrounding.trailer);
+  fs::create_directories(path.parent_path());
+  std::ofstream file(path, std::ios::binary);
+  file.exceptions(std::ios::failbit | std::ios::badbit);
+  for (const ByteView part : {ByteView(surrounding.header), samples, ByteView(surrounding.trailer)})
+    file.write(reinterpret_cast<const char*>(part.data()), std::ssize(part));
   file.close();
 }
 

@@ -102,7 +102,7 @@ void scramble(const Arguments& arguments) {
   const std::u16string plain = readText(arguments.file);
   if (const auto index = corvana::firstUnsafeCharacter(plain)) {
     const std::string place = placeOf(arguments.file, plain, *index);
-    if (plain[*index] > corvana::largestScramblableCharacter)
+    if (plain[*index] > corvana::maxScramblableCharacter)
       throw FileFault(place + quoted(plain, *index) + " begins with a character beyond ASCII");
     const std::u16string back =
         corvana::simpleEncryptText(corvana::simpleEncryptText(plain, true), false);

@@ -14,9 +14,6 @@ class ViewController;
 class AppDelegate : public QObject {
   Q_OBJECT
  public:
-  /// Also takes the open requests that the toolkit itself delivers (macOS).
-  AppDelegate();
-
   /// Opens files and folders with the application: at once when the window is there, else when
   /// it has loaded. Always a success; what is usable is found out later.
   void openFiles(const std::vector<std::filesystem::path>& paths);
@@ -29,9 +26,6 @@ class AppDelegate : public QObject {
 
   /// Files opened before the controller was there.
   std::vector<std::filesystem::path> pendingURLs;
-
- protected:
-  bool eventFilter(QObject* object, QEvent* event) override;
 };
 
 }  // namespace corvana

@@ -60,8 +60,8 @@ DesktopRole joinDesktop(AppDelegate& appDelegate, const std::vector<std::filesys
   // The object first: whoever sees the name may call at once.
   bus.registerObject(objectPath, &appDelegate);
   // The program that has the name may end between the two steps; then it is ours.
-  constexpr int attempts = 3;
-  for (int i = 0; i < attempts; ++i) {
+  constexpr int maxAttempts = 3;
+  for (int i = 0; i < maxAttempts; ++i) {
     if (bus.registerService(desktopId)) return DesktopRole::window;
     if (handOver(bus, paths)) return DesktopRole::handedOver;
   }

@@ -20,7 +20,7 @@ namespace {
 constexpr QSize firstSize{860, 660};
 constexpr int margin = 16;
 constexpr int spacing = 12;
-constexpr int dropViewHeight = 150;  // at least
+constexpr int minDropViewHeight = 150;
 constexpr int barHeight = 8;
 
 /// An option of the user, with what it does in a tool tip.
@@ -42,7 +42,7 @@ MainWindow::MainWindow(AppDelegate* appDelegate) : controller_(appDelegate) {
 
 void MainWindow::makeViews() {
   auto* dropView = new DropView;
-  dropView->setMinimumHeight(dropViewHeight);
+  dropView->setMinimumHeight(minDropViewHeight);
   dropView->setAccessibleName(qtText(localised("Drop area for files and folders")));
   (new QVBoxLayout(dropView))->addWidget(makeInvitation(), 0, Qt::AlignCenter);
 
@@ -127,8 +127,7 @@ void MainWindow::makeMenus() {
   file->addAction(qtText(localised("&Open…")), QKeySequence::Open, &controller_,
                   &ViewController::openDocument);
   file->addSeparator();
-  file->addAction(qtText(localised("&Quit")), Qt::CTRL | Qt::Key_Q, this, &MainWindow::close)
-      ->setMenuRole(QAction::QuitRole);
+  file->addAction(qtText(localised("&Quit")), Qt::CTRL | Qt::Key_Q, this, &MainWindow::close);
 
   QPlainTextEdit* log = controller_.logView;
   QMenu* edit = menuBar()->addMenu(qtText(localised("&Edit")));
@@ -143,8 +142,7 @@ void MainWindow::makeMenus() {
   help->addAction(qtText(localised("Check for &Updates…")), &controller_,
                   &ViewController::mnuCheckForUpdates);
   help->addSeparator();
-  help->addAction(qtText(localised("&About Corvana")), this, &MainWindow::showAbout)
-      ->setMenuRole(QAction::AboutRole);
+  help->addAction(qtText(localised("&About Corvana")), this, &MainWindow::showAbout);
 }
 
 void MainWindow::showAbout() {

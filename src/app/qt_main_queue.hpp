@@ -1,11 +1,11 @@
 // The main queue of the window: posted tasks run in the toolkit's event loop.
 #pragma once
 
-#include <QElapsedTimer>
 #include <QObject>
-#include <chrono>
-#include <deque>
+#include <functional>
 #include <mutex>
+#include <utility>
+#include <vector>
 
 #include "platform/queues.hpp"
 
@@ -15,19 +15,17 @@ namespace corvana {
 /// that have not run by then are dropped. Where memory fails, the program ends (endForException).
 class QtMainQueue : public QObject, public MainQueue {
  public:
-  void post(Task task) override;
+  /// `batchEnded` is called on the main thread after each batch.
+  explicit QtMainQueue(std::function<void()> batchEnded) : batchEnded_(std::move(batchEnded)) {}
 
- protected:
-  bool event(QEvent* event) override;
+  void post(Task task) override;
 
  private:
   void runTasks();
-  void runTasksAfter(std::chrono::milliseconds delay);
 
+  const std::function<void()> batchEnded_;
   std::mutex mutex_;
-  std::deque<Task> tasks_;
-  bool isWoken_ = false;  // runTasks will come
-  QElapsedTimer sinceBatch_;
+  std::vector<Task> tasks_;  // while there are any, runTasks will come
 };
 
 }  // namespace corvana

@@ -12,7 +12,7 @@
 #include "app/qt_values.hpp"
 #include "platform/bundle_info.hpp"
 #include "platform/texts.hpp"
-#include "update/check_for_updates.hpp"
+#include "update_window/check_for_updates.hpp"
 
 namespace corvana {
 namespace {
@@ -48,6 +48,7 @@ ViewController::ViewController(AppDelegate* appDelegate)
     : logFont(makeLogFont()),
       appDelegate_(appDelegate),
       openPanelFolder_(QDir::homePath()),
+      mainQueue_([this] { showChanges(); }),
       driver_(*this, mainQueue_) {}
 
 void ViewController::viewDidLoad() {
@@ -70,6 +71,7 @@ void ViewController::viewDidLoad() {
 
 void ViewController::processURLs(const std::vector<std::filesystem::path>& urls) {
   driver_.processURLs(urls);
+  showChanges();
 }
 
 void ViewController::filesDropped(const std::vector<std::filesystem::path>& urls) {
@@ -94,44 +96,33 @@ QWidget* ViewController::window() const {
   return dropView->window();
 }
 
-bool ViewController::useSubfolder() const {
-  return subfolderCheckbox->isChecked();
-}
-
-bool ViewController::overwriteExisting() const {
-  return overwriteCheckbox->isChecked();
+BatchOptions ViewController::options() const {
+  return {.useSubfolder = subfolderCheckbox->isChecked(),
+          .overwrite = overwriteCheckbox->isChecked()};
 }
 
 void ViewController::setStatus(const std::string& text) {
-  news_.status = text;
-  announceNews();
+  changes_.status = text;
 }
 
 void ViewController::setProgress(double fraction) {
-  news_.progress = fraction;
-  announceNews();
+  changes_.progress = fraction;
 }
 
 void ViewController::appendLog(const LogEntry& entry) {
-  news_.log += entry.screenText() + '\n';
-  announceNews();
+  changes_.log += entry.screenText() + '\n';
 }
 
-void ViewController::announceNews() {
-  if (!std::exchange(news_.isAnnounced, true))
-    QMetaObject::invokeMethod(this, &ViewController::showNews, Qt::QueuedConnection);
-}
-
-void ViewController::showNews() {
-  const News news = std::exchange(news_, {});
-  if (news.status) statusLabel->setText(screenLine(*news.status));
-  if (news.progress)
-    progressIndicator->setValue(static_cast<int>(std::lround(*news.progress * progressSteps)));
-  if (news.log.empty()) return;
+void ViewController::showChanges() {
+  const Changes changes = std::exchange(changes_, {});
+  if (changes.status) statusLabel->setText(screenLine(*changes.status));
+  if (changes.progress)
+    progressIndicator->setValue(static_cast<int>(std::lround(*changes.progress * progressSteps)));
+  if (changes.log.empty()) return;
   // A cursor of its own leaves the user's selection alone.
   QTextCursor end(logView->document());
   end.movePosition(QTextCursor::End);
-  end.insertText(qtText(news.log));
+  end.insertText(qtText(changes.log));
   QScrollBar* bar = logView->verticalScrollBar();
   bar->setValue(bar->maximum());
 }

@@ -54,13 +54,15 @@ class ViewController : public DropViewDelegate, public BatchView {
 
   const BatchDriver& driver() const { return driver_; }
 
-  // What the driver says of the run is shown at the end of the event loop's turn: the views need
-  // longer for one change than the driver for a short file.
-  bool useSubfolder() const override;
-  bool overwriteExisting() const override;
+  BatchOptions options() const override;
+  // The views need longer for one change than the driver for a short file, so changes gather
+  // until showChanges.
   void setStatus(const std::string& text) override;
   void setProgress(double fraction) override;
   void appendLog(const LogEntry& entry) override;
+
+  /// Brings the views up to date. Happens by itself after each batch of the driver's posts.
+  void showChanges();
 
  public slots:
   void subfolderChanged();
@@ -69,19 +71,15 @@ class ViewController : public DropViewDelegate, public BatchView {
   void mnuCheckForUpdates();
 
  private:
-  /// What the views are to show.
-  struct News {
+  /// What the views do not show yet.
+  struct Changes {
     std::optional<std::string> status;
     std::optional<double> progress;
     std::string log;
-    bool isAnnounced = false;  // showNews will come
   };
 
-  void announceNews();
-  void showNews();
-
   QPointer<AppDelegate> appDelegate_;
-  News news_;
+  Changes changes_;
   QString openPanelFolder_;  // where the last panel of this run was
   QtMainQueue mainQueue_;
   BatchDriver driver_;  // last: its thread ends before its views and its queue do

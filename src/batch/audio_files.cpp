@@ -1,10 +1,11 @@
 #include "batch/audio_files.hpp"
 
 #include <algorithm>
-#include <string>
+#include <cerrno>
 #include <system_error>
 
 #include "platform/folders.hpp"
+#include "platform/texts.hpp"
 
 namespace corvana {
 
@@ -25,27 +26,51 @@ bool hasAudioExtension(std::string_view path) {
   return std::any_of(std::begin(audioExtensions), std::end(audioExtensions), matches);
 }
 
-std::vector<std::string> collectAudioFiles(const std::vector<fs::path>& urls) {
-  std::vector<std::string> files;
-  const auto addFile = [&files](std::string_view path) {
-    if (hasAudioExtension(path)) files.emplace_back(path);
+std::string_view AudioFile::folder() const {
+  const std::size_t slash = path.rfind('/');
+  if (slash == std::string::npos) return {};
+  return std::string_view(path).substr(0, std::max<std::size_t>(slash, 1));
+}
+
+std::string_view AudioFile::name() const {
+  return std::string_view(path).substr(path.rfind('/') + 1);
+}
+
+FoundFiles collectAudioFiles(const std::vector<fs::path>& urls) {
+  FoundFiles found;
+  std::size_t namedLength = 0;
+  const auto leaveOut = [&found](std::string_view path, int errorNumber) {
+    found.leftOut.push_back(
+        {std::string(path), std::generic_category().message(errorNumber), true});
   };
-  const auto enterFolder = [](std::string_view name) {
-    const bool isOutput = std::find(std::begin(outputFolderNames), std::end(outputFolderNames),
-                                    name) != std::end(outputFolderNames);
-    return isOutput ? Descend::no : Descend::yes;
-  };
+  const FolderVisitor visitor{
+      .file =
+          [&](std::string_view path) {
+            if (hasAudioExtension(path)) found.files.push_back({std::string(path), namedLength});
+          },
+      .folder =
+          [](std::string_view name) {
+            const bool isOutput =
+                std::find(std::begin(outputFolderNames), std::end(outputFolderNames), name) !=
+                std::end(outputFolderNames);
+            return isOutput ? Descend::no : Descend::yes;
+          },
+      .unreadable = leaveOut};
   for (const fs::path& url : urls) {
     std::error_code error;
     const fs::file_status status = fs::status(url, error);
-    if (!fs::exists(status)) continue;
-    if (fs::is_directory(status)) {
-      searchFolder(url, {addFile, enterFolder});
+    if (!fs::exists(status)) {
+      leaveOut(url.native(), error ? error.value() : ENOENT);
+    } else if (fs::is_directory(status)) {
+      namedLength = url.native().size();
+      searchFolder(url, visitor);
+    } else if (hasAudioExtension(url.native())) {
+      found.files.push_back({url.native(), url.native().size()});
     } else {
-      addFile(url.native());
+      found.leftOut.push_back({url.native(), localised("Not a WAV or AIFF file by its extension")});
     }
   }
-  return files;
+  return found;
 }
 
 }  // namespace corvana

@@ -17,9 +17,31 @@ inline constexpr std::string_view outputFolderNames[] = {"AIFF", "WAV"};
 /// Whether the extension of `path` is in audioExtensions, in any case of letters.
 bool hasAudioExtension(std::string_view path);
 
-/// Expands files and folders, in the given order; folders are searched in depth. What does not
-/// exist or has another extension is left out without a message. The results are paths, as
-/// plain texts: making path objects of a large library takes nearly as long as finding it.
-std::vector<std::string> collectAudioFiles(const std::vector<std::filesystem::path>& urls);
+/// A file to convert. Its path is a plain text: making path objects of a large library takes
+/// nearly as long as finding it.
+struct AudioFile {
+  std::string path;
+  std::size_t namedLength = 0;  ///< how much of the path, folders only, the user has named
+
+  std::string_view folder() const;  ///< of the path; empty for a file of the current folder
+  std::string_view name() const;    ///< the last part of the path
+};
+
+/// Something that a search has left out, and why.
+struct LeftOut {
+  std::string path;
+  std::string reason;
+  bool mayHideFiles = false;  ///< a folder that could not be read, a path that does not exist
+};
+
+struct FoundFiles {
+  std::vector<AudioFile> files;
+  std::vector<LeftOut> leftOut;
+};
+
+/// Expands files and folders, in the given order; folders are searched in depth. Of what the
+/// user has named, files of another extension are left out; in a search they are nothing to speak
+/// of.
+FoundFiles collectAudioFiles(const std::vector<std::filesystem::path>& urls);
 
 }  // namespace corvana

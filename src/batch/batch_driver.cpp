@@ -2,10 +2,10 @@
 
 #include <cerrno>
 #include <functional>
+#include <optional>
 #include <utility>
 
-#include "batch/audio_files.hpp"
-#include "batch/output_url.hpp"
+#include "batch/batch_inputs.hpp"
 #include "convert/detect_format.hpp"
 #include "output/convert_file.hpp"
 #include "platform/texts.hpp"
@@ -41,6 +41,27 @@ std::string joinedLines(const std::vector<std::string>& lines, Shown shown) {
   return text;
 }
 
+InputFolder openFolderOf(const AudioFile& file) {
+  try {
+    return InputFolder(file);
+  } catch (const std::system_error& error) {
+    throw FileError(error.code().value(), localised("Cannot read '%1$@': %2$@"), file.path,
+                    folderReason(error));
+  }
+}
+
+/// Whether the file is of the format that the others are to be converted into. One that cannot be
+/// read is not: its error belongs in the log.
+bool isLeftAlone(const AudioFile& file, const BatchOptions& options) {
+  if (options.direction == Direction::both) return false;
+  try {
+    const InputFile input(openFolderOf(file).folder(), std::string(file.name()), file.path);
+    return input.read(detectFormat) == (options.direction == Direction::toAIFF);
+  } catch (const std::exception&) {
+    return false;
+  }
+}
+
 }  // namespace
 
 std::string LogEntry::text() const {
@@ -59,52 +80,83 @@ BatchDriver::~BatchDriver() {
 }
 
 void BatchDriver::processURLs(const std::vector<fs::path>& urls) {
-  std::vector<std::string> files = collectAudioFiles(urls);
-  if (files.empty()) {
+  const BatchOptions options = view_.options();
+  FoundFiles found = collectAudioFiles(urls);
+  for (const LeftOut& leftOut : found.leftOut)
+    view_.reportLeftOut(leftOut);
+  std::erase_if(found.files, [&](const AudioFile& file) { return isLeftAlone(file, options); });
+  if (found.files.empty()) {
     view_.appendLog({{localised("No WAV or AIFF files found.")}});
     return;
   }
-  const Options options{view_.useSubfolder(), view_.overwriteExisting()};
-  totalFiles_ += static_cast<std::int64_t>(files.size());
-  view_.setProgress(static_cast<double>(finishedFiles_) / static_cast<double>(totalFiles_));
-  workQueue_.async([this, files = std::move(files), options] { convertFiles(files, options); });
+  const Files files = std::make_shared<const std::vector<AudioFile>>(std::move(found.files));
+  if (!options.overwrite || !wantEachOthersNames(*files, options.useSubfolder))
+    return start(files, options);
+  view_.confirmReplacingInputs([this, files, options](InputClash clash) {
+    BatchOptions confirmed = options;
+    confirmed.clash = clash;
+    start(files, confirmed);
+  });
 }
 
-void BatchDriver::convertFiles(const std::vector<std::string>& files, Options options) {
-  for (const std::string& file : files) {
+void BatchDriver::start(const Files& files, const BatchOptions& options) {
+  totalFiles_ += static_cast<std::int64_t>(files->size());
+  view_.setProgress(static_cast<double>(finishedFiles_) / static_cast<double>(totalFiles_));
+  workQueue_.async([this, files, options] { convertFiles(*files, options); });
+}
+
+void BatchDriver::convertFiles(const std::vector<AudioFile>& files, const BatchOptions& options) {
+  const bool sparesInputs = options.overwrite && options.clash != InputClash::replace;
+  static const std::vector<AudioFile> none;
+  const BatchInputs inputs(sparesInputs ? files : none);
+  std::optional<InputFolder> folder;
+  for (const AudioFile& file : files) {
     if (isStopped()) break;
-    convertFile(file, options);
+    const std::string fileName(file.name());
+    mainQueue_.post([this, status = fillText(localised("Converting %@ …"), {fileName})] {
+      view_.setStatus(status);
+    });
+    FileReport report;
+    try {
+      if (!folder || !folder->isOf(file)) folder = openFolderOf(file);
+      report = {convertFile(*folder, file, options, inputs), true};
+    } catch (const ConversionError& error) {
+      if (error.kind() == ConversionError::Case::writeFailed) reportReason(error);
+      report.entry = failureEntry(fileName, errorDescription(error, systemLanguage()));
+    } catch (const std::exception& error) {
+      report.entry = failureEntry(fileName, error.what());
+    }
+    mainQueue_.post([this, report = std::move(report)] { fileFinished(report); });
   }
   if (isStopped()) mainQueue_.post([this] { totalFiles_ = finishedFiles_ = 0; });
 }
 
-void BatchDriver::convertFile(const fs::path& url, Options options) {
-  const std::string fileName = url.filename().native();
-  mainQueue_.post([this, status = fillText(localised("Converting %@ …"), {fileName})] {
-    view_.setStatus(status);
+LogEntry BatchDriver::convertFile(InputFolder& folder, const AudioFile& file,
+                                  const BatchOptions& options, const BatchInputs& inputs) {
+  const std::string fileName(file.name());
+  const InputFile input(folder.folder(), fileName, file.path);
+  const bool isAIFF = input.read(detectFormat);
+  const OutputTarget output = makeOutputURL(folder, input, isAIFF, options, inputs);
+  const ProgressHandler progress = [&](double fraction) {
+    // A file whose samples are all written is finished rather than left without its end.
+    if (isStopped() && fraction < 1.0)
+      throw FileError(ECANCELED,
+                      options.safe ? localised("Stopped – '%1$@' is not made.")
+                                   : localised("Stopped – '%1$@' is incomplete."),
+                      output.url());
+    reportProgress(fraction);
+  };
+  const ConversionResult result = isAIFF ? convertAIFFToWAV(input, output, progress)
+                                         : convertWAVToAIFF(input, output, progress);
+  return successEntry(fileName, result);
+}
+
+void BatchDriver::reportReason(const ConversionError& error) {
+  const auto& path = std::get<std::string>(error.values().at(0));
+  const auto errorNumber = static_cast<int>(std::get<std::int64_t>(error.values().at(1)));
+  mainQueue_.post([this, path, reason = std::generic_category().message(errorNumber)] {
+    view_.reportReason(path, reason);
   });
-  FileReport report;
-  try {
-    const InputFile input(url);
-    const bool isAIFF = input.read(detectFormat);
-    const OutputTarget output{
-        makeOutputURL(url, input.identity(), isAIFF, options.useSubfolder, options.overwrite),
-        options.overwrite, input.identity()};
-    const ProgressHandler progress = [&](double fraction) {
-      // A file whose samples are all written is finished rather than left without its end.
-      if (isStopped() && fraction < 1.0)
-        throw FileError(ECANCELED, localised("Stopped – '%1$@' is incomplete."), output.url);
-      reportProgress(fraction);
-    };
-    const ConversionResult result = isAIFF ? convertAIFFToWAV(input, output, progress)
-                                           : convertWAVToAIFF(input, output, progress);
-    report = {successEntry(fileName, result), true};
-  } catch (const ConversionError& error) {
-    report.entry = failureEntry(fileName, errorDescription(error, systemLanguage()));
-  } catch (const std::exception& error) {
-    report.entry = failureEntry(fileName, error.what());
-  }
-  mainQueue_.post([this, report = std::move(report)] { fileFinished(report); });
 }
 
 void BatchDriver::reportProgress(double fraction) {

@@ -5,11 +5,17 @@
 #include <atomic>
 #include <cstdint>
 #include <filesystem>
+#include <functional>
+#include <memory>
 #include <string>
 #include <vector>
 
+#include "batch/audio_files.hpp"
+#include "batch/batch_options.hpp"
+#include "batch/output_url.hpp"
 #include "platform/ending.hpp"
 #include "platform/queues.hpp"
+#include "vocabulary/errors.hpp"
 
 namespace corvana {
 
@@ -28,11 +34,19 @@ struct LogEntry {
 class BatchView {
  public:
   virtual ~BatchView() = default;
-  virtual bool useSubfolder() const = 0;       ///< option: write into a subfolder
-  virtual bool overwriteExisting() const = 0;  ///< option: replace existing files
+  virtual BatchOptions options() const = 0;
   virtual void setStatus(const std::string& text) = 0;
   virtual void setProgress(double fraction) = 0;  ///< 0.0 to 1.0
   virtual void appendLog(const LogEntry& entry) = 0;
+  /// Something that no entry of the log will speak of.
+  virtual void reportLeftOut(const LeftOut&) {}
+  /// Why the system could not write an output; the log names the file only.
+  virtual void reportReason(const std::string& /*path*/, const std::string& /*reason*/) {}
+  /// Inputs of a batch would be replaced by the outputs of others. `answer` says what is to become
+  /// of them and starts the batch, at once or later; without it, nothing starts.
+  virtual void confirmReplacingInputs(const std::function<void(InputClash)>& answer) {
+    answer(options().clash);
+  }
 };
 
 /// One finished file.
@@ -65,16 +79,17 @@ class BatchDriver {
   std::int64_t failedFiles() const { return failedFiles_; }
 
  private:
-  struct Options {
-    bool useSubfolder;
-    bool overwrite;
-  };
+  using Files = std::shared_ptr<const std::vector<AudioFile>>;
+
+  void start(const Files& files, const BatchOptions& options);
 
   // On the work queue.
   bool isStopped() const { return stopped_ || interruptStatus() != 0; }
-  void convertFiles(const std::vector<std::string>& files, Options options);
-  void convertFile(const std::filesystem::path& url, Options options);
+  void convertFiles(const std::vector<AudioFile>& files, const BatchOptions& options);
+  LogEntry convertFile(InputFolder& folder, const AudioFile& file, const BatchOptions& options,
+                       const BatchInputs& inputs);
   void reportProgress(double fraction);
+  void reportReason(const ConversionError& error);
 
   void fileFinished(const FileReport& report);
 

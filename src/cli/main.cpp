@@ -2,9 +2,9 @@
 
 #include <cstdio>
 #include <filesystem>
+#include <map>
 #include <optional>
 #include <string>
-#include <system_error>
 #include <vector>
 
 #include "batch/batch_driver.hpp"
@@ -15,7 +15,6 @@
 #include "platform/queues.hpp"
 #include "platform/standard_streams.hpp"
 #include "platform/texts.hpp"
-#include "vocabulary/screen_text.hpp"
 
 namespace {
 
@@ -38,20 +37,26 @@ constexpr const char* footer =
     "\n"
     "Standard output carries the log, one entry a file; standard error status and progress.\n"
     "\n"
-    "Exit status: 0 every file was converted; 1 a file failed, a path does not exist, or\n"
-    "nothing was found to convert; 2 wrong usage; 130 or 143 interrupted.\n"
+    "With --overwrite a file that is an input of the same run is not replaced: the file whose\n"
+    "output would have its name fails. Ways out: --to, so that earlier outputs are no inputs,\n"
+    "--subfolder, or --overwrite-inputs.\n"
+    "\n"
+    "Exit status: 0 every file was converted; 1 a file failed, a path does not exist, a folder\n"
+    "could not be searched, or nothing was found to convert; 2 wrong usage; 129, 130 or 143\n"
+    "interrupted (SIGHUP, Ctrl-C, SIGTERM).\n"
     "\n"
     "Examples:\n"
     "  corvana-cli piano.wav                      one file\n"
     "  corvana-cli --subfolder Samples/           a whole folder, outputs in AIFF/ and WAV/\n"
-    "  corvana-cli --overwrite *.aif > log.txt    replace older outputs, keep the log\n";
+    "  corvana-cli --overwrite *.aif > log.txt    replace older outputs, keep the log\n"
+    "  corvana-cli --to aiff --overwrite Samples/ the same again, from the WAV files only\n";
 
 struct Arguments {
   corvana::TerminalOptions options;
   std::vector<std::string> paths;
 };
 
-/// The parser takes "[a,b]" for a list. Every option is a flag, so an argument that starts with
+/// The parser takes "[a,b]" for a list. No option has such a value, so an argument that starts with
 /// a bracket is a path, and means the same with "./" in front.
 std::vector<std::string> protectBrackets(int count, char** arguments) {
   std::vector<std::string> result;
@@ -69,10 +74,28 @@ std::optional<int> parseArguments(int count, char** values, Arguments& arguments
   app.set_version_flag(
       "--version",
       "corvana-cli " + corvana::bundleValue(corvana::mainBundleInfo(), corvana::bundleVersionKey));
-  app.add_flag("--subfolder", arguments.options.useSubfolder,
+  using corvana::Direction;
+  corvana::BatchOptions& batch = arguments.options.batch;
+  batch.clash = corvana::InputClash::fail;
+  app.add_flag("--subfolder", batch.useSubfolder,
                "Write into a subfolder named after the output format, AIFF or WAV");
-  app.add_flag("--overwrite", arguments.options.overwriteExisting,
+  app.add_flag("--overwrite", batch.overwrite,
                "Replace existing outputs instead of choosing a numbered name");
+  app.add_flag_callback(
+      "--overwrite-inputs",
+      [&batch] {
+        batch.overwrite = true;
+        batch.clash = corvana::InputClash::replace;
+      },
+      "Overwrite, and replace even files that are inputs of the same run");
+  const std::map<std::string, Direction> directions = {{"aiff", Direction::toAIFF},
+                                                       {"wav", Direction::toWAV}};
+  app.add_option("--to", batch.direction,
+                 "Convert only into this format, aiff or wav; files that have it are no inputs")
+      ->transform(CLI::CheckedTransformer(directions).description(""))
+      ->type_name("FORMAT");
+  app.add_flag("--safe", batch.safe,
+               "Give an output its name only when it is complete and on the disk");
   app.add_flag("--quiet", arguments.options.quiet, "Show neither status nor progress");
   app.add_option("PATH", arguments.paths, "Files and folders to convert")
       ->required()
@@ -81,33 +104,15 @@ std::optional<int> parseArguments(int count, char** values, Arguments& arguments
   return corvana::parseCommandLine(app, protectBrackets(count, values));
 }
 
-/// Names every path that does not exist. Whether there was one.
-bool reportMissing(const std::vector<fs::path>& paths) {
-  bool isMissing = false;
-  for (const fs::path& path : paths) {
-    std::error_code error;
-    if (fs::exists(path, error)) continue;
-    isMissing = true;
-    const std::string reason =
-        error ? error.message()
-              : std::make_error_code(std::errc::no_such_file_or_directory).message();
-    std::fprintf(stderr, "corvana-cli: %s: %s\n", corvana::readableLine(path.native()).c_str(),
-                 reason.c_str());
-  }
-  return isMissing;
-}
-
 int convert(const Arguments& arguments) {
   const std::vector<fs::path> paths(arguments.paths.begin(), arguments.paths.end());
-  bool failed = reportMissing(paths);
-
   corvana::RunLoop mainQueue;
   corvana::TerminalView view(arguments.options);
   corvana::catchInterrupts();
   corvana::BatchDriver driver(view, mainQueue);
 
   driver.processURLs(paths);
-  if (driver.totalFiles() == 0) failed = true;
+  bool failed = driver.totalFiles() == 0 || !view.searchIsComplete();
   mainQueue.runUntil([&] { return driver.totalFiles() == 0; });
   if (corvana::interruptStatus() != 0) {
     view.erase();

@@ -47,6 +47,16 @@ void TerminalView::appendLog(const LogEntry& entry) {
     logIsComplete_ = false;
 }
 
+void TerminalView::reportLeftOut(const LeftOut& leftOut) {
+  if (leftOut.mayHideFiles) searchIsComplete_ = false;
+  reportReason(leftOut.path, leftOut.reason);
+}
+
+void TerminalView::reportReason(const std::string& path, const std::string& reason) {
+  erase();
+  std::fprintf(stderr, "corvana-cli: %s\n", readableLine(path + ": " + reason).c_str());
+}
+
 void TerminalView::finish() {
   erase();
   if (!options_.quiet && !status_.empty())

@@ -11,8 +11,7 @@ namespace corvana {
 
 /// The settings of one run.
 struct TerminalOptions {
-  bool useSubfolder = false;
-  bool overwriteExisting = false;
+  BatchOptions batch;
   bool quiet = false;  ///< no status, no progress
 };
 
@@ -20,11 +19,12 @@ class TerminalView : public BatchView {
  public:
   explicit TerminalView(const TerminalOptions& options);
 
-  bool useSubfolder() const override { return options_.useSubfolder; }
-  bool overwriteExisting() const override { return options_.overwriteExisting; }
+  BatchOptions options() const override { return options_.batch; }
   void setStatus(const std::string& text) override;
   void setProgress(double fraction) override;
   void appendLog(const LogEntry& entry) override;
+  void reportLeftOut(const LeftOut& leftOut) override;
+  void reportReason(const std::string& path, const std::string& reason) override;
 
   /// Shows the last status for good.
   void finish();
@@ -33,6 +33,8 @@ class TerminalView : public BatchView {
 
   /// Whether every entry of the log reached standard output.
   bool logIsComplete() const { return logIsComplete_; }
+  /// Whether everything that was to be searched has been.
+  bool searchIsComplete() const { return searchIsComplete_; }
 
  private:
   void draw();
@@ -42,6 +44,7 @@ class TerminalView : public BatchView {
   bool drawsProgress_;
   bool isDrawn_ = false;
   bool logIsComplete_ = true;
+  bool searchIsComplete_ = true;
   std::string status_;
   double progress_ = 0;
   std::chrono::steady_clock::time_point lastDrawn_;

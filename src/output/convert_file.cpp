@@ -27,7 +27,7 @@ ConversionResult convertFile(const ConversionPlan& plan, const InputFile& input,
   carryOut(plan, InputFileSource(input), file, progress);
   file.close();
 
-  ConversionResult result{output.url, makeSummary(plan.summary, systemLanguage()), {}};
+  ConversionResult result{output.url(), makeSummary(plan.summary, systemLanguage()), {}};
   for (const Warning& warning : plan.warnings)
     result.warnings.push_back(warningText(warning, systemLanguage()));
   return result;

@@ -1,8 +1,11 @@
 #include "output/output_file.hpp"
 
-#include <optional>
+#include <algorithm>
+#include <atomic>
+#include <cerrno>
 #include <utility>
 
+#include "platform/ending.hpp"
 #include "vocabulary/errors.hpp"
 
 namespace corvana {
@@ -11,43 +14,40 @@ namespace {
 /// Bytes. Pieces that together stay below are worth less than a call of the system.
 constexpr std::size_t maxWaitingSize = 4096;
 
+/// Bytes. Room is reserved ahead of the writing in such steps: a program that is killed leaves
+/// no more than one of them.
+constexpr std::uint64_t maxReservation = 64 << 20;
+
 /// Bytes. Reserving room does not pay for less.
-constexpr std::uint64_t minReservedSize = 1'048'576;
-
-/// Absent when the name is taken. A missing folder is the rare case, so it is made on demand.
-std::optional<FileDescriptor> createInFolder(const std::filesystem::path& path) {
-  try {
-    return createNewFile(path);
-  } catch (const FileError& error) {
-    if (error.code() != std::errc::no_such_file_or_directory &&
-        error.code() != std::errc::not_a_directory)
-      throw ConversionError::writeFailed(path.native());
-  }
-  createFolders(path.parent_path());
-  try {
-    return createNewFile(path);
-  } catch (const FileError&) {
-    throw ConversionError::writeFailed(path.native());
-  }
-}
-
-FileDescriptor createOutput(const OutputTarget& target) {
-  std::optional<FileDescriptor> file = createInFolder(target.url);
-  if (!file && target.replaceExisting && !mayLeadTo(target.url, target.input)) {
-    removeFile(target.url);
-    file = createInFolder(target.url);
-  }
-  // Still taken: somebody else made a file of this name in the meantime. It is theirs.
-  if (!file) throw ConversionError::writeFailed(target.url.native());
-  return std::move(*file);
-}
+constexpr std::uint64_t minReservation = 1 << 20;
 
 }  // namespace
 
-OutputFile::OutputFile(const OutputTarget& target)
-    : path_(target.url), file_(createOutput(target)) {}
+template <typename Step>
+auto OutputFile::attempt(const Step& step) const {
+  try {
+    return step();
+  } catch (const FileError& error) {
+    fail(error.code().value());
+  }
+}
+
+OutputFile::OutputFile(const OutputTarget& target) : target_(target) {
+  if (!target_.missingFolders.empty())
+    madeFolder_ = makeFolders(target_.folder, target_.missingFolders);
+  if (target_.safe) {
+    createHidden();
+  } else {
+    createInPlace();
+  }
+}
 
 OutputFile::~OutputFile() {
+  if (!hiddenName_.empty()) {
+    folder().discard(hiddenName_);
+    setUnfinishedFile(-1, "");
+    return;
+  }
   if (file_.number() < 0) return;
   try {
     write({});
@@ -57,8 +57,41 @@ OutputFile::~OutputFile() {
   releaseSpace(file_);
 }
 
+void OutputFile::createInPlace() {
+  std::optional<FileDescriptor> file = create(target_.name);
+  if (!file && mayReplace()) {
+    folder().removeFile(target_.name);
+    file = create(target_.name);
+  }
+  // Still taken: somebody else made a file of this name in the meantime. It is theirs.
+  if (!file) fail(EEXIST);
+  file_ = std::move(*file);
+}
+
+void OutputFile::createHidden() {
+  static std::atomic<unsigned> counter = 0;
+  for (;;) {
+    std::string name = ".corvana-" + std::to_string(processNumber()) + "-" +
+                       std::to_string(++counter);
+    std::optional<FileDescriptor> file = create(name);
+    if (!file) continue;
+    setUnfinishedFile(folder().number(), name.c_str());
+    hiddenName_ = std::move(name);
+    file_ = std::move(*file);
+    return;
+  }
+}
+
+std::optional<FileDescriptor> OutputFile::create(const std::string& name) {
+  return attempt([&] { return folder().createNewFile(name, target_.permissions); });
+}
+
+bool OutputFile::mayReplace() const {
+  return target_.replaceExisting && !folder().mayLeadTo(target_.name, target_.input);
+}
+
 void OutputFile::reserve(std::uint64_t size) {
-  if (size > minReservedSize) reserveSpace(file_, size);
+  size_ = size;
 }
 
 void OutputFile::append(ByteView bytes) {
@@ -69,22 +102,37 @@ void OutputFile::append(ByteView bytes) {
   }
 }
 
-void OutputFile::close() {
-  write({});
-  try {
-    closeFile(std::move(file_), path_);
-  } catch (const FileError&) {
-    throw ConversionError::writeFailed(path_.native());
-  }
-}
-
 void OutputFile::write(ByteView bytes) {
   const ByteBuffer waiting = std::exchange(waiting_, {});
-  try {
-    writeAll(file_, waiting, bytes, path_);
-  } catch (const FileError&) {
-    throw ConversionError::writeFailed(path_.native());
+  const std::uint64_t end = written_ + waiting.size() + bytes.size();
+  if (end > reserved_ && size_ > written_ + minReservation) {
+    const std::uint64_t step = std::min(maxReservation, size_ - written_);
+    reserveSpace(file_, written_, step);
+    reserved_ = written_ + step;
   }
+  attempt([&] { writeAll(file_, waiting, bytes, target_.url()); });
+  written_ = end;
+}
+
+void OutputFile::close() {
+  write({});
+  if (target_.safe) attempt([this] { syncFile(file_, target_.url()); });
+  attempt([this] { closeFile(std::move(file_), target_.url()); });
+  if (target_.safe) putInPlace();
+}
+
+void OutputFile::putInPlace() {
+  if (!attempt([this] { return folder().moveToFreeName(hiddenName_, target_.name); })) {
+    if (!mayReplace()) fail(EEXIST);
+    folder().moveOver(hiddenName_, target_.name);
+  }
+  hiddenName_.clear();
+  setUnfinishedFile(-1, "");
+  attempt([this] { folder().sync(); });
+}
+
+void OutputFile::fail(int errorNumber) const {
+  throw ConversionError::writeFailed(target_.url().native(), errorNumber);
 }
 
 }  // namespace corvana

@@ -3,31 +3,43 @@
 
 #include <cstdint>
 #include <filesystem>
+#include <optional>
+#include <string>
 
-#include "platform/files.hpp"
+#include "platform/folder.hpp"
 #include "vocabulary/streams.hpp"
 
 namespace corvana {
 
 /// Where a conversion writes.
 struct OutputTarget {
-  std::filesystem::path url;
+  const Folder& folder;  ///< stays open as long as the file is written
+  /// Relative path of the folders inside that are still to be made; empty: none.
+  std::filesystem::path missingFolders = {};
+  std::string name;
   /// Whether a file that already has this name may be removed.
   bool replaceExisting = false;
+  /// Whether the name is only given to a complete file that the disk has. Until then it keeps the
+  /// file that it had.
+  bool safe = false;
   /// The file that is being read; it is never removed, whatever name leads to it.
-  FileIdentity input;
+  FileIdentity input = {};
+  /// Who may read and write the new file, under the user's mask: as with the input.
+  unsigned permissions = 0666;
+
+  std::filesystem::path url() const { return folder.path() / missingFolders / name; }
 };
 
-/// A new file that is written from start to end. A partly written file stays on disk.
+/// A new file that is written from start to end. One that is not closed keeps what was written;
+/// a safe one is removed.
 class OutputFile : public ByteSink {
  public:
   /// Makes missing folders, removes an existing file if that is allowed, and creates the file. A
-  /// folder that cannot be made or a file that cannot be removed is a FileError; a file that
-  /// cannot be created is ConversionError writeFailed.
+  /// folder that cannot be made or a file that cannot be removed is a FileError; a file that cannot
+  /// be created is ConversionError writeFailed.
   explicit OutputFile(const OutputTarget& target);
   OutputFile(const OutputFile&) = delete;
   OutputFile& operator=(const OutputFile&) = delete;
-  /// Leaves a file that was not closed as long as it has been written.
   ~OutputFile() override;
 
   void reserve(std::uint64_t size) override;
@@ -40,11 +52,26 @@ class OutputFile : public ByteSink {
   void close();
 
  private:
+  const Folder& folder() const { return madeFolder_ ? *madeFolder_ : target_.folder; }
+  /// A step of writing, whose failure is writeFailed.
+  template <typename Step>
+  auto attempt(const Step& step) const;
+  std::optional<FileDescriptor> create(const std::string& name);
+  void createInPlace();
+  void createHidden();
   void write(ByteView bytes);
+  void putInPlace();
+  bool mayReplace() const;
+  [[noreturn]] void fail(int errorNumber) const;
 
-  std::filesystem::path path_;
+  OutputTarget target_;
+  std::optional<Folder> madeFolder_;
+  std::string hiddenName_;  ///< of a safe file that is not yet complete
   FileDescriptor file_;
   ByteBuffer waiting_;  ///< short pieces that are not yet written
+  std::uint64_t written_ = 0;
+  std::uint64_t reserved_ = 0;
+  std::uint64_t size_ = 0;  ///< announced
 };
 
 }  // namespace corvana

@@ -1,8 +1,10 @@
 #include "platform/ending.hpp"
 
+#include <array>
 #include <atomic>
 #include <cerrno>
 #include <csignal>
+#include <cstring>
 #include <new>
 #include <stdexcept>
 #include <string>
@@ -21,15 +23,25 @@ constexpr itimerval grace{{0, 0}, {0, 800'000}};
 std::atomic<int> exitStatus = 0;
 static_assert(std::atomic<int>::is_always_lock_free, "set by a signal handler");
 
-void onGraceOver(int) {
+// Written by one thread while no handler may read it: the folder is -1 then.
+std::atomic<int> unfinishedFolder = -1;
+std::array<char, 64> unfinishedName{};
+
+[[noreturn]] void endAtOnce() {
+  if (const int folder = unfinishedFolder; folder >= 0)
+    ::unlinkat(folder, unfinishedName.data(), 0);
   ::_exit(exitStatus);
+}
+
+void onGraceOver(int) {
+  endAtOnce();
 }
 
 // Nothing but system calls, since it may interrupt any thread anywhere.
 void onInterrupt(int signal) {
   const int savedError = errno;
   int earlier = 0;
-  if (!exitStatus.compare_exchange_strong(earlier, 128 + signal)) ::_exit(earlier);
+  if (!exitStatus.compare_exchange_strong(earlier, 128 + signal)) endAtOnce();
   ::setitimer(ITIMER_REAL, &grace, nullptr);
   errno = savedError;
 }
@@ -91,6 +103,16 @@ void endInTime() {
   ::setitimer(ITIMER_REAL, &grace, nullptr);
 }
 
+void setUnfinishedFile(int folder, const char* name) {
+  unfinishedFolder = -1;
+  std::strncpy(unfinishedName.data(), name, unfinishedName.size() - 1);
+  unfinishedFolder = folder;
+}
+
+int processNumber() {
+  return ::getpid();
+}
+
 void ignoreWriteSignals() {
   std::signal(SIGPIPE, SIG_IGN);
   std::signal(SIGXFSZ, SIG_IGN);
@@ -109,7 +131,7 @@ void endForException() noexcept {
     say("out of memory");
   }
   say("\n");
-  ::_exit(statusFailed);
+  endAtOnce();
 }
 
 }  // namespace corvana

@@ -17,6 +17,13 @@ int interruptStatus();
 /// returns interruptStatus(). Main thread.
 void endInTime();
 
+/// Names the hidden file of an open folder that a program which ends at once takes along; -1: none.
+/// The name is at most 63 characters long. One at a time.
+void setUnfinishedFile(int folder, const char* name);
+
+/// What tells this run of the program from others that go on at the same time.
+int processNumber();
+
 /// From now on a write to a reader that went away or beyond the limit on the size of files fails
 /// and does not end the program.
 void ignoreWriteSignals();

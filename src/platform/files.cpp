@@ -4,45 +4,55 @@
 #include <array>
 #include <cerrno>
 #include <fcntl.h>
+#include <limits>
 #include <sys/mman.h>
 #include <sys/stat.h>
 #include <sys/uio.h>
 #include <unistd.h>
 #include <utility>
 
+#include "platform/folder.hpp"
 #include "platform/mapped_guard.hpp"
 #include "platform/texts.hpp"
 #include "vocabulary/text_format.hpp"
 
 namespace corvana {
-namespace {
 
-[[noreturn]] void failReading(int errorNumber, const std::filesystem::path& path) {
+void failReading(int errorNumber, const std::filesystem::path& path) {
   throw FileError(errorNumber, localised("Cannot read '%1$@': %2$@"), path);
 }
 
-[[noreturn]] void failReplacing(int errorNumber, const std::filesystem::path& path) {
-  throw FileError(errorNumber, localised("Cannot replace '%1$@': %2$@"), path);
-}
-
-[[noreturn]] void failCreating(int errorNumber, const std::filesystem::path& path) {
+void failCreating(int errorNumber, const std::filesystem::path& path) {
   throw FileError(errorNumber, localised("Cannot create '%1$@': %2$@"), path);
 }
 
-[[noreturn]] void failWriting(int errorNumber, const std::filesystem::path& path) {
+void failReplacing(int errorNumber, const std::filesystem::path& path) {
+  throw FileError(errorNumber, localised("Cannot replace '%1$@': %2$@"), path);
+}
+
+void failWriting(int errorNumber, const std::filesystem::path& path) {
   throw FileError(errorNumber, localised("Cannot write '%1$@': %2$@"), path);
 }
 
-/// A call that a signal interrupted before it did anything is made again.
-template <typename Call>
-auto uninterrupted(const Call& call) {
-  auto result = call();
-  while (result < 0 && errno == EINTR)
-    result = call();
-  return result;
+FileIdentity identityOf(const struct stat& status, const std::string& name) {
+  constexpr std::int64_t nanoseconds = 1'000'000'000;
+  return {status.st_dev, status.st_ino, status.st_size,
+          status.st_mtim.tv_sec * nanoseconds + status.st_mtim.tv_nsec, name};
 }
 
-}  // namespace
+std::optional<FileIdentity> identityOf(const std::filesystem::path& path) {
+  struct stat status {};
+  if (::stat(path.c_str(), &status) != 0) return std::nullopt;
+  return identityOf(status, path.filename().native());
+}
+
+std::string foldedName(std::string_view name) {
+  std::string folded;
+  for (const char c : name)
+    if (static_cast<unsigned char>(c) < 0x80)
+      folded += c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
+  return folded;
+}
 
 FileError::FileError(int errorNumber, const std::string& format, const std::filesystem::path& path)
     : FileError(errorNumber, format, path, std::generic_category().message(errorNumber)) {}
@@ -65,11 +75,27 @@ int FileDescriptor::release() {
   return std::exchange(number_, -1);
 }
 
-InputFile::InputFile(const std::filesystem::path& path)
-    : path_(path), file_(uninterrupted([&path] {
-        // O_NONBLOCK: opening a pipe without a writer would otherwise wait for one.
-        return ::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY);
-      })) {
+namespace {
+
+/// The descriptor, or -1 with the reason in errno.
+int openForReading(const Folder& folder, const std::string& name) {
+  const auto open = [&](int flags) {
+    return uninterrupted([&] {
+      return ::openat(folder.number(), name.c_str(), O_RDONLY | O_CLOEXEC | O_NOCTTY | flags);
+    });
+  };
+  // Opening a pipe without a writer would otherwise wait for one.
+  const int descriptor = open(O_NONBLOCK);
+  if (descriptor >= 0 || errno != EAGAIN) return descriptor;
+  // Another program holds a lease on a regular file and is being asked to give it back.
+  return open(0);
+}
+
+}  // namespace
+
+InputFile::InputFile(const Folder& folder, const std::string& name,
+                     const std::filesystem::path& path)
+    : path_(path), file_(openForReading(folder, name)) {
   if (file_.number() < 0) failReading(errno, path);
   struct stat status {};
   if (::fstat(file_.number(), &status) != 0) failReading(errno, path);
@@ -77,7 +103,10 @@ InputFile::InputFile(const std::filesystem::path& path)
   if (!S_ISREG(status.st_mode))
     throw FileError(EINVAL, localised("Cannot read '%1$@': %2$@"), path,
                     localised("Not a regular file"));
-  identity_ = {status.st_dev, status.st_ino};
+  identity_ = identityOf(status, name);
+  permissions_ = status.st_mode & 0666U;
+  if (static_cast<std::uint64_t>(status.st_size) > std::numeric_limits<std::size_t>::max())
+    failReading(EFBIG, path);
   size_ = static_cast<std::size_t>(status.st_size);
   if (size_ == 0) return;
   void* mapped = ::mmap(nullptr, size_, PROT_READ, MAP_PRIVATE, file_.number(), 0);
@@ -108,43 +137,6 @@ void InputFile::checkStillThere() const {
   if (static_cast<std::size_t>(status.st_size) < size_) failReading(EIO, path_);
 }
 
-bool mayLeadTo(const std::filesystem::path& path, const FileIdentity& file) {
-  struct stat status {};
-  if (::stat(path.c_str(), &status) == 0) return file == FileIdentity{status.st_dev, status.st_ino};
-  const bool leadsNowhere = errno == ENOENT || errno == ENOTDIR || errno == ELOOP;
-  return !leadsNowhere;
-}
-
-bool nameExists(const std::filesystem::path& path) {
-  struct stat status {};
-  return ::lstat(path.c_str(), &status) == 0;
-}
-
-void createFolders(const std::filesystem::path& folder) {
-  if (folder.empty()) return;
-  std::error_code error;
-  std::filesystem::create_directories(folder, error);
-  if (error) failCreating(error.value(), folder);
-}
-
-std::optional<FileDescriptor> createNewFile(const std::filesystem::path& path) {
-  FileDescriptor file(uninterrupted(
-      [&path] { return ::open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666); }));
-  if (file.number() >= 0) return file;
-  if (errno == EEXIST) return std::nullopt;
-  failCreating(errno, path);
-}
-
-void removeFile(const std::filesystem::path& path) {
-  struct stat status {};
-  if (::lstat(path.c_str(), &status) != 0) failReplacing(errno, path);
-  if (S_ISDIR(status.st_mode)) failReplacing(EISDIR, path);
-  if (!S_ISREG(status.st_mode) && !S_ISLNK(status.st_mode))
-    throw FileError(EEXIST, localised("Cannot replace '%1$@': %2$@"), path,
-                    localised("Not a regular file"));
-  if (::unlink(path.c_str()) != 0) failReplacing(errno, path);
-}
-
 void writeAll(const FileDescriptor& file, std::span<const std::uint8_t> first,
               std::span<const std::uint8_t> second, const std::filesystem::path& path) {
   // The system's record takes pointers to what may change; it is only read here.
@@ -164,16 +156,20 @@ void writeAll(const FileDescriptor& file, std::span<const std::uint8_t> first,
   }
 }
 
-void reserveSpace(const FileDescriptor& file, std::uint64_t size) {
+void reserveSpace(const FileDescriptor& file, std::uint64_t offset, std::uint64_t size) {
   // The system's own call: the C library's portable one writes to every block where the file
   // system cannot reserve.
-  const off_t end = ::lseek(file.number(), 0, SEEK_CUR);
-  if (end >= 0) ::fallocate(file.number(), FALLOC_FL_KEEP_SIZE, end, static_cast<off_t>(size));
+  ::fallocate(file.number(), FALLOC_FL_KEEP_SIZE, static_cast<off_t>(offset),
+              static_cast<off_t>(size));
 }
 
 void releaseSpace(const FileDescriptor& file) {
   const off_t end = ::lseek(file.number(), 0, SEEK_CUR);
   [[maybe_unused]] const int result = ::ftruncate(file.number(), end);
+}
+
+void syncFile(const FileDescriptor& file, const std::filesystem::path& path) {
+  if (uninterrupted([&file] { return ::fsync(file.number()); }) != 0) failWriting(errno, path);
 }
 
 void closeFile(FileDescriptor file, const std::filesystem::path& path) {

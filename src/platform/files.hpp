@@ -3,13 +3,15 @@
 #pragma once
 
 #include <atomic>
+#include <cerrno>
 #include <cstdint>
 #include <filesystem>
 #include <functional>
 #include <optional>
 #include <span>
 #include <string>
-#include <sys/types.h>
+#include <string_view>
+#include <sys/stat.h>
 #include <system_error>
 #include <type_traits>
 
@@ -30,12 +32,42 @@ class FileError : public std::system_error {
   std::string text_;
 };
 
-/// What tells two names of one file from two files.
+// The failures of a conversion's steps, each with its text.
+[[noreturn]] void failReading(int errorNumber, const std::filesystem::path& path);
+[[noreturn]] void failCreating(int errorNumber, const std::filesystem::path& path);
+[[noreturn]] void failReplacing(int errorNumber, const std::filesystem::path& path);
+[[noreturn]] void failWriting(int errorNumber, const std::filesystem::path& path);
+
+/// A call of the system that a signal interrupted before it did anything is made again.
+template <typename Call>
+auto uninterrupted(const Call& call) {
+  auto result = call();
+  while (result < 0 && errno == EINTR)
+    result = call();
+  return result;
+}
+
+/// What tells two names of one file from two files. Some file systems give a file a new inode
+/// number now and then, and take names that differ in case for one; the rest makes up for that.
 struct FileIdentity {
   dev_t device = 0;
   ino_t inode = 0;
-  bool operator==(const FileIdentity&) const = default;
+  off_t size = 0;             ///< bytes
+  std::int64_t modified = 0;  ///< nanoseconds since 1970
+  std::string name;           ///< without its folder
 };
+
+/// `status` is what the system says of the file.
+FileIdentity identityOf(const struct stat& status, const std::string& name);
+
+/// Of the file that `path` leads to; absent where there is none.
+std::optional<FileIdentity> identityOf(const std::filesystem::path& path);
+
+/// What is left of a name when case and everything but ASCII is taken from it: equal for all names
+/// that any file system takes for one.
+std::string foldedName(std::string_view name);
+
+class Folder;
 
 /// Owns an open file descriptor.
 class FileDescriptor {
@@ -57,8 +89,9 @@ class FileDescriptor {
 /// A regular file, open for reading and mapped as a whole.
 class InputFile {
  public:
-  /// Opens and maps. Never waits: a pipe, device or folder is a FileError at once.
-  explicit InputFile(const std::filesystem::path& path);
+  /// Opens and maps the file `name` of a folder. Never waits for a writer: a pipe, device or
+  /// folder is a FileError at once. `path` is for messages.
+  InputFile(const Folder& folder, const std::string& name, const std::filesystem::path& path);
   InputFile(InputFile&&) = delete;
   InputFile& operator=(InputFile&&) = delete;
   ~InputFile();
@@ -82,6 +115,8 @@ class InputFile {
   }
 
   const FileIdentity& identity() const { return identity_; }
+  /// Who may read and write it (the bits of 0666).
+  unsigned permissions() const { return permissions_; }
 
  private:
   void guardedRead(const std::function<void()>& reader) const;
@@ -92,36 +127,24 @@ class InputFile {
   const std::uint8_t* data_ = nullptr;
   std::size_t size_ = 0;
   FileIdentity identity_;
+  unsigned permissions_ = 0;
   mutable std::atomic<bool> lost_ = false;  ///< a part of the mapping no longer has a file
 };
-
-/// Whether `path` leads to this file (links followed). Also true where the system cannot tell:
-/// who asks wants to spare the file.
-bool mayLeadTo(const std::filesystem::path& path, const FileIdentity& file);
-
-/// Whether the name is taken: by a file, a folder, or a link, even one that leads nowhere.
-bool nameExists(const std::filesystem::path& path);
-
-/// Makes `folder` with all missing intermediate folders. An existing folder is no error.
-void createFolders(const std::filesystem::path& folder);
-
-/// Makes a new empty file of this name, open for writing. Absent when the name is already
-/// taken; never opens what is there.
-std::optional<FileDescriptor> createNewFile(const std::filesystem::path& path);
-
-/// Removes a file, or a symbolic link as such. A folder or special file stays and is an error.
-void removeFile(const std::filesystem::path& path);
 
 /// Writes all bytes, one part after the other, in one call where the system takes them at once.
 void writeAll(const FileDescriptor& file, std::span<const std::uint8_t> first,
               std::span<const std::uint8_t> second, const std::filesystem::path& path);
 
-/// Asks the system to have room on the disk ready for `size` more bytes, which makes writing them
-/// cheaper. The size of the file stays as it is; where the system cannot, nothing happens.
-void reserveSpace(const FileDescriptor& file, std::uint64_t size);
+/// Asks the system to have room on the disk ready for the `size` bytes from `offset` on, which
+/// makes writing them cheaper. The size of the file stays as it is; where the system cannot,
+/// nothing happens.
+void reserveSpace(const FileDescriptor& file, std::uint64_t offset, std::uint64_t size);
 
 /// Gives back room that was reserved and not written to.
 void releaseSpace(const FileDescriptor& file);
+
+/// Waits until the disk has what was written.
+void syncFile(const FileDescriptor& file, const std::filesystem::path& path);
 
 /// Closes and reports what the system could not write before.
 void closeFile(FileDescriptor file, const std::filesystem::path& path);

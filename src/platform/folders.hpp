@@ -16,11 +16,13 @@ struct FolderVisitor {
   std::function<void(std::string_view path)> file;
   /// A folder, by its own name; the answer decides whether its content is visited.
   std::function<Descend(std::string_view name)> folder;
+  /// A folder whose content is not, or not all, visited, and the system's reason.
+  std::function<void(std::string_view path, int errorNumber)> unreadable;
 };
 
 /// Visits everything below `folder`, depth first, the entries of each folder in byte order of
 /// their names. Hidden entries (leading dot), the content of packages (isPackageName) and
-/// folders behind symbolic links are left out; folders that cannot be read are stepped over.
+/// folders behind symbolic links are left out. Folders may nest deeper than any path is long.
 void searchFolder(const std::filesystem::path& folder, const FolderVisitor& visitor);
 
 /// Whether a folder of this name is shown to the user as one document or program: its

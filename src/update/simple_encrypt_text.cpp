@@ -18,8 +18,7 @@ struct Phrase {
   std::u16string_view code;
 };
 
-/// An address stands before the shorter one that it begins with. No phrase and no code holds
-/// "ss", which would also match "ß".
+/// An address stands before the shorter one that it begins with.
 constexpr std::array<Phrase, 7> phrases = {{
     {u"https://www.corvana.example/resources/downloads/", u"#$d#"},
     {u"https://www.corvana.example/resources/", u"#$r#"},
@@ -37,13 +36,13 @@ constexpr std::array<Phrase, 7> phrases = {{
 constexpr std::int32_t baseShift = 40;
 constexpr std::array<std::int32_t, 5> periods = {7, 11, 13, 17, 19};
 
-constexpr std::int32_t largestShift() {
+constexpr std::int32_t maxShift() {
   std::int32_t shift = baseShift;
   for (const std::int32_t period : periods)
     shift += period - 1;
   return shift;
 }
-static_assert('~' + largestShift() < scrambledLimit);
+static_assert('~' + maxShift() < scrambledLimit);
 
 /// Gives the shift of one position after the other.
 class ShiftSchedule {
@@ -103,8 +102,7 @@ std::u16string decrypted(std::u16string_view text) {
 
 }  // namespace
 
-const char16_t largestScramblableCharacter =
-    static_cast<char16_t>(scrambledLimit - 1 - largestShift());
+const char16_t maxScramblableCharacter = static_cast<char16_t>(scrambledLimit - 1 - maxShift());
 
 std::u16string simpleEncryptText(std::u16string_view text, bool encrypt) {
   return encrypt ? encrypted(std::u16string(text)) : decrypted(text);
@@ -112,7 +110,7 @@ std::u16string simpleEncryptText(std::u16string_view text, bool encrypt) {
 
 std::optional<std::size_t> firstUnsafeCharacter(std::u16string_view text) {
   const auto outside = std::find_if(text.begin(), text.end(), [](char16_t character) {
-    return character > largestScramblableCharacter;
+    return character > maxScramblableCharacter;
   });
   if (outside != text.end()) return static_cast<std::size_t>(outside - text.begin());
   const std::u16string back = decrypted(encrypted(std::u16string(text)));

@@ -18,10 +18,10 @@ std::u16string simpleEncryptText(std::u16string_view text, bool encrypt);
 
 /// The largest code point that may be scrambled at any position: with the largest shift it still
 /// stays below `scrambledLimit`.
-extern const char16_t largestScramblableCharacter;
+extern const char16_t maxScramblableCharacter;
 
 /// Index of the first character of a plain text that scrambling and unscrambling would not bring
-/// back as it is: it lies above `largestScramblableCharacter`, it belongs to a known phrase in
+/// back as it is: it lies above `maxScramblableCharacter`, it belongs to a known phrase in
 /// another case, or it looks like the code of one. No value: the text survives.
 std::optional<std::size_t> firstUnsafeCharacter(std::u16string_view text);
 

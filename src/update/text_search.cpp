@@ -1,80 +1,27 @@
 #include "update/text_search.hpp"
 
 #include <algorithm>
-#include <array>
+#include <cstddef>
 
 namespace corvana {
 namespace {
 
-struct Folding {
-  char16_t from;
-  std::u16string_view to;
-};
-
-/// The foldings that are not a plain step from a capital letter to its small one.
-constexpr std::array<Folding, 14> specialFoldings = {{
-    {u'\u00B5', u"\u03BC"},  // micro sign: the Greek letter
-    {u'\u00DF', u"ss"},      // ß
-    {u'\u017F', u"s"},       // long s
-    {u'\u039C', u"\u03BC"},  // Greek capital mu
-    {u'\u1E9E', u"ss"},      // capital ß
-    {u'\u212A', u"k"},       // Kelvin sign
-    {u'\u212B', u"\u00E5"},  // Ångström sign
-    {u'\uFB00', u"ff"},      // from here on ligatures
-    {u'\uFB01', u"fi"},
-    {u'\uFB02', u"fl"},
-    {u'\uFB03', u"ffi"},
-    {u'\uFB04', u"ffl"},
-    {u'\uFB05', u"st"},
-    {u'\uFB06', u"st"},
-}};
-
-bool isCapital(char16_t character) {
-  return (character >= u'A' && character <= u'Z') ||
-         (character >= u'\u00C0' && character <= u'\u00DE' && character != u'\u00D7');
+char16_t folded(char16_t character) {
+  const bool isCapital = (character >= u'A' && character <= u'Z') ||
+                         (character >= u'\u00C0' && character <= u'\u00C6');
+  return isCapital ? static_cast<char16_t>(character + 0x20) : character;
 }
 
-std::u16string folded(char16_t character) {
-  if (isCapital(character)) return {static_cast<char16_t>(character + 0x20)};
-  for (const Folding& folding : specialFoldings) {
-    if (character == folding.from) return std::u16string(folding.to);
-  }
-  return {character};
+bool isSameLetter(char16_t first, char16_t second) {
+  return folded(first) == folded(second);
 }
 
-std::u16string folded(std::u16string_view text) {
-  std::u16string result;
-  for (const char16_t character : text)
-    result += folded(character);
-  return result;
-}
-
-/// How many characters at the start of `text` fold to `wanted`, which is not empty; 0 when they
-/// do not. Half of a character never matches: "s" is not found in "ß".
-std::size_t matchLength(std::u16string_view text, std::u16string_view wanted) {
-  std::size_t length = 0;
-  while (!wanted.empty()) {
-    if (length == text.size()) return 0;
-    const std::u16string character = folded(text[length]);
-    if (!wanted.starts_with(character)) return 0;
-    wanted.remove_prefix(character.size());
-    ++length;
-  }
-  return length;
-}
-
-struct Match {
-  std::size_t index = std::u16string_view::npos;
-  std::size_t length = 0;
-};
-
-/// The first match at or after `index`; `wanted` is folded and not empty.
-Match findFolded(std::u16string_view text, std::u16string_view wanted, std::size_t index) {
-  for (; index < text.size(); ++index) {
-    if (const std::size_t length = matchLength(text.substr(index), wanted); length > 0)
-      return {index, length};
-  }
-  return {};
+/// Index of the first match at or after `index`, which lies inside `text`; its size if there is
+/// none.
+std::size_t findIndex(std::u16string_view text, std::u16string_view wanted, std::size_t index) {
+  const auto match = std::search(text.begin() + static_cast<std::ptrdiff_t>(index), text.end(),
+                                 wanted.begin(), wanted.end(), isSameLetter);
+  return static_cast<std::size_t>(match - text.begin());
 }
 
 bool isLineBreak(char16_t character) {
@@ -86,31 +33,29 @@ bool isLineBreak(char16_t character) {
 
 std::int64_t findPosition(std::u16string_view text, std::u16string_view wanted,
                           std::int64_t start) {
-  if (wanted.empty()) return 0;
-  const auto index = static_cast<std::size_t>(std::max<std::int64_t>(start, 1) - 1);
-  const Match match = findFolded(text, folded(wanted), index);
-  return match.length == 0 ? 0 : static_cast<std::int64_t>(match.index) + 1;
+  const auto first = static_cast<std::size_t>(std::max<std::int64_t>(start, 1) - 1);
+  if (wanted.empty() || first >= text.size()) return 0;
+  const std::size_t index = findIndex(text, wanted, first);
+  return index == text.size() ? 0 : static_cast<std::int64_t>(index) + 1;
 }
 
 bool beginsWith(std::u16string_view text, std::u16string_view prefix) {
-  return prefix.empty() || matchLength(text, folded(prefix)) > 0;
+  return text.size() >= prefix.size() &&
+         std::equal(prefix.begin(), prefix.end(), text.begin(), isSameLetter);
 }
 
 std::u16string replaceAll(std::u16string_view text, std::u16string_view wanted,
                           std::u16string_view replacement) {
-  if (wanted.empty()) return std::u16string(text);
-  const std::u16string foldedWanted = folded(wanted);
   std::u16string result;
+  if (wanted.empty()) return result.append(text);
   std::size_t copied = 0;
   while (true) {
-    const Match match = findFolded(text, foldedWanted, copied);
-    if (match.length == 0) break;
-    result += text.substr(copied, match.index - copied);
+    const std::size_t index = findIndex(text, wanted, copied);
+    result += text.substr(copied, index - copied);
+    if (index == text.size()) return result;
     result += replacement;
-    copied = match.index + match.length;
+    copied = index + wanted.size();
   }
-  result += text.substr(copied);
-  return result;
 }
 
 bool isWhiteSpace(char16_t character) {

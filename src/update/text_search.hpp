@@ -1,9 +1,7 @@
 // Searching and trimming of UTF-16 text, as the version file needs it.
 //
-// "Without regard to case" means Unicode case folding, with foldings of more than one character
-// ("ß" is equal to "SS"). It is complete for searched text whose code points are below 239, which
-// unscrambled text always is; beyond that only the characters that fold into that range are
-// folded.
+// "Without regard to case" holds for the letters up to U+00C6, the largest code point of
+// unscrambled text, and their small forms. Every other character stands for itself.
 #pragma once
 
 #include <cstdint>

@@ -14,9 +14,9 @@ ConversionError ConversionError::unsupported(UnsupportedKind kind,
   return error;
 }
 
-ConversionError ConversionError::writeFailed(std::string path) {
+ConversionError ConversionError::writeFailed(std::string path, int errorNumber) {
   ConversionError error(Case::writeFailed);
-  error.values_.emplace_back(std::move(path));
+  error.values_ = {std::move(path), std::int64_t{errorNumber}};
   return error;
 }
 

@@ -26,7 +26,7 @@ class ConversionError : public std::exception {
  public:
   enum class Case {
     unsupported,  ///< with an UnsupportedKind and its value
-    writeFailed,  ///< with the path of the output file
+    writeFailed,  ///< with the path of the output file and the system's error number
     notRIFF,
     notWAVE,
     badFormatChunk,
@@ -41,12 +41,12 @@ class ConversionError : public std::exception {
   /// A case without a detail.
   explicit ConversionError(Case kind) : kind_(kind) {}
   static ConversionError unsupported(UnsupportedKind kind, std::vector<MessageValue> values = {});
-  static ConversionError writeFailed(std::string path);
+  static ConversionError writeFailed(std::string path, int errorNumber);
 
   Case kind() const { return kind_; }
   /// Of unsupported.
   UnsupportedKind unsupportedKind() const { return unsupportedKind_; }
-  /// Of unsupported: as listed at its kind. Of writeFailed: the path.
+  /// Of unsupported: as listed at its kind. Of writeFailed: path and error number.
   const std::vector<MessageValue>& values() const { return values_; }
 
   /// The errorCode; errorDescription is what people read.

@@ -1,6 +1,6 @@
 #include "app/qt_main_queue.hpp"
 
-#include <QCoreApplication>
+#include <QTest>
 #include <cstdlib>
 #include <gtest/gtest.h>
 #include <new>
@@ -30,12 +30,12 @@ namespace {
 
 TEST(QtMainQueue, EndsTheProgramWhereItCannotGoOn) {
   const auto runTask = [] {
-    QtMainQueue queue;
+    QtMainQueue queue([] {});
     queue.post([] { throw std::runtime_error("reason"); });
-    QCoreApplication::processEvents();
+    QTest::qWait(20'000);
   };
   const auto post = [] {
-    QtMainQueue queue;
+    QtMainQueue queue([] {});
     memoryFails = true;
     queue.post([] {});
   };

@@ -13,6 +13,13 @@ namespace {
 
 using namespace test;
 
+fs::path outputOf(const fs::path& input, bool isAIFF, const BatchOptions& options) {
+  const std::vector<AudioFile> files = {{input.native(), input.native().size()}};
+  InputFolder folder(files[0]);
+  const InputFile file = openFile(input);
+  return makeOutputURL(folder, file, isAIFF, options, BatchInputs(files)).url();
+}
+
 TEST(DetectFormat, LooksAtTheFirstFourBytes) {
   const std::pair<const char*, const char*> cases[] = {
       {"'RIFF' 00 00 00 00 'what'", "WAV"},
@@ -48,8 +55,8 @@ TEST(AudioFiles, CollectsInTheGivenOrder) {
     for (const char* name : names)
       urls.push_back(folder / name);
     std::string found;
-    for (const fs::path file : collectAudioFiles(urls))
-      found += file.lexically_relative(folder.path()).native() + "|";
+    for (const AudioFile& file : collectAudioFiles(urls).files)
+      found += fs::path(file.path).lexically_relative(folder.path()).native() + "|";
     return found;
   };
   EXPECT_EQ(collect({"in"}),
@@ -88,10 +95,11 @@ TEST(AudioFiles, NamesTheOutput) {
     folder.write(c.input, "");
     const bool isAIFF = fs::path(c.output).extension() == ".wav";
     for (const fs::path& path : {folder / c.input, folder.path() / "." / c.input})
-      EXPECT_EQ(makeOutputURL(path, InputFile(path).identity(), isAIFF, c.option == subfolder,
-                              c.option == overwrite)
-                    .lexically_normal(),
-                folder / c.output);
+      EXPECT_EQ(
+          outputOf(path, isAIFF,
+                   {.useSubfolder = c.option == subfolder, .overwrite = c.option == overwrite})
+              .lexically_normal(),
+          folder / c.output);
   }
 }
 
@@ -102,7 +110,7 @@ TEST(AudioFiles, NoLinkLeadsTheOutputToTheInput) {
   fs::create_symlink("song.wav", folder / "song (1).aif");
   fs::create_symlink("gone", folder / "song (2).aif");
   const auto output = [&](bool overwrite) {
-    return makeOutputURL(input, InputFile(input).identity(), false, false, overwrite).filename();
+    return outputOf(input, false, {.overwrite = overwrite}).filename();
   };
   fs::create_symlink("song (3).aif", folder / "song (3).aif");
   EXPECT_EQ(output(true), "song (2).aif");

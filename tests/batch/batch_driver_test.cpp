@@ -16,8 +16,9 @@ using Events = std::vector<std::string>;
 /// Writes down what the driver shows.
 class RecordingView : public BatchView {
  public:
-  bool useSubfolder() const override { return subfolder; }
-  bool overwriteExisting() const override { return overwrite; }
+  BatchOptions options() const override {
+    return {.useSubfolder = subfolder, .overwrite = overwrite};
+  }
   void setStatus(const std::string& text) override { events.push_back(text); }
   void setProgress(double fraction) override { events.push_back(line("bar ", fraction)); }
   void appendLog(const LogEntry& entry) override {

@@ -94,7 +94,11 @@ TEST_F(Program, ExitStatusTellsWhetherAllWentWell) {
   } cases[] = {
       {{"bad.wav", "good.wav"}, 1, "short\ngood.wav => ", "Done – 2"},
       {{"none.wav", "good.wav"}, 1, "good.wav => ", "corvana-cli: none.wav: No such file or dir"},
-      {{"notes.txt"}, 1, "No WAV or AIFF files found.\n", ""},
+      {{"notes.txt"},
+       1,
+       "No WAV or AIFF files found.\n",
+       "corvana-cli: notes.txt: Not a WAV or AIFF"},
+      {{"notes.txt", "good.wav"}, 0, "good.wav => ", "corvana-cli: notes.txt: Not a WAV or AIFF"},
       {{}, 2, "", "PATH"},
       {{"--unknown", "good.wav"}, 2, "", "--unknown"},
       {{"x", "-\x1b]0;\u202E\nforged"}, 2, "", ": -\uFFFD]0;\uFFFD\uFFFDforged\nRun with"},
@@ -111,6 +115,51 @@ TEST_F(Program, ExitStatusTellsWhetherAllWentWell) {
     EXPECT_NE(outcome.output.find(c.output), std::string::npos) << outcome.output;
     EXPECT_NE(outcome.errors.find(c.errors), std::string::npos) << outcome.errors;
   }
+}
+
+TEST_F(Program, SparesTheInputsOfItsOwnRun) {
+  in.write("x.wav", wav({fmt({}), data({1, 2})}));
+  in.write("x.aif", aiff({comm({.frames = 1}), ssnd({3, 4})}));
+  in.write("y.wav", wav({fmt({}), data({1, 2})}));
+  const ByteBuffer inputs = join({readFile(in / "x.wav"), readFile(in / "x.aif")});
+  const auto intact = [&] {
+    return join({readFile(in / "x.wav"), readFile(in / "x.aif")}) == inputs;
+  };
+  const std::string ways =
+      " is to be converted as well – use --to, --subfolder or --overwrite-inputs.\n";
+  const Outcome refused = run({"--overwrite", "."});
+  EXPECT_EQ(refused.status, 1);
+  EXPECT_EQ(refused.output,
+            "✗ x.aif: 'x.wav'" + ways + "✗ x.wav: 'x.aif'" + ways + "y.wav => y.aif" + summary);
+  EXPECT_TRUE(intact());
+  EXPECT_EQ(run({"--overwrite", "--subfolder", "x.wav", "x.aif"}).status, 0);
+  EXPECT_EQ(run({"x.wav", "./x.aif"}).status, 0) << "numbered names";
+  EXPECT_TRUE(intact());
+  EXPECT_EQ(run({"--overwrite", "--to", "wav", "x.aif", "y.wav"}).output,
+            "x.aif => x.wav" + summary);
+  in.write("x.wav", wav({fmt({}), data({5, 6})}));
+  EXPECT_EQ(run({"--overwrite", "--to", "aiff", "."}).status, 0);
+  EXPECT_EQ(readFile(in / "x.aif").back(), 5);
+  EXPECT_EQ(run({"--overwrite-inputs", "x.wav", "x.aif"}).status, 0);
+  EXPECT_EQ(run({"--to", "mp3", "x.wav"}).status, 2);
+}
+
+TEST_F(Program, FindsFilesDeeperThanAnyPathIsLong) {
+  const std::string name(250, 'd');
+  int folder = ::open(in.path().c_str(), O_RDONLY | O_DIRECTORY);
+  for (int depth = 0; depth < 80; ++depth) {
+    ASSERT_EQ(::mkdirat(folder, name.c_str(), 0777), 0);
+    const int below = ::openat(folder, name.c_str(), O_RDONLY | O_DIRECTORY);
+    ::close(folder);
+    folder = below;
+  }
+  writeWav("a.wav");
+  ASSERT_EQ(::linkat(AT_FDCWD, (in / "a.wav").c_str(), folder, "deep.wav", 0), 0);
+  const Outcome outcome = run({"--subfolder", "."});
+  EXPECT_EQ(outcome.status, 0) << outcome.errors;
+  EXPECT_EQ(outcome.output, "a.wav => a.aif" + summary + "deep.wav => deep.aif" + summary);
+  EXPECT_EQ(::faccessat(folder, "AIFF/deep.aif", R_OK, 0), 0);
+  ::close(folder);
 }
 
 TEST_F(Program, TakesAnyName) {
@@ -229,6 +278,14 @@ TEST_F(Program, StopsWithinASecond) {
     EXPECT_EQ(outcome.output, "✗ big.wav: Stopped – 'big.aif' is incomplete.\n");
     fs::remove(in / "big.aif");
   }
+  in.write("big.aif", "older");
+  const pid_t child = start({"--safe", "--overwrite", "--to", "aiff", "big.wav"});
+  while (in.files().size() < 4)
+    std::this_thread::sleep_for(1ms);
+  ::kill(child, SIGINT);
+  EXPECT_EQ(finish(child).output, "✗ big.wav: Stopped – 'big.aif' is not made.\n");
+  EXPECT_EQ(readText(in / "big.aif"), "older");
+  EXPECT_EQ(in.files().size(), 3U);
 }
 
 TEST_F(Program, EndsWhileNobodyTakesItsLog) {

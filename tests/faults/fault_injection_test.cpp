@@ -42,11 +42,15 @@ constexpr const char* unwritten = "Writing failed: %OUT";
 constexpr const char* unread = "Cannot read '%IN': Input/output error";
 constexpr const char* subfolder = "--subfolder";
 constexpr const char* overwrite = "--overwrite";
+constexpr const char* safe = "--safe";
+constexpr const char* safeOverwrite = "--safe --overwrite";
 
 const Case cases[] = {
+    {"folder:1:EACCES", failed, "Cannot read '%IN': Permission denied"},
     {"open:1:EACCES", failed, "Cannot read '%IN': Permission denied"},
     {"open:1:EMFILE", failed, "Cannot read '%IN': Too many open files"},
     {"open:1:EINTR", converted, ""},
+    {"open:1:EAGAIN", converted, ""},  // another program holds a lease
     {"fstat:1:EIO", failed, unread},
     {"fstat:3:ESTALE", failed, "Cannot read '%IN': Stale file handle"},
     {"fstat:5:EIO", partial, unread},
@@ -66,11 +70,10 @@ const Case cases[] = {
     {"create:1:EACCES", failed, unwritten},
     {"create:1:EINTR", converted, ""},
     {"create:1+:ENOENT", failed, unwritten},
-    {"create:2:ENOSPC", failed, unwritten, subfolder},
+    {"folder:3:EACCES", failed, "Cannot create '%DIR': Permission denied", subfolder},
 
     // Another program makes a file or a link of this name in between.
     {"create:1:steal", failed, unwritten},
-    {"create:2:steal", failed, unwritten, subfolder},
     {"create:2:steal", failed, unwritten, overwrite, "replaced"},
     {"create:1:link:../a/a.%EXT", failed, unwritten},
     {"create:1:link:nowhere", failed, unwritten},
@@ -83,6 +86,17 @@ const Case cases[] = {
     {"write:1:short", converted, ""},
     {"close:1:EIO", partial, unwritten},
     {"close:1:EINTR", converted, ""},
+
+    // The name is given to a complete file or to none.
+    {"write:2:ENOSPC", failed, unwritten, safe},
+    {"write:1:ENOSPC", failed, unwritten, safeOverwrite, "kept"},
+    {"fsync:1:EIO", failed, unwritten, safe},
+    {"close:1:EIO", failed, unwritten, safeOverwrite, "kept"},
+    {"rename:1:EINVAL", converted, "", safe},
+    {"rename:1:EIO", failed, unwritten, safe},
+    {"rename:1:steal", failed, unwritten, safe},
+    {"replace:1:EIO", failed, "Cannot replace '%OUT': Input/output error", safeOverwrite, "kept"},
+    {"fsync:2:EIO", partial, unwritten, safe},
 };
 
 std::string replaceAll(std::string text, const std::string& place, const std::string& value) {
@@ -123,7 +137,9 @@ class FaultInjection : public testing::TestWithParam<bool> {
     const int status = std::system(command.c_str());
     ASSERT_TRUE(WIFEXITED(status));
     EXPECT_EQ(WEXITSTATUS(status), c.outcome == converted ? 0 : 1);
-    EXPECT_EQ(readText(folder / "errors"), "");
+    const std::string reason = "corvana-cli: " + outputOf("b").native() + ": ";
+    EXPECT_TRUE(c.message == unwritten ? readText(folder / "errors").starts_with(reason)
+                                       : readText(folder / "errors").empty());
 
     const auto success = [&](const std::string& name, const std::string& number = {}) {
       return name + in + " => " + name + number + out + "  [8-bit, mono, 44100 Hz, root key 60, ";
@@ -171,6 +187,42 @@ TEST_P(FaultInjection, CostsOneFileAndNothingElse) {
   for (const Case& c : cases) {
     SCOPED_TRACE(c.fault + " " + c.option + " " + c.present);
     check(c);
+  }
+}
+
+/// What the search could not read is named, and the rest converted.
+TEST(FaultInjectionSearch, NamesWhatItCouldNotSearch) {
+  const struct {
+    const char* fault;
+    int status;
+    const char *log, *errors;
+  } searches[] = {
+      {"folder:1:EACCES", 1, "a.wav|c.wav|", "%DIR: Permission denied\n"},
+      {"list:1:ENOMEM", 1, "a.wav|c.wav|", "%DIR: Cannot allocate memory\n"},
+      {"readdir:1:EIO", 1, "a.wav|c.wav|", "%DIR: Input/output error\n"},
+      {"readdir:1+:untyped", 0, "a.wav|b.wav|d.wav|c.wav|", ""},
+  };
+  for (const auto& c : searches) {
+    SCOPED_TRACE(c.fault);
+    const TemporaryFolder folder;
+    const ByteBuffer input = wav({fmt({}), test::data({1, 2})});
+    for (const char* name : {"in/a.wav", "in/b/b.wav", "in/b/d/d.wav", "in/c.wav"})
+      folder.write(name, input);
+    const std::string below = (folder / "in/b").native();
+    const std::string command =
+        "cd '" + folder.path().native() +
+        "' && ASAN_OPTIONS=verify_asan_link_order=0 LD_PRELOAD=" + CORVANA_FAULTS_LIBRARY +
+        " CORVANA_FAULT=" + c.fault + " CORVANA_FAULT_BELOW=" + below +
+        " '" CORVANA_CLI "' --quiet " + (folder / "in").native() + " >log 2>errors";
+    const int status = std::system(command.c_str());
+    EXPECT_EQ(WEXITSTATUS(status), c.status);
+    std::istringstream log(readText(folder / "log"));
+    std::string names;
+    for (std::string entry; std::getline(log, entry);)
+      names += entry.substr(0, entry.find(' ')) + "|";
+    EXPECT_EQ(names, c.log);
+    const std::string said = c.errors[0] == 0 ? "" : std::string("corvana-cli: ") + c.errors;
+    EXPECT_EQ(readText(folder / "errors"), replaceAll(said, "%DIR", below + "/"));
   }
 }
 

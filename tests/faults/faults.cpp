@@ -3,9 +3,12 @@
 //   CORVANA_FAULT_BELOW   the start of the paths that are concerned
 //   CORVANA_FAULT         CALL:NTH:ACTION, or CALL:NTH+:ACTION for this and every later one.
 //
-// CALL is open (reading), create (opening with O_CREAT), fstat, stat, lstat, mmap, mkdir, unlink,
-// write, or close (of a file that was created). ACTION is the name of an error (ENOSPC), or
+// CALL is folder (opening one), open (reading), create, fstat (of an input), stat and lstat (by
+// name), list and readdir (the beginning and the steps of a folder's listing), mmap, mkdir, unlink,
+// write, fsync, rename (to a free name), link, replace (rename over another file), or close (of a
+// file that was created). ACTION is the name of an error (ENOSPC), or
 //   short           write: only a part of the bytes
+//   untyped         readdir: the file system does not tell what an entry is
 //   shrink          cut the last opened input to nothing before the call
 //   steal, link:TO  create: another program makes a file, or a link to TO, of this name first
 //
@@ -19,6 +22,7 @@
 #include <cstdarg>
 #include <cstdlib>
 #include <cstring>
+#include <dirent.h>
 #include <dlfcn.h>
 #include <fcntl.h>
 #include <fstream>
@@ -31,7 +35,7 @@
 
 namespace {
 
-enum class Kind : unsigned char { other, input, output };
+enum class Kind : unsigned char { other, folder, input, output };
 
 struct Fault {
   std::string below;
@@ -66,8 +70,8 @@ std::atomic<int> calls = 0;
 std::atomic<bool> happened = false;
 
 int errorNumber(std::string_view name) {
-  constexpr int mostErrors = 134;
-  for (int number = 1; number < mostErrors; ++number) {
+  constexpr int maxErrors = 134;
+  for (int number = 1; number < maxErrors; ++number) {
     const char* known = ::strerrorname_np(number);
     if (known != nullptr && name == known) return number;
   }
@@ -80,8 +84,18 @@ Function* next(const char* name) {
   return reinterpret_cast<Function*>(::dlsym(RTLD_NEXT, name));
 }
 
-bool isConcerned(const char* path) {
-  return !fault().below.empty() && std::string_view(path).starts_with(fault().below);
+/// The whole path of what a call names.
+std::string pathOf(int folder, const char* name) {
+  if (name[0] == '/') return name;
+  const std::string link =
+      folder == AT_FDCWD ? "/proc/self/cwd" : "/proc/self/fd/" + std::to_string(folder);
+  std::array<char, 4096> path{};
+  const ssize_t length = ::readlink(link.c_str(), path.data(), path.size());
+  return std::string(path.data(), length < 0 ? 0 : static_cast<std::size_t>(length)) + "/" + name;
+}
+
+bool isConcerned(const std::string& path) {
+  return !fault().below.empty() && path.starts_with(fault().below);
 }
 
 Kind kindOf(int file) {
@@ -91,7 +105,7 @@ Kind kindOf(int file) {
 }
 
 /// Whether the call is to fail, with errno set; otherwise it goes on, perhaps to its ruin.
-bool failsNow(std::string_view call, const char* path = nullptr) {
+bool failsNow(std::string_view call, const std::string& path = {}) {
   if (call != fault().call) return false;
   const int number = ++calls;
   if (number != fault().nth && !(fault().repeats && number > fault().nth)) return false;
@@ -102,12 +116,27 @@ bool failsNow(std::string_view call, const char* path = nullptr) {
   } else if (action == "steal") {
     std::ofstream(path) << "theirs";
   } else if (action.starts_with("link:")) {
-    if (::symlink(action.c_str() + std::strlen("link:"), path) != 0) std::abort();
-  } else if (action != "short") {
+    if (::symlink(action.c_str() + std::strlen("link:"), path.c_str()) != 0) std::abort();
+  } else if (action != "short" && action != "untyped") {
     errno = errorNumber(action);
     return true;
   }
   return false;
+}
+
+int openHere(int folder, const char* name, int flags, mode_t mode) {
+  const bool creates = (flags & O_CREAT) != 0;
+  const Kind kind = creates                                 ? Kind::output
+                    : (flags & (O_PATH | O_DIRECTORY)) != 0 ? Kind::folder
+                                                            : Kind::input;
+  const std::string path = pathOf(folder, name);
+  const bool concerned = isConcerned(path);
+  const char* const call = creates ? "create" : kind == Kind::folder ? "folder" : "open";
+  if (concerned && failsNow(call, path)) return -1;
+  if (concerned && kind == Kind::input) fault().lastInput = path;
+  const int file = next<int(int, const char*, int, ...)>("openat")(folder, name, flags, mode);
+  if (concerned && file >= 0) kinds[static_cast<std::size_t>(file)] = kind;
+  return file;
 }
 
 [[gnu::destructor]] void report() {
@@ -125,51 +154,81 @@ bool failsNow(std::string_view call, const char* path = nullptr) {
 
 extern "C" {
 
-int open(const char* path, int flags, ...) {
-  const bool creates = (flags & O_CREAT) != 0;
+int openat(int folder, const char* name, int flags, ...) {
   va_list rest;
   va_start(rest, flags);
-  const mode_t mode = creates ? va_arg(rest, mode_t) : 0;
+  const mode_t mode = (flags & O_CREAT) != 0 ? va_arg(rest, mode_t) : 0;
   va_end(rest);
-  const bool concerned = isConcerned(path);
-  if (concerned && failsNow(creates ? "create" : "open", path)) return -1;
-  if (concerned && !creates) fault().lastInput = path;
-  const int file = next<int(const char*, int, ...)>("open")(path, flags, mode);
-  if (concerned && file >= 0)
-    kinds[static_cast<std::size_t>(file)] = creates ? Kind::output : Kind::input;
-  return file;
+  return openHere(folder, name, flags, mode);
 }
 
-int stat(const char* path, struct stat* status) noexcept {
-  if (isConcerned(path) && failsNow("stat")) return -1;
-  return next<int(const char*, struct stat*)>("stat")(path, status);
+/// What hardened programs call.
+int __openat_2(int folder, const char* name, int flags) {
+  return openHere(folder, name, flags, 0);
 }
 
-int lstat(const char* path, struct stat* status) noexcept {
-  if (isConcerned(path) && failsNow("lstat")) return -1;
-  return next<int(const char*, struct stat*)>("lstat")(path, status);
+int fstatat(int folder, const char* name, struct stat* status, int flags) noexcept {
+  const char* const call = (flags & AT_SYMLINK_NOFOLLOW) != 0 ? "lstat" : "stat";
+  if (isConcerned(pathOf(folder, name)) && failsNow(call)) return -1;
+  return next<int(int, const char*, struct stat*, int)>("fstatat")(folder, name, status, flags);
 }
 
 int fstat(int file, struct stat* status) noexcept {
-  if (kindOf(file) != Kind::other && failsNow("fstat")) return -1;
+  if (kindOf(file) == Kind::input && failsNow("fstat")) return -1;
   return next<int(int, struct stat*)>("fstat")(file, status);
+}
+
+DIR* fdopendir(int file) {
+  if (isConcerned(pathOf(file, ".")) && failsNow("list")) return nullptr;
+  return next<DIR*(int)>("fdopendir")(file);
+}
+
+dirent* readdir(DIR* listing) {
+  const bool concerned = isConcerned(pathOf(::dirfd(listing), "."));
+  if (concerned && failsNow("readdir")) return nullptr;
+  dirent* const entry = next<dirent*(DIR*)>("readdir")(listing);
+  if (concerned && entry != nullptr && fault().action == "untyped") entry->d_type = DT_UNKNOWN;
+  return entry;
 }
 
 void* mmap(void* address, std::size_t size, int protection, int flags, int file,
            off_t offset) noexcept {
-  if (kindOf(file) != Kind::other && failsNow("mmap")) return MAP_FAILED;
+  if (kindOf(file) == Kind::input && failsNow("mmap")) return MAP_FAILED;
   return next<void*(void*, std::size_t, int, int, int, off_t)>("mmap")(address, size, protection,
                                                                        flags, file, offset);
 }
 
-int mkdir(const char* path, mode_t mode) noexcept {
-  if (isConcerned(path) && failsNow("mkdir")) return -1;
-  return next<int(const char*, mode_t)>("mkdir")(path, mode);
+int mkdirat(int folder, const char* name, mode_t mode) noexcept {
+  if (isConcerned(pathOf(folder, name)) && failsNow("mkdir")) return -1;
+  return next<int(int, const char*, mode_t)>("mkdirat")(folder, name, mode);
 }
 
-int unlink(const char* path) noexcept {
-  if (isConcerned(path) && failsNow("unlink")) return -1;
-  return next<int(const char*)>("unlink")(path);
+int unlinkat(int folder, const char* name, int flags) noexcept {
+  if (isConcerned(pathOf(folder, name)) && failsNow("unlink")) return -1;
+  return next<int(int, const char*, int)>("unlinkat")(folder, name, flags);
+}
+
+int renameat2(int from, const char* name, int to, const char* newName, unsigned flags) noexcept {
+  const std::string path = pathOf(to, newName);
+  if (isConcerned(path) && failsNow("rename", path)) return -1;
+  return next<int(int, const char*, int, const char*, unsigned)>("renameat2")(from, name, to,
+                                                                              newName, flags);
+}
+
+int renameat(int from, const char* name, int to, const char* newName) noexcept {
+  if (isConcerned(pathOf(to, newName)) && failsNow("replace")) return -1;
+  return next<int(int, const char*, int, const char*)>("renameat")(from, name, to, newName);
+}
+
+int linkat(int from, const char* name, int to, const char* newName, int flags) noexcept {
+  if (isConcerned(pathOf(to, newName)) && failsNow("link")) return -1;
+  return next<int(int, const char*, int, const char*, int)>("linkat")(from, name, to, newName,
+                                                                      flags);
+}
+
+int fsync(int file) {
+  if (kindOf(file) != Kind::other && failsNow("fsync")) return -1;
+  return next<int(int)>("fsync")(file);
 }
 
 ssize_t writev(int file, const iovec* parts, int count) {

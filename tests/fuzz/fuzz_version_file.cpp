@@ -5,6 +5,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <string_view>
+#include <utility>
 
 #include "fuzz/require.hpp"
 #include "update/result_texts.hpp"
@@ -20,7 +21,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   if (isPlain) {
     const auto unsafe = corvana::firstUnsafeCharacter(text);
     REQUIRE(!unsafe || *unsafe < text.size());
-    text = corvana::simpleEncryptText(text, true);
+    const std::u16string plain = std::exchange(text, corvana::simpleEncryptText(text, true));
+    REQUIRE(unsafe || corvana::simpleEncryptText(text, false) == plain);
   }
 
   const corvana::VantorErgebnis ergebnis = corvana::parseVersionFile(text, u"Corvana", u"1.1");

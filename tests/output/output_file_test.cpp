@@ -13,8 +13,14 @@ namespace {
 
 using namespace test;
 
-void create(const fs::path& path, bool replaceExisting, const FileIdentity& input = {}) {
-  OutputFile file(OutputTarget{path, replaceExisting, input});
+void create(const fs::path& path, bool replaceExisting, const FileIdentity& input = {},
+            bool safe = false) {
+  const Folder folder(path.parent_path());
+  OutputFile file({.folder = folder,
+                   .name = path.filename().native(),
+                   .replaceExisting = replaceExisting,
+                   .safe = safe,
+                   .input = input});
   file.append(text("new"));
   file.close();
 }
@@ -42,7 +48,7 @@ TEST(OutputFile, NeverRemovesTheInputAFolderOrASpecialFile) {
   fs::create_hard_link(input, folder / "hard link");
   fs::create_symlink("input.wav", folder / "symbolic link");
   for (const char* name : {"input.wav", "hard link", "symbolic link"}) {
-    EXPECT_THROW(create(folder / name, true, InputFile(input).identity()), ConversionError) << name;
+    EXPECT_THROW(create(folder / name, true, openFile(input).identity()), ConversionError) << name;
     EXPECT_EQ(readText(folder / name), "samples") << name;
   }
   fs::create_directory(folder / "folder");
@@ -51,7 +57,52 @@ TEST(OutputFile, NeverRemovesTheInputAFolderOrASpecialFile) {
     EXPECT_THROW(create(folder / name, true), FileError) << name;
     EXPECT_TRUE(fs::exists(folder / name)) << name;
   }
-  EXPECT_THROW(create(input / "sub/out.wav", true), FileError) << "no folder can be made";
+  const Folder open(folder.path());
+  const OutputTarget below{.folder = open, .missingFolders = "input.wav/sub", .name = "out.wav"};
+  EXPECT_THROW(OutputFile file(below), FileError) << "no folder can be made";
+}
+
+TEST(OutputFile, ASafeOneHasItsNameWhenItIsCompleteOrNever) {
+  const TemporaryFolder folder;
+  const fs::path older = folder.write("out", "older");
+  EXPECT_THROW(create(older, false, {}, true), ConversionError);
+  {
+    const Folder open(folder.path());
+    OutputFile file({.folder = open, .name = "out", .replaceExisting = true, .safe = true});
+    file.append(ByteBuffer(10'000));
+    EXPECT_EQ(folder.files().size(), 2U);
+    EXPECT_EQ(folder.files()[0][0], '.') << "no search finds it";
+  }
+  EXPECT_EQ(folder.files(), std::vector<std::string>{"out"}) << "given up, removed";
+  EXPECT_EQ(readText(older), "older");
+  create(older, true, {}, true);
+  EXPECT_EQ(readText(older), "new");
+  EXPECT_EQ(folder.files().size(), 1U);
+}
+
+TEST(OutputFile, ReservesRoomInStepsAndGivesItBack) {
+  const TemporaryFolder folder;
+  const auto roomOf = [&] {
+    struct stat status {};
+    ::stat((folder / "out").c_str(), &status);
+    return status.st_blocks * 512;
+  };
+  {
+    const Folder open(folder.path());
+    OutputFile file({.folder = open, .name = "out"});
+    file.reserve(1'000'000'000);
+    file.append(ByteBuffer(1'048'576));
+    if (roomOf() <= 1'048'576 + 65'536) GTEST_SKIP() << "this file system reserves nothing";
+    EXPECT_LE(roomOf(), 65 << 20);
+  }
+  EXPECT_LE(roomOf(), 1'048'576 + 65'536);
+}
+
+TEST(OutputFile, KeepsWhatIsPrivatePrivate) {
+  const TemporaryFolder folder;
+  const Folder open(folder.path());
+  OutputFile({.folder = open, .name = "out", .permissions = 0600}).close();
+  EXPECT_EQ(fs::status(folder / "out").permissions(), fs::perms(0600));
 }
 
 TEST(ConvertFile, RefusesMoreSoundThanAnAiffFileHolds) {
@@ -60,7 +111,7 @@ TEST(ConvertFile, RefusesMoreSoundThanAnAiffFileHolds) {
       folder.write("b", wav({fmt({.blockAlign = 1, .bits = 8}), bytes("'data' FF FF FF FF")}));
   const auto planFrames = [&](std::uint64_t frames) {
     fs::resize_file(big, 44 + frames);
-    const InputFile input(big);
+    const InputFile input = openFile(big);
     return input.read(planWAVToAIFF).samples.frameCount;
   };
   constexpr std::uint64_t maxFrames = 4294966270 - 8;

@@ -31,12 +31,12 @@ TEST(InputFile, RefusesWhatIsNoRegularFileWithoutWaiting) {
   };
   for (const auto& [path, reason] : cases)
     try {
-      const InputFile file(path);
+      const InputFile file = openFile(path);
       ADD_FAILURE() << path;
     } catch (const FileError& error) {
       EXPECT_EQ(error.what(), "Cannot read '" + path.native() + "': " + reason);
     }
-  EXPECT_EQ(InputFile(folder.write("empty", "")).read([](auto all) { return all.size(); }), 0U);
+  EXPECT_EQ(openFile(folder.write("empty", "")).read([](auto all) { return all.size(); }), 0U);
 }
 
 unsigned sumOf(std::span<const std::uint8_t> bytes) {
@@ -60,7 +60,7 @@ TEST(MappedGuard, ShrunkenFileIsAnInputErrorWhateverTheReaderMadeOfIt) {
   const TemporaryFolder folder;
   for (const std::uintmax_t left : {std::uintmax_t{0}, std::uintmax_t{4096}, size - 1}) {
     const fs::path path = folder.write("shrinks.wav", content);
-    const InputFile file(path);
+    const InputFile file = openFile(path);
     const std::string expected = "Cannot read '" + path.native() + "': Input/output error";
     fs::resize_file(path, left);
     EXPECT_EQ(messageOfReading(file, sumOf), expected) << left;
@@ -76,7 +76,7 @@ TEST(MappedGuard, ShrunkenFileIsAnInputErrorWhateverTheReaderMadeOfIt) {
 TEST(MappedGuard, GrowingOrRemovedFileStaysReadable) {
   const TemporaryFolder folder;
   const fs::path path = folder.write("grows.wav", content);
-  const InputFile file(path);
+  const InputFile file = openFile(path);
   fs::resize_file(path, 2 * size);
   fs::remove(path);
   EXPECT_EQ(file.read(sumOf), 'x' * size);
@@ -97,8 +97,8 @@ struct DiedOf {
 TEST(MappedGuardDeathTest, OtherFaultsKeepTheirEffect) {
   GTEST_FLAG_SET(death_test_style, "threadsafe");
   const TemporaryFolder folder;
-  const InputFile lost(folder.write("lost.wav", content));
-  const InputFile whole(folder.write("whole.wav", content));
+  const InputFile lost = openFile(folder.write("lost.wav", content));
+  const InputFile whole = openFile(folder.write("whole.wav", content));
   std::span<const std::uint8_t> leaked;
   EXPECT_EQ(messageOfReading(lost, [&](auto bytes) { leaked = bytes; }), "no FileError");
   fs::resize_file(folder / "lost.wav", 0);

@@ -11,6 +11,7 @@
 #include <string_view>
 #include <vector>
 
+#include "platform/folder.hpp"
 #include "vocabulary/bytes.hpp"
 
 namespace corvana::test {
@@ -26,6 +27,11 @@ inline std::string readText(const fs::path& path) {
 inline ByteBuffer readFile(const fs::path& path) {
   const std::string content = readText(path);
   return {content.begin(), content.end()};
+}
+
+/// Opens an input by its path alone.
+inline InputFile openFile(const fs::path& path) {
+  return {Folder(path.parent_path()), path.filename().native(), path};
 }
 
 class TemporaryFolder {

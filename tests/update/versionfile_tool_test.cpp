@@ -46,14 +46,7 @@ TEST_F(VersionfileTool, ScramblesUnscramblesAndChecks) {
 
   const Outcome newer = run("TOOL check server.txt --installed 1.1.0");
   EXPECT_EQ(newer.status, 0);
-  EXPECT_EQ(
-      newer.output,
-      "A new version of Corvana is available!\n"
-      "Corvana 1.2.0 is now available - you have 1.1.0. Would you like to download it now?\n\n"
-      "Release Notes:\nCorvana 1.2.0\n" +
-          std::string(62, '-') +
-          "\nFaster.\n\n\n\nProduct Website: https://www.corvana.example/\n"
-          "Download URL: https://www.corvana.example/d\n\n");
+  EXPECT_NE(newer.output.find("\nRelease Notes:\nCorvana 1.2.0\n"), std::string::npos);
 
   EXPECT_NE(run("TOOL check server.txt --installed 1.2.0").output.find("latest version 1.2.0.\n"),
             std::string::npos);

@@ -1,6 +1,6 @@
 // What the window cannot show of its requests.
 
-#include "update/fetch_version_file.hpp"
+#include "update_window/fetch_version_file.hpp"
 
 #include <QTest>
 #include <QThread>
@@ -8,7 +8,7 @@
 #include <gtest/gtest.h>
 #include <memory>
 
-#include "update/https_server.hpp"
+#include "update_window/https_server.hpp"
 
 namespace corvana::test {
 namespace {
@@ -66,18 +66,21 @@ TEST_F(FetchVersionFile, AsksForNothingButTheFile) {
 }
 
 TEST_F(FetchVersionFile, TakesOrRefusesAnswers) {
-  const QByteArray largest = goodBody.leftJustified(qsizetype{largestVersionFile}, '~');
+  const QByteArray largest = goodBody.leftJustified(qsizetype{maxVersionFileSize}, '~');
   const QByteArray unlimited = "HTTP/1.1 200 OK\r\n\r\n";
+  QTcpServer plainServer;
+  ASSERT_TRUE(plainServer.listen(QHostAddress::LocalHost));
+  const QByteArray toPlainServer =
+      "Location: http://127.0.0.1:" + QByteArray::number(plainServer.serverPort()) + "/\r\n";
   const struct {
     const char* what;
     QByteArray answer;
     int status;
     bool isNewer;
+    QSslConfiguration certificate = test::certificate();
   } cases[] = {
       {"client's fault", httpAnswer(goodBody, "401 Unauthorized"), 401, true},
       {"server's fault", httpAnswer(goodBody, "503 Unavailable"), 503, true},
-      {"an empty body", httpAnswer(""), 200, false},
-      {"a byte-order mark", httpAnswer("\xEF\xBB\xBF" + goodBody), 200, false},
       {"not UTF-8 at its end", httpAnswer(goodBody + "\xFF"), 200, false},
       {"without a length", unlimited + goodBody, 200, true},
       {"the largest body", httpAnswer(largest), 200, true},
@@ -89,16 +92,21 @@ TEST_F(FetchVersionFile, TakesOrRefusesAnswers) {
       {"not HTTP", "Corvana\r\n\r\n", 0, false},
       {"redirect", httpAnswer("", "302 Found", "Set-Cookie: a=b\r\nLocation: /x\r\n"), 200, true},
       {"a local file", httpAnswer("", "302 Found", "Location: file:///etc/hosts\r\n"), 302, false},
+      {"to plain HTTP", httpAnswer("", "301 Moved", toPlainServer), 301, false},
+      {"other name", httpAnswer(goodBody), 0, false, certificate("DNS:other.example")},
+      {"stranger", httpAnswer(goodBody), 0, false, certificate("IP:127.0.0.1", false)},
       {"endless redirects", httpAnswer("", "302 Found", "Location: ?\r\n"), 302, false},
   };
   for (const auto& c : cases) {
     SCOPED_TRACE(c.what);
     const HttpsServer server(
-        [&](const QByteArray& path) { return path == "/x" ? httpAnswer(goodBody) : c.answer; });
+        [&](const QByteArray& path) { return path == "/x" ? httpAnswer(goodBody) : c.answer; },
+        c.certificate);
     expectAnswer(start(server), c.status, c.isNewer);
     for (const QByteArray& request : server.requests)
       EXPECT_FALSE(request.contains("Cookie"));
   }
+  EXPECT_FALSE(plainServer.hasPendingConnections());
 }
 
 TEST_F(FetchVersionFile, EndsAtTheDeadlineThoughTheAnswerNeverPauses) {

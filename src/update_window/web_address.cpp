@@ -1,4 +1,4 @@
-#include "update/web_address.hpp"
+#include "update_window/web_address.hpp"
 
 #include <QDesktopServices>
 

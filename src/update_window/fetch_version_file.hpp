@@ -58,7 +58,7 @@ using ReceiveResult =
 /// From the first byte sent to the last one received.
 inline constexpr std::chrono::seconds fetchDeadline{30};
 /// Bytes; an answer that is larger has failed.
-inline constexpr qint64 largestVersionFile = qint64{1024} * 1024;
+inline constexpr qint64 maxVersionFileSize = qint64{1024} * 1024;
 
 /// Fetches the version file from an https address and reads it on another thread. `receiveResult`
 /// is called on the main thread, never before this function has returned, exactly once unless

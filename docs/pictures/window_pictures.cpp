@@ -59,10 +59,11 @@ class Pictures {
       convert(window.controller(), {examples_ / "Bass", examples_ / "Experiments"});
       // In the middle of the next file: said in the driver's place, since the examples are too
       // short to be caught at it.
-      corvana::BatchView& view = window.controller();
-      view.setStatus(
+      corvana::ViewController& controller = window.controller();
+      controller.setStatus(
           corvana::fillText(corvana::localised("Converting %@ …"), {"Church Organ G3.aifc"}));
-      view.setProgress(4.5 / 8);
+      controller.setProgress(4.5 / 8);
+      controller.showChanges();
       take(window, "running");
     }
     corvana::MainWindow window;

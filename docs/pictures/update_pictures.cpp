@@ -8,8 +8,8 @@
 
 #include "platform/texts.hpp"
 #include "update/simple_encrypt_text.hpp"
-#include "update/vantor_window_controller.hpp"
 #include "update/version_file.hpp"
+#include "update_window/vantor_window_controller.hpp"
 
 namespace {
 
@@ -52,14 +52,20 @@ int main(int argumentCount, char** argumentValues) {
   bool complete = true;
   const auto take = [&](const char* state) {
     const QString name = QString("update-%1-%2.png").arg(state, isGerman ? "de" : "en");
-    QApplication::sendPostedEvents();  // the layout, but nothing from the network
+    QApplication::sendPostedEvents();  // the layout
     if (!controller.grab().save(folder.filePath(name))) complete = false;
   };
-  controller.startUpdateCheck("Corvana", "1.0", "https://127.0.0.1:1/");
+  // The request is given up at once: the end of it must not come between the pictures.
+  const auto open = [&](const char* installedVersion) {
+    controller.startUpdateCheck("Corvana", installedVersion, "https://127.0.0.1:1/");
+    controller.windowWillClose();
+    controller.showLoadingState();
+  };
+  open("1.0");
   take("loading");
   controller.showResult(answerFor(u"1.0"), 200);
   take("new-version");
-  controller.startUpdateCheck("Corvana", "1.2", "https://127.0.0.1:1/");
+  open("1.2");
   controller.showResult(answerFor(u"1.2"), 200);
   take("up-to-date");
   controller.showLoadingState();

@@ -1,6 +1,6 @@
-// measure_window CLI FILES [ROUNDS]: drops a folder of FILES small instruments on the window and
-// prints the longest time for which its event loop stood still, and how long the run took beside
-// the command line program CLI on equal files.
+// corvana-bench-window CLI FILES [ROUNDS]: drops a folder of FILES small instruments on the window
+// and prints the longest time for which its event loop stood still, and how long the run took
+// beside the command line program CLI on equal files.
 
 #include <QApplication>
 #include <QDir>
@@ -13,10 +13,10 @@
 #include <cstdio>
 #include <cstdlib>
 #include <ctime>
+#include <fstream>
 #include <limits>
 
 #include "app/main_window.hpp"
-#include "output/output_file.hpp"
 #include "wav/wav_writer.hpp"
 
 namespace {
@@ -37,11 +37,11 @@ fs::path makeInstruments(const fs::path& folder, int count) {
   const corvana::SurroundingBytes surrounding = corvana::writeWav(content);
   for (int i = 0; i < count; ++i) {
     const fs::path path = folder / ("instrument " + std::to_string(i) + ".wav");
-    corvana::OutputFile file({.url = path, .replaceExisting = false, .input = {}});
-    file.append(surrounding.header);
-    file.append(samples);
-    file.append(surrounding.trailer);
-    file.close();
+    std::ofstream file(path, std::ios::binary);
+    for (const corvana::ByteView part :
+         {corvana::ByteView(surrounding.header), corvana::ByteView(samples),
+          corvana::ByteView(surrounding.trailer)})
+      file.write(reinterpret_cast<const char*>(part.data()), std::ssize(part));
   }
   return folder;
 }
@@ -95,7 +95,7 @@ double runCommandLine(const QString& program, const fs::path& folder) {
   run.start();
   process.start(program, {QString::fromStdString(folder.native())});
   if (!process.waitForFinished(-1) || process.exitCode() != 0) {
-    std::fprintf(stderr, "measure_window: the command line program failed\n");
+    std::fprintf(stderr, "corvana-bench-window: the command line program failed\n");
     std::exit(1);
   }
   return static_cast<double>(run.nsecsElapsed()) / 1e6;
@@ -106,7 +106,7 @@ double runCommandLine(const QString& program, const fs::path& folder) {
 int main(int argumentCount, char** argumentValues) {
   QApplication application(argumentCount, argumentValues);
   if (argumentCount < 3) {
-    std::fprintf(stderr, "Usage: measure_window CLI FILES [ROUNDS]\n");
+    std::fprintf(stderr, "Usage: corvana-bench-window CLI FILES [ROUNDS]\n");
     return 2;
   }
   const int files = std::atoi(argumentValues[2]);

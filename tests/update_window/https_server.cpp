@@ -1,4 +1,4 @@
-#include "update/https_server.hpp"
+#include "update_window/https_server.hpp"
 
 #include <QFile>
 #include <QProcess>

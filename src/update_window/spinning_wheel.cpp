@@ -1,4 +1,4 @@
-#include "update/spinning_wheel.hpp"
+#include "update_window/spinning_wheel.hpp"
 
 #include <QPainter>
 #include <QTimerEvent>

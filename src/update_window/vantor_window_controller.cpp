@@ -1,4 +1,4 @@
-#include "update/vantor_window_controller.hpp"
+#include "update_window/vantor_window_controller.hpp"
 
 #include <QApplication>
 #include <QCloseEvent>
@@ -12,12 +12,12 @@
 #include <string>
 
 #include "platform/texts.hpp"
-#include "update/fetch_version_file.hpp"
 #include "update/result_texts.hpp"
-#include "update/spinning_wheel.hpp"
 #include "update/text_search.hpp"
 #include "update/version_number.hpp"
-#include "update/web_address.hpp"
+#include "update_window/fetch_version_file.hpp"
+#include "update_window/spinning_wheel.hpp"
+#include "update_window/web_address.hpp"
 #include "vocabulary/text_format.hpp"
 #include "vocabulary/unicode.hpp"
 
@@ -29,7 +29,7 @@ constexpr int windowWidth = 620;
 constexpr int windowHeight = 310;
 constexpr int headlineSize = 14;
 constexpr int textSize = 12;
-constexpr int smallestTextSize = 8;
+constexpr int minTextSize = 8;
 constexpr int iconSize = 64;
 
 QString vantor(const char* key) {
@@ -60,7 +60,7 @@ template <typename Control>
 void showText(Control& control, int size, const QString& text) {
   QFont font = control.font();
   control.setText(text);
-  for (; size >= smallestTextSize; --size) {
+  for (; size >= minTextSize; --size) {
     font.setPixelSize(size);
     control.setFont(font);
     if (showsWholeText(control)) return;

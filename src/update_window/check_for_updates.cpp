@@ -1,6 +1,6 @@
-#include "update/check_for_updates.hpp"
+#include "update_window/check_for_updates.hpp"
 
-#include "update/vantor_window_controller.hpp"
+#include "update_window/vantor_window_controller.hpp"
 
 namespace corvana {
 

@@ -1,9 +1,11 @@
-#include "update/fetch_version_file.hpp"
+#include "update_window/fetch_version_file.hpp"
 
 #include <QCoreApplication>
 #include <QNetworkReply>
 #include <QNetworkRequest>
-#include <QtConcurrent>
+#include <QPromise>
+#include <QThreadPool>
+#include <memory>
 #include <utility>
 
 #include "vocabulary/unicode.hpp"
@@ -12,13 +14,13 @@ namespace corvana {
 namespace {
 
 constexpr qint64 readBufferSize = qint64{64} * 1024;
-constexpr int largestRedirectCount = 10;
+constexpr int maxRedirects = 10;
 
 QNetworkRequest requestFor(const QUrl& address) {
   QNetworkRequest request(address);
   request.setAttribute(QNetworkRequest::RedirectPolicyAttribute,
                        QNetworkRequest::NoLessSafeRedirectPolicy);
-  request.setMaximumRedirectsAllowed(largestRedirectCount);
+  request.setMaximumRedirectsAllowed(maxRedirects);
   request.setAttribute(QNetworkRequest::CookieLoadControlAttribute, QNetworkRequest::Manual);
   request.setAttribute(QNetworkRequest::CookieSaveControlAttribute, QNetworkRequest::Manual);
   request.setAttribute(QNetworkRequest::Http2AllowedAttribute, false);
@@ -61,8 +63,8 @@ void DataTask::cancel() {
 }
 
 void DataTask::receive() {
-  body_ += reply_->read(largestVersionFile + 1 - body_.size());
-  if (body_.size() > largestVersionFile) cancel();
+  body_ += reply_->read(maxVersionFileSize + 1 - body_.size());
+  if (body_.size() > maxVersionFileSize) cancel();
 }
 
 void DataTask::complete() {
@@ -72,14 +74,20 @@ void DataTask::complete() {
   std::optional<std::u16string> text;
   if (!failed_ && isComplete(reply_->error(), status)) {
     body_ += reply_->readAll();
-    if (body_.size() <= largestVersionFile)
+    if (body_.size() <= maxVersionFileSize)
       text = utf16FromUtf8({body_.constData(), static_cast<std::size_t>(body_.size())});
   }
   connect(&parsing_, &QFutureWatcherBase::finished, this, [this, status] {
     deleteLater();
     deliver_(parsing_.result(), status);
   });
-  parsing_.setFuture(QtConcurrent::run(parse_, std::move(text)));
+  const auto parsed = std::make_shared<QPromise<VantorErgebnis>>();
+  parsing_.setFuture(parsed->future());
+  QThreadPool::globalInstance()->start([parsed, parse = parse_, text = std::move(text)] {
+    parsed->start();
+    parsed->addResult(parse(text));
+    parsed->finish();
+  });
 }
 
 DataTask* fetchVersionFile(const QUrl& address, const std::u16string& applicationName,
