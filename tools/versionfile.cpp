@@ -1,6 +1,5 @@
 // corvana-versionfile: the maker's tool for the version file that the update check reads.
 
-#include <CLI/CLI.hpp>
 #include <algorithm>
 #include <cstddef>
 #include <cstdio>
@@ -10,10 +9,15 @@
 #include <stdexcept>
 #include <string>
 #include <string_view>
+#include <vector>
 
+#include "cli/command_line.hpp"
+#include "platform/ending.hpp"
+#include "platform/standard_streams.hpp"
 #include "platform/texts.hpp"
 #include "update/result_texts.hpp"
 #include "update/simple_encrypt_text.hpp"
+#include "update/text_search.hpp"
 #include "update/version_file.hpp"
 #include "update/version_number.hpp"
 #include "vocabulary/screen_text.hpp"
@@ -24,7 +28,6 @@ namespace {
 namespace fs = std::filesystem;
 
 constexpr int statusFailed = 1;
-constexpr int statusWrongUsage = 2;
 
 constexpr const char* description =
     "Scrambles, unscrambles and checks the version file that the update check reads.";
@@ -33,16 +36,17 @@ constexpr const char* footer =
     "The plain file holds one record for each application and version:\n"
     "\n"
     "  $APP$:Corvana\n"
-    "  $VERMAC$ 1.1\n"
+    "  $VERMAC$ 1.1.0\n"
     "  $INFOMAC$ Reads large files faster.#+#Names the chunk that is damaged.\n"
-    "  $URLMAC$ https://www.corvana.example/resources/downloads/Corvana-1.1.tar.xz\n"
+    "  $URLMAC$ https://www.corvana.example/resources/downloads/Corvana-1.1.0.tar.xz\n"
     "  $URLINFO$ https://www.corvana.example/\n"
     "  $\n"
     "\n"
     "A value ends at the next \"$\". Line breaks in it do not count; \"#+#\" writes one. "
     "\"scramble\"\n"
     "refuses what would not come back: characters beyond the printable ASCII range, and known\n"
-    "names and addresses in another case (a line break inside one keeps its case).\n"
+    "names and addresses in another case (a line break inside one keeps its case). Versions have\n"
+    "three numbers: 1.1 would not be offered to somebody who has 1.0.0.\n"
     "\n"
     "Exit status: 0 done; 1 the file cannot be used; 2 wrong usage.\n";
 
@@ -66,9 +70,17 @@ std::u16string readText(const fs::path& path) {
   return corvana::utf16FromUtf8(bytes);
 }
 
+/// Exact for programs, readable on a terminal.
 void writeText(std::string_view text) {
-  if (std::fwrite(text.data(), 1, text.size(), stdout) != text.size() || std::fflush(stdout) != 0)
+  const std::string shown =
+      corvana::isTerminal(stdout) ? corvana::readableText(text) : std::string(text);
+  if (std::fwrite(shown.data(), 1, shown.size(), stdout) != shown.size() ||
+      std::fflush(stdout) != 0)
     throw FileFault("standard output: cannot be written");
+}
+
+void complain(const std::string& text) {
+  std::fprintf(stderr, "corvana-versionfile: %s\n", corvana::readableLine(text).c_str());
 }
 
 /// "FILE:LINE:COLUMN: " of a character.
@@ -83,7 +95,7 @@ std::string placeOf(const fs::path& path, std::u16string_view text, std::size_t 
 std::string quoted(std::u16string_view text, std::size_t index) {
   const std::u16string_view rest = text.substr(index);
   const std::size_t length = std::min<std::size_t>(rest.find(u'\n'), 24);
-  return "\"" + corvana::readableText(corvana::utf8FromUtf16(rest.substr(0, length))) + "\"";
+  return "\"" + corvana::readableLine(corvana::utf8FromUtf16(rest.substr(0, length))) + "\"";
 }
 
 void scramble(const Arguments& arguments) {
@@ -99,11 +111,60 @@ void scramble(const Arguments& arguments) {
   writeText(corvana::utf8FromUtf16(corvana::simpleEncryptText(plain, true)));
 }
 
+/// Why no program can read a scrambled text; empty where nothing is known. Editors and transfers
+/// add what makes it so.
+std::string damage(const fs::path& path, std::u16string_view text) {
+  if (text.starts_with(u'\uFEFF'))
+    return path.string() +
+           ": a byte-order mark precedes the scrambled text, which makes it unusable";
+  const std::size_t lineBreak = text.find_first_of(u"\r\n");
+  if (lineBreak == std::u16string_view::npos) return {};
+  return placeOf(path, text, lineBreak) +
+         "a line break in or behind the scrambled text makes it unusable";
+}
+
+/// Versions are compared as numbers with three digits a component, so 1.2 is older than 1.1.9.
+bool isComparable(std::u16string_view version) {
+  std::size_t components = 1;
+  std::size_t digits = 0;
+  for (const char16_t character : version) {
+    if (character == u'.' && digits > 0) {
+      ++components;
+      digits = 0;
+    } else if (character < u'0' || character > u'9' || ++digits > 3) {
+      return false;
+    }
+  }
+  return components == 3 && digits > 0;
+}
+
+void warnOfVersion(const std::string& where, std::u16string_view version) {
+  if (!isComparable(version))
+    complain(where + ": version \"" + corvana::utf8FromUtf16(version) +
+             "\" is not three numbers as in 1.2.0 and may not compare as it should");
+}
+
+/// Of the records that count for the application.
+void warnOfVersions(const fs::path& path, std::u16string_view plain,
+                    std::u16string_view application) {
+  constexpr std::u16string_view marker = u"$APP$:";
+  for (std::size_t end = 0; end != std::u16string_view::npos;) {
+    end = plain.find(marker);
+    const std::u16string_view record = plain.substr(0, end);
+    if (corvana::beginsWith(record, application))
+      warnOfVersion(path.string(), corvana::valueForKey(u"$VERMAC$", record));
+    if (end != std::u16string_view::npos) plain.remove_prefix(end + marker.size());
+  }
+}
+
 void unscramble(const Arguments& arguments) {
   const std::u16string scrambled = readText(arguments.file);
   const std::u16string plain = corvana::simpleEncryptText(scrambled, false);
-  if (plain.empty() && !scrambled.empty())
-    throw FileFault(arguments.file.string() + ": is not a scrambled text");
+  if (plain.empty() && !scrambled.empty()) {
+    const std::string reason = damage(arguments.file, scrambled);
+    throw FileFault(reason.empty() ? arguments.file.string() + ": is not a scrambled text"
+                                   : reason);
+  }
   writeText(corvana::utf8FromUtf16(plain));
 }
 
@@ -112,17 +173,23 @@ void check(const Arguments& arguments) {
   constexpr int statusOk = 200;
   const std::u16string application = corvana::utf16FromUtf8(arguments.application);
   const std::u16string installed = corvana::utf16FromUtf8(arguments.installed);
+  const std::u16string scrambled = readText(arguments.file);
   const corvana::VantorErgebnis ergebnis =
-      corvana::parseVersionFile(readText(arguments.file), application, installed);
+      corvana::parseVersionFile(scrambled, application, installed);
   const corvana::ResultTexts texts =
       corvana::resultTexts(ergebnis, statusOk, application, installed);
   if (ergebnis.neueVersionVorhanden)
     writeText(corvana::readableText(texts.headline + "\n" + texts.versionLine + "\n\n" +
                                     texts.caption + "\n"));
   writeText(corvana::readableText(texts.text) + "\n");
-  if (!ergebnis.warDasEineGueltigeDatei)
-    throw FileFault(arguments.file.string() + ": has no record of \"" + arguments.application +
-                    "\"");
+  if (!ergebnis.warDasEineGueltigeDatei) {
+    const std::string reason = damage(arguments.file, scrambled);
+    throw FileFault(reason.empty() ? arguments.file.string() + ": has no record of \"" +
+                                         arguments.application + "\""
+                                   : reason);
+  }
+  warnOfVersion("--installed", installed);
+  warnOfVersions(arguments.file, corvana::simpleEncryptText(scrambled, false), application);
 }
 
 int run(int argumentCount, char** argumentValues) {
@@ -150,11 +217,9 @@ int run(int argumentCount, char** argumentValues) {
         const bool usable = corvana::versionNumber(corvana::utf16FromUtf8(version)) > 0;
         return usable ? std::string() : "not a version: " + version;
       });
-  try {
-    app.parse(argumentCount, argumentValues);
-  } catch (const CLI::ParseError& error) {
-    return app.exit(error) == 0 ? 0 : statusWrongUsage;
-  }
+  if (const auto status = corvana::parseCommandLine(
+          app, std::vector<std::string>(argumentValues + 1, argumentValues + argumentCount)))
+    return *status;
   if (scrambling->parsed()) scramble(arguments);
   if (unscrambling->parsed()) unscramble(arguments);
   if (checking->parsed()) check(arguments);
@@ -165,10 +230,14 @@ int run(int argumentCount, char** argumentValues) {
 
 int main(int argumentCount, char** argumentValues) {
   try {
+    corvana::reserveStandardStreams();
+    corvana::ignoreWriteSignals();
     corvana::useSystemLanguage(corvana::runningProgramFolder());
     return run(argumentCount, argumentValues);
-  } catch (const std::exception& error) {
-    std::fprintf(stderr, "corvana-versionfile: %s\n", error.what());
+  } catch (const FileFault& fault) {
+    complain(fault.what());
     return statusFailed;
+  } catch (...) {
+    corvana::endForException();
   }
 }

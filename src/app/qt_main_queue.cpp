@@ -4,6 +4,8 @@
 #include <chrono>
 #include <utility>
 
+#include "platform/ending.hpp"
+
 namespace corvana {
 namespace {
 
@@ -14,24 +16,29 @@ constexpr std::chrono::milliseconds pause{10};
 }  // namespace
 
 void QtMainQueue::post(Task task) {
-  const std::lock_guard lock(mutex_);
-  tasks_.push_back(std::move(task));
-  if (tasks_.size() > 1) return;
-  const auto wait = [this] {
-    QTimer::singleShot(pause, Qt::PreciseTimer, this, &QtMainQueue::runTasks);
-  };
-  QMetaObject::invokeMethod(this, wait, Qt::QueuedConnection);
+  doOrEnd([&] {
+    const std::lock_guard lock(mutex_);
+    tasks_.push_back(std::move(task));
+    if (tasks_.size() > 1) return;
+    const auto wait = [this] {
+      doOrEnd(
+          [this] { QTimer::singleShot(pause, Qt::PreciseTimer, this, &QtMainQueue::runTasks); });
+    };
+    QMetaObject::invokeMethod(this, wait, Qt::QueuedConnection);
+  });
 }
 
 void QtMainQueue::runTasks() {
-  std::vector<Task> tasks;
-  {
-    const std::lock_guard lock(mutex_);
-    tasks.swap(tasks_);
-  }
-  for (const Task& task : tasks)
-    task();
-  batchEnded_();
+  doOrEnd([this] {
+    std::vector<Task> tasks;
+    {
+      const std::lock_guard lock(mutex_);
+      tasks.swap(tasks_);
+    }
+    for (const Task& task : tasks)
+      task();
+    batchEnded_();
+  });
 }
 
 }  // namespace corvana

@@ -12,7 +12,7 @@
 namespace corvana {
 
 /// Runs tasks in batches, some milliseconds apart. Made and destroyed on the main thread; tasks
-/// that have not run by then are dropped.
+/// that have not run by then are dropped. Where memory fails, the program ends (endForException).
 class QtMainQueue : public QObject, public MainQueue {
  public:
   /// `batchEnded` is called on the main thread after each batch.

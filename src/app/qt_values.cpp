@@ -6,8 +6,8 @@
 
 namespace corvana {
 
-QString screenText(const std::string& text) {
-  return QString::fromStdString(readableText(text));
+QString screenLine(const std::string& text) {
+  return QString::fromStdString(readableLine(text));
 }
 
 std::filesystem::path pathOfURL(const QUrl& url) {

@@ -14,8 +14,8 @@ inline QString qtText(const std::string& text) {
   return QString::fromStdString(text);
 }
 
-/// A text that may hold a file name, which may hold anything (readableText).
-QString screenText(const std::string& text);
+/// A text of one line that may hold a file name, which may hold anything (readableLine).
+QString screenLine(const std::string& text);
 
 /// The path of a file URL of this machine, byte for byte, even where the name is not UTF-8.
 /// Empty for every other URL.

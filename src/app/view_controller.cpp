@@ -109,20 +109,20 @@ void ViewController::setProgress(double fraction) {
   changes_.progress = fraction;
 }
 
-void ViewController::appendLog(const std::string& entry) {
-  changes_.log += entry + '\n';
+void ViewController::appendLog(const LogEntry& entry) {
+  changes_.log += entry.screenText() + '\n';
 }
 
 void ViewController::showChanges() {
   const Changes changes = std::exchange(changes_, {});
-  if (changes.status) statusLabel->setText(screenText(*changes.status));
+  if (changes.status) statusLabel->setText(screenLine(*changes.status));
   if (changes.progress)
     progressIndicator->setValue(static_cast<int>(std::lround(*changes.progress * progressSteps)));
   if (changes.log.empty()) return;
   // A cursor of its own leaves the user's selection alone.
   QTextCursor end(logView->document());
   end.movePosition(QTextCursor::End);
-  end.insertText(screenText(changes.log));
+  end.insertText(qtText(changes.log));
   QScrollBar* bar = logView->verticalScrollBar();
   bar->setValue(bar->maximum());
 }

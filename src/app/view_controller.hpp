@@ -59,7 +59,7 @@ class ViewController : public DropViewDelegate, public BatchView {
   // until showChanges.
   void setStatus(const std::string& text) override;
   void setProgress(double fraction) override;
-  void appendLog(const std::string& entry) override;
+  void appendLog(const LogEntry& entry) override;
 
   /// Brings the views up to date. Happens by itself after each batch of the driver's posts.
   void showChanges();

@@ -1,6 +1,7 @@
 #include "batch/batch_driver.hpp"
 
 #include <cerrno>
+#include <functional>
 #include <optional>
 #include <utility>
 
@@ -9,6 +10,7 @@
 #include "output/convert_file.hpp"
 #include "platform/texts.hpp"
 #include "vocabulary/messages.hpp"
+#include "vocabulary/screen_text.hpp"
 #include "vocabulary/text_format.hpp"
 
 namespace corvana {
@@ -16,16 +18,27 @@ namespace {
 
 namespace fs = std::filesystem;
 
-std::string successEntry(const std::string& fileName, const ConversionResult& result) {
-  std::string entry =
-      fileName + " => " + result.outputURL.filename().native() + "  [" + result.summary + "]";
+LogEntry successEntry(const std::string& fileName, const ConversionResult& result) {
+  LogEntry entry{
+      {fileName + " => " + result.outputURL.filename().native() + "  [" + result.summary + "]"}};
   for (const std::string& warning : result.warnings)
-    entry += "\n   ⚠\uFE0E " + warning;
+    entry.lines.push_back("   ⚠\uFE0E " + warning);
   return entry;
 }
 
-std::string failureEntry(const std::string& fileName, const std::string& message) {
-  return "✗ " + fileName + ": " + message;
+LogEntry failureEntry(const std::string& fileName, const std::string& message) {
+  return {{"✗ " + fileName + ": " + message}};
+}
+
+/// The lines with a line feed between them, each as `shown` gives it.
+template <typename Shown>
+std::string joinedLines(const std::vector<std::string>& lines, Shown shown) {
+  std::string text;
+  for (const std::string& line : lines) {
+    if (!text.empty()) text += '\n';
+    text += shown(line);
+  }
+  return text;
 }
 
 InputFolder openFolderOf(const AudioFile& file) {
@@ -51,6 +64,14 @@ bool isLeftAlone(const AudioFile& file, const BatchOptions& options) {
 
 }  // namespace
 
+std::string LogEntry::text() const {
+  return joinedLines(lines, std::identity());
+}
+
+std::string LogEntry::screenText() const {
+  return joinedLines(lines, readableLine);
+}
+
 BatchDriver::BatchDriver(BatchView& view, MainQueue& mainQueue)
     : view_(view), mainQueue_(mainQueue), workQueue_("corvana.convert") {}
 
@@ -65,7 +86,7 @@ void BatchDriver::processURLs(const std::vector<fs::path>& urls) {
     view_.reportLeftOut(leftOut);
   std::erase_if(found.files, [&](const AudioFile& file) { return isLeftAlone(file, options); });
   if (found.files.empty()) {
-    appendLog(localised("No WAV or AIFF files found."));
+    view_.appendLog({{localised("No WAV or AIFF files found.")}});
     return;
   }
   const Files files = std::make_shared<const std::vector<AudioFile>>(std::move(found.files));
@@ -110,8 +131,8 @@ void BatchDriver::convertFiles(const std::vector<AudioFile>& files, const BatchO
   if (isStopped()) mainQueue_.post([this] { totalFiles_ = finishedFiles_ = 0; });
 }
 
-std::string BatchDriver::convertFile(InputFolder& folder, const AudioFile& file,
-                                     const BatchOptions& options, const BatchInputs& inputs) {
+LogEntry BatchDriver::convertFile(InputFolder& folder, const AudioFile& file,
+                                  const BatchOptions& options, const BatchInputs& inputs) {
   const std::string fileName(file.name());
   const InputFile input(folder.folder(), fileName, file.path);
   const bool isAIFF = input.read(detectFormat);
@@ -149,7 +170,7 @@ void BatchDriver::reportProgress(double fraction) {
 void BatchDriver::fileFinished(const FileReport& report) {
   ++finishedFiles_;
   if (!report.converted) ++failedFiles_;
-  appendLog(report.entry);
+  view_.appendLog(report.entry);
   if (totalFiles_ >= 1)
     view_.setProgress(static_cast<double>(finishedFiles_) / static_cast<double>(totalFiles_));
   if (finishedFiles_ < totalFiles_) return;
@@ -158,10 +179,6 @@ void BatchDriver::fileFinished(const FileReport& report) {
   view_.setProgress(1.0);
   totalFiles_ = 0;
   finishedFiles_ = 0;
-}
-
-void BatchDriver::appendLog(const std::string& entry) {
-  view_.appendLog(entry);
 }
 
 }  // namespace corvana

@@ -19,6 +19,17 @@
 
 namespace corvana {
 
+/// What the log says of one file, or of a batch without files. A line holds the names and texts of
+/// files as they are, line feeds included.
+struct LogEntry {
+  std::vector<std::string> lines;  ///< what became of the file; then one for each warning
+
+  /// The exact bytes, for programs. A line feed is to follow.
+  std::string text() const;
+  /// For people: no name drives the screen or passes for a further line. A line feed is to follow.
+  std::string screenText() const;
+};
+
 /// What the driver needs of a window. Everything is called on the main thread.
 class BatchView {
  public:
@@ -26,8 +37,7 @@ class BatchView {
   virtual BatchOptions options() const = 0;
   virtual void setStatus(const std::string& text) = 0;
   virtual void setProgress(double fraction) = 0;  ///< 0.0 to 1.0
-  /// One entry, which may span several lines; a line feed is to follow it.
-  virtual void appendLog(const std::string& entry) = 0;
+  virtual void appendLog(const LogEntry& entry) = 0;
   /// Something that no entry of the log will speak of.
   virtual void reportLeftOut(const LeftOut&) {}
   /// Why the system could not write an output; the log names the file only.
@@ -39,9 +49,9 @@ class BatchView {
   }
 };
 
-/// The log entry of one finished file.
+/// One finished file.
 struct FileReport {
-  std::string entry;
+  LogEntry entry;
   bool converted = false;
 };
 
@@ -76,13 +86,12 @@ class BatchDriver {
   // On the work queue.
   bool isStopped() const { return stopped_ || interruptStatus() != 0; }
   void convertFiles(const std::vector<AudioFile>& files, const BatchOptions& options);
-  std::string convertFile(InputFolder& folder, const AudioFile& file, const BatchOptions& options,
-                          const BatchInputs& inputs);
+  LogEntry convertFile(InputFolder& folder, const AudioFile& file, const BatchOptions& options,
+                       const BatchInputs& inputs);
   void reportProgress(double fraction);
   void reportReason(const ConversionError& error);
 
   void fileFinished(const FileReport& report);
-  void appendLog(const std::string& entry);
 
   BatchView& view_;
   MainQueue& mainQueue_;

@@ -1,29 +1,26 @@
 // corvana-cli: converts files and folders from the command line.
 
-#include <CLI/CLI.hpp>
 #include <cstdio>
 #include <filesystem>
 #include <map>
 #include <optional>
 #include <string>
-#include <system_error>
 #include <vector>
 
 #include "batch/batch_driver.hpp"
+#include "cli/command_line.hpp"
 #include "cli/terminal_view.hpp"
 #include "platform/bundle_info.hpp"
 #include "platform/ending.hpp"
 #include "platform/queues.hpp"
 #include "platform/standard_streams.hpp"
 #include "platform/texts.hpp"
-#include "vocabulary/screen_text.hpp"
 
 namespace {
 
 namespace fs = std::filesystem;
 
 constexpr int statusFailed = 1;
-constexpr int statusWrongUsage = 2;
 
 constexpr const char* description =
     "Converts sampled instruments between WAV and AIFF, in both directions, and keeps their\n"
@@ -63,7 +60,7 @@ struct Arguments {
 /// a bracket is a path, and means the same with "./" in front.
 std::vector<std::string> protectBrackets(int count, char** arguments) {
   std::vector<std::string> result;
-  for (int i = count - 1; i > 0; --i) {  // the parser wants them last one first
+  for (int i = 1; i < count; ++i) {
     const std::string argument = arguments[i];
     result.push_back(argument.starts_with('[') ? "./" + argument : argument);
   }
@@ -104,12 +101,7 @@ std::optional<int> parseArguments(int count, char** values, Arguments& arguments
       ->required()
       ->type_name("")
       ->option_text("...");
-  try {
-    app.parse(protectBrackets(count, values));
-  } catch (const CLI::ParseError& error) {
-    return app.exit(error) == 0 ? 0 : statusWrongUsage;
-  }
-  return std::nullopt;
+  return corvana::parseCommandLine(app, protectBrackets(count, values));
 }
 
 int convert(const Arguments& arguments) {
@@ -146,8 +138,7 @@ int main(int argumentCount, char** argumentValues) {
     Arguments arguments;
     const auto status = parseArguments(argumentCount, argumentValues, arguments);
     return status ? *status : convert(arguments);
-  } catch (const std::exception& error) {
-    std::fprintf(stderr, "corvana-cli: %s\n", error.what());
-    return statusFailed;
+  } catch (...) {
+    corvana::endForException();
   }
 }

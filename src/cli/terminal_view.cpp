@@ -15,22 +15,6 @@ constexpr std::chrono::milliseconds redrawInterval{50};
 constexpr int barWidth = 24;
 constexpr const char* eraseLine = "\r\x1b[K";
 
-/// The first `count` characters of a UTF-8 text.
-std::string firstCharacters(const std::string& text, std::size_t count) {
-  std::size_t end = 0;
-  while (end < text.size()) {
-    const bool startsCharacter = (static_cast<unsigned char>(text[end]) & 0xC0U) != 0x80U;
-    if (startsCharacter && count-- == 0) break;
-    ++end;
-  }
-  return text.substr(0, end);
-}
-
-std::string oneLine(std::string text) {
-  std::replace(text.begin(), text.end(), '\n', ' ');
-  return text;
-}
-
 std::string progressBar(double fraction) {
   std::string bar(barWidth, '.');
   std::fill_n(bar.begin(), std::lround(fraction * barWidth), '#');
@@ -56,11 +40,10 @@ void TerminalView::setProgress(double fraction) {
   draw();
 }
 
-void TerminalView::appendLog(const std::string& entry) {
+void TerminalView::appendLog(const LogEntry& entry) {
   if (logOnTerminal_) erase();
-  // Exact bytes for programs; on a screen a file name must not act as a control sequence.
-  const std::string line = (logOnTerminal_ ? readableText(entry) : entry) + "\n";
-  if (std::fwrite(line.data(), 1, line.size(), stdout) != line.size() || std::fflush(stdout) != 0)
+  const std::string text = (logOnTerminal_ ? entry.screenText() : entry.text()) + "\n";
+  if (std::fwrite(text.data(), 1, text.size(), stdout) != text.size() || std::fflush(stdout) != 0)
     logIsComplete_ = false;
 }
 
@@ -71,21 +54,22 @@ void TerminalView::reportLeftOut(const LeftOut& leftOut) {
 
 void TerminalView::reportReason(const std::string& path, const std::string& reason) {
   erase();
-  std::fprintf(stderr, "corvana-cli: %s\n", readableText(path + ": " + reason).c_str());
+  std::fprintf(stderr, "corvana-cli: %s\n", readableLine(path + ": " + reason).c_str());
 }
 
 void TerminalView::finish() {
   erase();
   if (!options_.quiet && !status_.empty())
-    std::fprintf(stderr, "%s\n", readableText(status_).c_str());
+    std::fprintf(stderr, "%s\n", readableLine(status_).c_str());
 }
 
 void TerminalView::draw() {
   const auto now = std::chrono::steady_clock::now();
   if (!drawsProgress_ || now - lastDrawn_ < redrawInterval) return;
   lastDrawn_ = now;
-  const std::string line = progressBar(progress_) + oneLine(readableText(status_));
-  std::fprintf(stderr, "%s%s", eraseLine, firstCharacters(line, terminalWidth(stderr) - 1).c_str());
+  const std::string line = progressBar(progress_) + readableLine(status_);
+  const std::string shown(firstColumns(line, terminalWidth(stderr) - 1));
+  std::fprintf(stderr, "%s%s", eraseLine, shown.c_str());
   std::fflush(stderr);
   isDrawn_ = true;
 }

@@ -22,7 +22,7 @@ class TerminalView : public BatchView {
   BatchOptions options() const override { return options_.batch; }
   void setStatus(const std::string& text) override;
   void setProgress(double fraction) override;
-  void appendLog(const std::string& entry) override;
+  void appendLog(const LogEntry& entry) override;
   void reportLeftOut(const LeftOut& leftOut) override;
   void reportReason(const std::string& path, const std::string& reason) override;
 

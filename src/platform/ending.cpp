@@ -5,8 +5,13 @@
 #include <cerrno>
 #include <csignal>
 #include <cstring>
+#include <new>
+#include <stdexcept>
+#include <string>
 #include <sys/time.h>
 #include <unistd.h>
+
+#include "vocabulary/screen_text.hpp"
 
 namespace corvana {
 namespace {
@@ -59,6 +64,28 @@ void handle(int signal, void (*handler)(int)) {
   ::pthread_sigmask(SIG_UNBLOCK, &signals, nullptr);
 }
 
+/// Past the stream's lock, which a thread that is stuck may hold.
+void say(std::string_view text) {
+  while (!text.empty()) {
+    const ssize_t written = ::write(STDERR_FILENO, text.data(), text.size());
+    if (written <= 0) return;
+    text.remove_prefix(static_cast<std::size_t>(written));
+  }
+}
+
+/// Of the exception being handled.
+std::string exceptionText() {
+  try {
+    throw;
+  } catch (const std::bad_alloc&) {
+    return "out of memory";
+  } catch (const std::exception& error) {
+    return readableLine(error.what());
+  } catch (...) {
+    return "unknown reason";
+  }
+}
+
 }  // namespace
 
 void catchInterrupts() {
@@ -89,6 +116,22 @@ int processNumber() {
 void ignoreWriteSignals() {
   std::signal(SIGPIPE, SIG_IGN);
   std::signal(SIGXFSZ, SIG_IGN);
+}
+
+void endForException() noexcept {
+  constexpr int statusFailed = 1;
+  int none = 0;
+  exitStatus.compare_exchange_strong(none, statusFailed);
+  endInTime();                                  // in case that nobody takes the message
+  if (::isatty(STDERR_FILENO) != 0) say("\n");  // behind a line of progress
+  say("Corvana cannot go on: ");
+  try {
+    say(exceptionText());
+  } catch (...) {
+    say("out of memory");
+  }
+  say("\n");
+  endAtOnce();
 }
 
 }  // namespace corvana

@@ -10,7 +10,7 @@ namespace corvana {
 void catchInterrupts();
 
 /// What a program ended by the first caught signal returns: 128 + its number; 0 while there was
-/// none. Never goes back. Any thread.
+/// none; 1 after endForException. Never goes back. Any thread.
 int interruptStatus();
 
 /// The program is on its way out. If it is still there in 0.8 seconds, it ends at once and
@@ -27,5 +27,19 @@ int processNumber();
 /// From now on a write to a reader that went away or beyond the limit on the size of files fails
 /// and does not end the program.
 void ignoreWriteSignals();
+
+/// To be called where an exception is handled that leaves no way to go on: says it on standard
+/// error and ends the program with status 1, at once, whatever its threads wait for. Any thread.
+[[noreturn]] void endForException() noexcept;
+
+/// Does work that everything after it relies on: an exception out of it ends the program.
+template <typename Work>
+void doOrEnd(const Work& work) noexcept {
+  try {
+    work();
+  } catch (...) {
+    endForException();
+  }
+}
 
 }  // namespace corvana

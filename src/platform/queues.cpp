@@ -4,6 +4,8 @@
 #include <pthread.h>
 #include <utility>
 
+#include "platform/ending.hpp"
+
 namespace corvana {
 namespace {
 
@@ -44,7 +46,7 @@ void SerialQueue::run() {
     Task task = std::move(tasks_.front());
     tasks_.pop_front();
     lock.unlock();
-    task();
+    doOrEnd(task);
     task = nullptr;
     lock.lock();
   }
@@ -72,7 +74,7 @@ void RunLoop::runUntil(const std::function<bool()>& done) {
     if (taken_.empty()) takeTasks();
     const Task task = std::move(taken_.front());
     taken_.pop_front();
-    task();
+    doOrEnd(task);
   }
 }
 

@@ -11,6 +11,7 @@
 
 namespace corvana {
 
+/// One that throws ends the program (endForException): others would wait for it for ever.
 using Task = std::function<void()>;
 
 /// Runs tasks one at a time on a thread of its own, in the order in which they were given.

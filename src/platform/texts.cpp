@@ -7,6 +7,8 @@
 #include <libintl.h>
 #include <system_error>
 
+#include "vocabulary/screen_text.hpp"
+
 namespace corvana {
 namespace {
 
@@ -36,7 +38,9 @@ std::string groupedText(std::int64_t number) {
   const int length =
       std::snprintf(text.data(), text.size(), "%'lld", static_cast<long long>(number));
 #pragma GCC diagnostic pop
-  return {text.data(), static_cast<std::size_t>(length)};
+  const std::string grouped(text.data(), static_cast<std::size_t>(length));
+  // The separator comes in the locale's character set, the texts around it are in UTF-8.
+  return readableLine(grouped) == grouped ? grouped : std::to_string(number);
 }
 
 class SystemLanguage : public Language {
@@ -55,6 +59,17 @@ const Language& systemLanguage() {
   return language;
 }
 
+std::filesystem::path catalogueFolder(const std::filesystem::path& programFolder) {
+  // Without a program's folder these would be the current one's, and anybody's.
+  if (programFolder.is_absolute()) {
+    for (const auto& folder : {programFolder / "locale", programFolder / "../share/locale"}) {
+      std::error_code error;
+      if (std::filesystem::is_directory(folder, error)) return folder;
+    }
+  }
+  return CORVANA_LOCALE_FOLDER;
+}
+
 void useSystemLanguage(const std::filesystem::path& programFolder) {
   if (std::setlocale(LC_ALL, "") == nullptr) {
     // The wanted locale is not generated on this system. Its texts can be had all the same:
@@ -64,10 +79,7 @@ void useSystemLanguage(const std::filesystem::path& programFolder) {
     if (!language.empty() && std::getenv("LANGUAGE") == nullptr)
       ::setenv("LANGUAGE", language.c_str(), 1);
   }
-  std::error_code error;
-  std::filesystem::path catalogues = programFolder / "locale";
-  if (!std::filesystem::is_directory(catalogues, error))
-    catalogues = programFolder / ".." / "share" / "locale";
+  const std::filesystem::path catalogues = catalogueFolder(programFolder);
   for (const TextTable table : {TextTable::corvana, TextTable::vantor}) {
     ::bindtextdomain(domainOf(table), catalogues.c_str());
     ::bind_textdomain_codeset(domainOf(table), "UTF-8");

@@ -16,19 +16,23 @@ enum class TextTable {
   vantor,   ///< "Vantor": the update window
 };
 
-/// Takes language and number format from the environment and finds the catalogues: beside the
-/// program in a build tree, in ../share/locale of an installation. To be called once, at the
-/// start of main, before other threads exist.
+/// Where the catalogues are: beside the program in a build tree, in ../share/locale of an
+/// installation, else where the build was to be installed. `programFolder` may be unknown (empty).
+std::filesystem::path catalogueFolder(const std::filesystem::path& programFolder);
+
+/// Takes language and number format from the environment, texts from catalogueFolder. To be called
+/// once, at the start of main, before other threads exist.
 void useSystemLanguage(const std::filesystem::path& programFolder);
 
-/// The folder of the running program.
+/// The folder of the running program; empty where the system does not tell.
 std::filesystem::path runningProgramFolder();
 
 /// The user's language for `key`, or `key` itself (English) where no catalogue has it.
 std::string localised(const char* key, TextTable table = TextTable::corvana);
 
 /// A text that depends on a number: picks the plural form for `count` and puts `count`, with
-/// digits grouped as the user's locale does, in place of "%ld". English uses `singular` for
+/// digits grouped as the user's locale does (not where it would do so with a character that is not
+/// in UTF-8), in place of "%ld". English uses `singular` for
 /// exactly 1, `plural` otherwise.
 std::string localisedCount(const char* singular, const char* plural, std::int64_t count);
 

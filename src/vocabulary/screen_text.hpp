@@ -6,8 +6,13 @@
 
 namespace corvana {
 
-/// `text` made fit for a screen: bytes that are not UTF-8 and control characters other than the
-/// line feed become U+FFFD.
+/// `text` made fit for a screen. U+FFFD stands for bytes that are not UTF-8, for control characters
+/// other than the line feed, and for characters that turn the direction of the text around them
+/// or break lines. The marks that only give themselves a direction (U+200E, U+200F, U+061C) stay:
+/// names of right-to-left scripts need them, and they do no more than a letter does.
 std::string readableText(std::string_view text);
+
+/// The same for a text of one line: U+FFFD stands for a line feed as well.
+std::string readableLine(std::string_view text);
 
 }  // namespace corvana

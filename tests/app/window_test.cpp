@@ -52,7 +52,7 @@ class Window : public testing::Test {
   }
   /// As the driver does it.
   void appendLog(const std::string& entry) {
-    controller().appendLog(entry);
+    controller().appendLog({{entry}});
     controller().showChanges();
   }
   static void click(QCheckBox& checkbox) {
@@ -110,7 +110,8 @@ TEST_F(Window, ShowsHostileNamesAsTheyAre) {
   const fs::path file = folder.write("<b>bold<b>\x1B[2J\nsecond line\xFF.wav", shortWav());
   controller().processURLs({file});
   waitForEnd();
-  EXPECT_TRUE(log().startsWith("<b>bold<b>\uFFFD[2J\nsecond line\uFFFD.wav => <b>bold<b>\uFFFD"))
+  EXPECT_TRUE(
+      log().startsWith("<b>bold<b>\uFFFD[2J\uFFFDsecond line\uFFFD.wav => <b>bold<b>\uFFFD"))
       << log().toStdString();
   EXPECT_EQ(controller().statusLabel->textFormat(), Qt::PlainText);
   EXPECT_EQ(controller().statusLabel->minimumSizeHint().width(), 0)

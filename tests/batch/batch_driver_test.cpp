@@ -22,9 +22,9 @@ class RecordingView : public BatchView {
   }
   void setStatus(const std::string& text) override { events.push_back(text); }
   void setProgress(double fraction) override { events.push_back(line("bar ", fraction)); }
-  void appendLog(const std::string& entry) override {
-    events.push_back("log " + entry);
-    log.push_back(entry);
+  void appendLog(const LogEntry& entry) override {
+    events.push_back("log " + entry.text());
+    log.push_back(entry.text());
   }
 
   bool subfolder = false;
@@ -65,6 +65,12 @@ TEST_F(Driver, ShowsAFileStepByStep) {
               "bar 1", "Done – 1 file processed.", "bar 1"}));
   EXPECT_EQ(driver.finishedFiles(), 0);
   EXPECT_EQ(driver.failedFiles(), 0);
+}
+
+TEST(LogEntry, NoNamePassesForAFurtherLineOnAScreen) {
+  const LogEntry entry{{"a\n✗ b => \u202Ec", "   ⚠ d\x1b"}};
+  EXPECT_EQ(entry.text(), "a\n✗ b => \u202Ec\n   ⚠ d\x1b") << "exact bytes";
+  EXPECT_EQ(entry.screenText(), "a\uFFFD✗ b => \uFFFDc\n   ⚠ d\uFFFD");
 }
 
 TEST_F(Driver, GoesOnAfterABrokenFile) {

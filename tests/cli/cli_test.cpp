@@ -1,10 +1,12 @@
 // Runs the program as a shell would and looks at what comes out.
 
+#include <array>
 #include <chrono>
 #include <csignal>
 #include <fcntl.h>
 #include <functional>
 #include <gtest/gtest.h>
+#include <pty.h>
 #include <sys/resource.h>
 #include <sys/wait.h>
 #include <thread>
@@ -84,6 +86,7 @@ TEST_F(Program, ExitStatusTellsWhetherAllWentWell) {
   writeWav("good.wav");
   in.write("bad.wav", "");
   in.write("notes.txt", "");
+  writeWav("-dash.wav");
   const struct {
     std::vector<std::string> arguments;
     int status;
@@ -98,6 +101,10 @@ TEST_F(Program, ExitStatusTellsWhetherAllWentWell) {
       {{"notes.txt", "good.wav"}, 0, "good.wav => ", "corvana-cli: notes.txt: Not a WAV or AIFF"},
       {{}, 2, "", "PATH"},
       {{"--unknown", "good.wav"}, 2, "", "--unknown"},
+      {{"x", "-\x1b]0;\u202E\nforged"}, 2, "", ": -\uFFFD]0;\uFFFD\uFFFDforged\nRun with"},
+      {{"no\x1b\nforged.wav"}, 1, "", "corvana-cli: no\uFFFD\uFFFDforged.wav: No such file"},
+      {{"-dash.wav"}, 2, "", "is given as \"./-dash.wav\".\n"},
+      {{"./-dash.wav"}, 0, "-dash.wav => ", ""},
       {{"--version"}, 0, "corvana-cli ", ""},
       {{"--help"}, 0, "Exit status:", ""},
       {{"good.wav"}, 0, "good.wav => ", "Done – 1 file processed.\n"},
@@ -177,9 +184,71 @@ TEST_F(Program, ReportsALogThatNobodyTakes) {
     const Outcome outcome = run({"--quiet", "--overwrite", "a.wav"}, prepare);
     EXPECT_EQ(outcome.status, 1);
     EXPECT_EQ(outcome.errors, "corvana-cli: the log could not be written completely\n");
+    for (const char* option : {"--help", "--version"})
+      EXPECT_EQ(run({option}, prepare).status, 1) << option;
   }
-  EXPECT_EQ(run({"--overwrite", "a.wav"}, [] { ::close(1); }).status, 0);
-  EXPECT_EQ(firstBytes(readFile(in / "a.aif"), 4), text("FORM")) << "no log among the samples";
+}
+
+TEST_F(Program, WorksWithoutAStandardStream) {
+  writeWav("🎹.wav");
+  for (const int stream : {0, 1, 2}) {
+    const Outcome outcome = run({"--overwrite", "🎹.wav"}, [stream] { ::close(stream); });
+    EXPECT_EQ(outcome.status, stream == 1 ? 1 : 0);
+    EXPECT_EQ(outcome.output, stream == 1 ? "" : "🎹.wav => 🎹.aif" + summary);
+    EXPECT_EQ(firstBytes(readFile(in / "🎹.aif"), 4), text("FORM")) << "no log among the samples";
+  }
+}
+
+/// Columns of a text of the names below, and what the program says about them.
+std::size_t columnsOf(std::string_view text) {
+  std::size_t columns = 0;
+  for (const char c : text) {
+    const auto byte = static_cast<unsigned char>(c);
+    if ((byte & 0xC0U) != 0x80) columns += byte == 0xE9 || byte == 0xF0 ? 2 : 1;
+  }
+  return columns;
+}
+
+TEST_F(Program, KeepsItsLinesOnATerminal) {
+  const std::string hostile = "\x1b]0;pwn\a\n✗ forged";
+  writeWav(hostile + ".wav");
+  const std::string big = "x音音音音🎹🎹🎹🎹音音音音.wav";
+  in.write(big, wav({fmt({}), bytes("'data' FF FF FF EF")}));
+  fs::resize_file(in / big, 3'900'000'000);
+
+  constexpr winsize window{25, 60, 0, 0};
+  int terminal = -1;
+  const pid_t child = ::forkpty(&terminal, nullptr, nullptr, &window);
+  if (child == 0) {
+    if (::chdir(in.path().c_str()) != 0) ::_exit(99);
+    ::setenv("LC_ALL", "C", 1);
+    ::execl(CORVANA_CLI, CORVANA_CLI, (hostile + ".wav").c_str(), big.c_str(), nullptr);
+    ::_exit(99);
+  }
+  std::string screen;
+  bool isStopped = false;
+  std::array<char, 4096> part{};
+  for (ssize_t length = 0; (length = ::read(terminal, part.data(), part.size())) > 0;) {
+    screen.append(part.data(), static_cast<std::size_t>(length));
+    if (!isStopped && screen.find("x音") != std::string::npos)
+      isStopped = ::kill(child, SIGINT) == 0;
+  }
+  ::close(terminal);
+  int status = 0;
+  ::waitpid(child, &status, 0);
+  EXPECT_EQ(WEXITSTATUS(status), 130);
+
+  const std::string shown = "\uFFFD]0;pwn\uFFFD\uFFFD✗ forged";
+  EXPECT_NE(screen.find("\x1b[K" + shown + ".wav => " + shown + ".aif  [16"), std::string::npos);
+  EXPECT_NE(screen.find("Converting x音音"), std::string::npos) << screen;
+  constexpr std::string_view erase = "\r\x1b[K";
+  for (std::size_t at = screen.find(erase); at != std::string::npos;) {
+    const std::size_t next = screen.find(erase, at + 1);
+    const std::string drawn = screen.substr(at + erase.size(), next - at - erase.size());
+    EXPECT_EQ(drawn.find('\x1b'), std::string::npos);
+    EXPECT_TRUE(!drawn.starts_with('[') || columnsOf(drawn) < window.ws_col) << drawn;
+    at = next;
+  }
 }
 
 TEST_F(Program, ALimitOnTheSizeOfFilesFailsTheFile) {
@@ -262,10 +331,17 @@ TEST_F(Program, SpeaksTheUsersLanguage) {
   if (!fs::exists(fs::path(CORVANA_CLI).parent_path() / "locale/de/LC_MESSAGES/Corvana.mo"))
     GTEST_SKIP() << "built without the German catalogue";
   in.write("bad.wav", "");
-  const Outcome german = run({"bad.wav"}, [] { ::setenv("LANGUAGE", "de", 1); });
-  EXPECT_TRUE(german.output.starts_with("✗ bad.wav: ")) << german.output;
-  EXPECT_EQ(german.output.find("Unsupported format"), std::string::npos);
-  EXPECT_EQ(german.errors.find("processed"), std::string::npos);
+  const std::function<void()> wanted = [] { ::setenv("LANGUAGE", "de", 1); };
+  const std::function<void()> notGenerated = [] {
+    ::setenv("LC_ALL", "de_DE.UTF-8", 1);
+    ::setenv("LOCPATH", "/nowhere", 1);
+  };
+  for (const auto& prepare : {wanted, notGenerated}) {
+    const Outcome german = run({"bad.wav"}, prepare);
+    EXPECT_TRUE(german.output.starts_with("✗ bad.wav: ")) << german.output;
+    EXPECT_EQ(german.output.find("Unsupported format"), std::string::npos);
+    EXPECT_EQ(german.errors.find("processed"), std::string::npos);
+  }
 }
 
 TEST_F(Program, ConvertsTheExampleInstrumentsThereAndBack) {

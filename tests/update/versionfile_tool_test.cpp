@@ -34,7 +34,7 @@ class VersionfileTool : public testing::Test {
 };
 
 constexpr const char* plain =
-    "$APP$:Corvana\n$VERMAC$ 1.2\n$INFOMAC$ Faster.\n"
+    "$APP$:Corvana\n$VERMAC$ 1.2.0\n$INFOMAC$ Faster.\n"
     "$URLMAC$ https://www.corvana.example/d\n$URLINFO$ https://www.corvana.example/\n$\n";
 
 TEST_F(VersionfileTool, ScramblesUnscramblesAndChecks) {
@@ -44,13 +44,13 @@ TEST_F(VersionfileTool, ScramblesUnscramblesAndChecks) {
   EXPECT_EQ(back.status, 0);
   EXPECT_EQ(back.output, plain);
 
-  const Outcome newer = run("TOOL check server.txt --installed 1.1");
+  const Outcome newer = run("TOOL check server.txt --installed 1.1.0");
   EXPECT_EQ(newer.status, 0);
-  EXPECT_NE(newer.output.find("\nRelease Notes:\nCorvana 1.2\n"), std::string::npos);
+  EXPECT_NE(newer.output.find("\nRelease Notes:\nCorvana 1.2.0\n"), std::string::npos);
 
-  EXPECT_NE(run("TOOL check server.txt --installed 1.2").output.find("latest version 1.2.\n"),
+  EXPECT_NE(run("TOOL check server.txt --installed 1.2.0").output.find("latest version 1.2.0.\n"),
             std::string::npos);
-  const Outcome other = run("TOOL check server.txt --app Vantor --installed 1.2");
+  const Outcome other = run("TOOL check server.txt --app Vantor --installed 1.2.0");
   EXPECT_EQ(other.status, 1);
   EXPECT_NE(other.output.find("has no record of \"Vantor\""), std::string::npos);
 }
@@ -73,6 +73,37 @@ TEST_F(VersionfileTool, NamesThePlaceOfWhatWouldNotSurvive) {
   }
 }
 
+TEST_F(VersionfileTool, CheckSaysWhatAFileSuffersFrom) {
+  folder.write("plain.txt", plain);
+  ASSERT_EQ(run("TOOL scramble plain.txt > ok && printf '\\357\\273\\277' | cat - ok > bom && "
+                "(cat ok; echo) > feed")
+                .status,
+            0);
+  folder.write("other.txt", "$APP$:Corvana\n$VERMAC$ 1.2$\n$APP$:Vantor\n$VERMAC$ 3\n$");
+  ASSERT_EQ(run("TOOL scramble other.txt > two").status, 0);
+  const struct {
+    const char* line;
+    int status;
+    const char* message;  ///< part of it; none at all where empty
+  } cases[] = {
+      {"check ok --installed 1.2.0", 0, ""},
+      {"check bom --installed 1.2.0", 1, "bom: a byte-order mark precedes"},
+      {"check feed --installed 1.2.0", 1, "feed:1:77: a line break"},
+      {"unscramble feed", 1, "feed:1:77: a line break"},
+      {"check two --installed 1.0.0", 0, "two: version \"1.2\" is not three numbers"},
+      {"check ok --installed 1.0", 0, "--installed: version \"1.0\" is not three numbers"},
+      {"unscramble 'no\x1b\nforged'", 1, "corvana-versionfile: no\uFFFD\uFFFDforged: cannot"},
+      {"check ok --installed '\x1b\n'", 2, "not a version: \uFFFD\uFFFD\n"},
+  };
+  for (const auto& c : cases) {
+    const Outcome outcome = run(std::string("TOOL ") + c.line);
+    EXPECT_EQ(outcome.status, c.status) << outcome.output;
+    EXPECT_NE(outcome.output.find(c.message), std::string::npos) << outcome.output;
+    EXPECT_EQ(outcome.output.find("versionfile:") == std::string::npos,
+              *c.message == 0 || c.status == 2);
+  }
+}
+
 TEST_F(VersionfileTool, ExitStatusTellsFaultsFromWrongUsage) {
   folder.write("binary", "\xEF\xBF\xBD");
   folder.write("empty", "");
@@ -80,7 +111,7 @@ TEST_F(VersionfileTool, ExitStatusTellsFaultsFromWrongUsage) {
   const std::pair<int, std::vector<const char*>> cases[] = {
       {0, {"unscramble empty", "scramble empty > /dev/full", "--help"}},
       {1, {"unscramble binary", "check empty --installed 1", "scramble missing", "scramble ."}},
-      {1, {"scramble plain > /dev/full"}},
+      {1, {"scramble plain > /dev/full", "--help > /dev/full"}},
       {2, {"check plain --installed beta", ""}},
   };
   for (const auto& [status, lines] : cases)

@@ -47,7 +47,10 @@ TEST(ScreenText, ReadableTextDrivesNoTerminal) {
       {"Flügel – 音.wav\n🎹", "Flügel – 音.wav\n🎹"},
       {"\x1b[2Jx\r\t\x7f", bad + "[2Jx" + bad + bad + bad},
       {"a\0b"sv, "a" + bad + "b"},
-      {"\xC2\x9B|\xC2\xA0", bad + "|\xC2\xA0"},               // a one-character escape; a blank
+      {"\xC2\x9B|\xC2\xA0", bad + "|\xC2\xA0"},  // a one-character escape; a blank
+      {"\u2027\u2028\u2029\u202A\u202E\u202F", "\u2027" + bad + bad + bad + bad + "\u202F"},
+      {"\u2065\u2066\u2069\u206A", "\u2065" + bad + bad + "\u206A"},
+      {"\u200E\u200F\u061C", "\u200E\u200F\u061C"},
       {"\xE9t\xE9", bad + "t" + bad},                         // Latin-1
       {"\xE2\x82", bad + bad},                                // cut
       {"\xC0\xAF\xE0\x80\x80", bad + bad + bad + bad + bad},  // overlong
@@ -56,6 +59,7 @@ TEST(ScreenText, ReadableTextDrivesNoTerminal) {
   };
   for (const auto& [text, readable] : cases)
     EXPECT_EQ(readableText(text), readable);
+  EXPECT_EQ(readableLine("\na\n🎹\x1b\n"), bad + "a" + bad + "🎹" + bad + bad);
 }
 
 TEST(Warnings, AreCountedBeyondTheirLimit) {

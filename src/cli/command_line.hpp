@@ -1,0 +1,16 @@
+// What every program of ours makes of its arguments, whatever they hold.
+#pragma once
+
+#include <CLI/CLI.hpp>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace corvana {
+
+/// Parses the arguments behind the program's name. Where the program is to end now, prints help or
+/// version on standard output or the mistake on standard error, and gives the exit status: 0, 1
+/// where standard output takes nothing, 2 for wrong usage.
+std::optional<int> parseCommandLine(CLI::App& app, const std::vector<std::string>& arguments);
+
+}  // namespace corvana
