@@ -8,6 +8,7 @@
 #include <cmath>
 #include <utility>
 
+#include "app/clash_question.hpp"
 #include "app/open_panel.hpp"
 #include "app/qt_values.hpp"
 #include "platform/bundle_info.hpp"
@@ -111,6 +112,19 @@ void ViewController::setProgress(double fraction) {
 
 void ViewController::appendLog(const LogEntry& entry) {
   changes_.log += entry.screenText() + '\n';
+}
+
+void ViewController::confirmReplacingInputs(const NameClash& example,
+                                            const std::function<void(InputClash)>& answer) {
+  const auto ask = [this, example, answer] {
+    auto* question = new ClashQuestion(example, window());
+    connect(question, &ClashQuestion::answered, this, [this, answer](InputClash clash) {
+      answer(clash);
+      showChanges();
+    });
+    question->open();  // modal to its window only
+  };
+  QMetaObject::invokeMethod(this, ask, Qt::QueuedConnection);
 }
 
 void ViewController::showChanges() {

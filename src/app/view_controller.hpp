@@ -60,6 +60,10 @@ class ViewController : public DropViewDelegate, public BatchView {
   void setStatus(const std::string& text) override;
   void setProgress(double fraction) override;
   void appendLog(const LogEntry& entry) override;
+  /// Asks the user when the event loop runs next: a window that is just being made is shown then,
+  /// and whoever handed the files over has been answered.
+  void confirmReplacingInputs(const NameClash& example,
+                              const std::function<void(InputClash)>& answer) override;
 
   /// Brings the views up to date. Happens by itself after each batch of the driver's posts.
   void showChanges();

@@ -90,11 +90,11 @@ void BatchDriver::processURLs(const std::vector<fs::path>& urls) {
     return;
   }
   const Files files = std::make_shared<const std::vector<AudioFile>>(std::move(found.files));
-  if (!options.overwrite || !wantEachOthersNames(*files, options.useSubfolder))
-    return start(files, options);
-  view_.confirmReplacingInputs([this, files, options](InputClash clash) {
+  const auto clash = options.overwrite ? findNameClash(*files, options.useSubfolder) : std::nullopt;
+  if (!clash) return start(files, options);
+  view_.confirmReplacingInputs(*clash, [this, files, options](InputClash answer) {
     BatchOptions confirmed = options;
-    confirmed.clash = clash;
+    confirmed.clash = answer;
     start(files, confirmed);
   });
 }

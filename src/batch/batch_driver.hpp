@@ -42,9 +42,10 @@ class BatchView {
   virtual void reportLeftOut(const LeftOut&) {}
   /// Why the system could not write an output; the log names the file only.
   virtual void reportReason(const std::string& /*path*/, const std::string& /*reason*/) {}
-  /// Inputs of a batch would be replaced by the outputs of others. `answer` says what is to become
-  /// of them and starts the batch, at once or later; without it, nothing starts.
-  virtual void confirmReplacingInputs(const std::function<void(InputClash)>& answer) {
+  /// Inputs of a batch would be replaced by the outputs of others, such as `example`. `answer` says
+  /// what is to become of them and starts the batch, at once or later; without it, nothing starts.
+  virtual void confirmReplacingInputs(const NameClash& /*example*/,
+                                      const std::function<void(InputClash)>& answer) {
     answer(options().clash);
   }
 };

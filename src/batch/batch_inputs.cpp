@@ -1,7 +1,7 @@
 #include "batch/batch_inputs.hpp"
 
 #include <algorithm>
-#include <unordered_set>
+#include <string_view>
 
 #include "batch/output_url.hpp"
 
@@ -21,17 +21,20 @@ bool BatchInputs::contains(const Folder& folder, const std::string& name) const 
   });
 }
 
-bool wantEachOthersNames(const std::vector<AudioFile>& files, bool useSubfolder) {
-  std::unordered_set<std::string> inputs;
+std::optional<NameClash> findNameClash(const std::vector<AudioFile>& files, bool useSubfolder) {
+  std::unordered_map<std::string, std::string_view> inputs;
   for (const AudioFile& file : files)
-    inputs.insert(foldedName(file.path));
-  return std::any_of(files.begin(), files.end(), [&](const AudioFile& file) {
-    const std::filesystem::path path(file.path);
-    const bool isAIFF = foldedName(path.extension().native()).starts_with(".a");
-    return inputs.contains(foldedName(
-        (path.parent_path() / outputSubfolder(isAIFF, useSubfolder) / outputName(path.filename().native(), isAIFF))
-            .native()));
-  });
+    inputs.emplace(foldedName(file.path), file.name());
+  for (const AudioFile& file : files) {
+    const std::string_view name = file.name();
+    const bool isAIFF = foldedName(name.substr(name.rfind('.'))).starts_with(".a");
+    std::string output(file.path, 0, file.path.size() - name.size());
+    if (useSubfolder) output += outputSubfolder(isAIFF, useSubfolder) + '/';
+    output += outputName(name, isAIFF);
+    if (const auto other = inputs.find(foldedName(output)); other != inputs.end())
+      return NameClash{std::string(name), std::string(other->second)};
+  }
+  return std::nullopt;
 }
 
 }  // namespace corvana

@@ -1,6 +1,7 @@
 // The inputs of one batch, asked whether a name of an output is one of theirs.
 #pragma once
 
+#include <optional>
 #include <string>
 #include <unordered_map>
 #include <vector>
@@ -22,7 +23,14 @@ class BatchInputs {
   std::unordered_multimap<std::string, const AudioFile*> filesOfName_;  ///< by foldedName
 };
 
-/// Whether the outputs of some files would have the names of others, as far as extensions tell.
-bool wantEachOthersNames(const std::vector<AudioFile>& files, bool useSubfolder);
+/// An input whose output would have the name of another one; both without their folders.
+struct NameClash {
+  std::string input;
+  std::string other;
+};
+
+/// The first case of it among `files`, as far as extensions tell. Rather one too many than none,
+/// since file systems differ in which names are the same (foldedName).
+std::optional<NameClash> findNameClash(const std::vector<AudioFile>& files, bool useSubfolder);
 
 }  // namespace corvana

@@ -3,11 +3,13 @@
 #include <QClipboard>
 #include <QElapsedTimer>
 #include <QFileDialog>
+#include <QPushButton>
 #include <QScrollBar>
 #include <QSettings>
 #include <gtest/gtest.h>
 #include <optional>
 
+#include "app/clash_question.hpp"
 #include "app/drags.hpp"
 #include "app/main_window.hpp"
 #include "support/audio_builder.hpp"
@@ -49,6 +51,13 @@ class Window : public testing::Test {
   }
   void waitForEnd() {
     EXPECT_TRUE(QTest::qWaitFor([&] { return controller().driver().totalFiles() == 0; }, patience));
+  }
+  QList<ClashQuestion*> questions() { return window->findChildren<ClashQuestion*>(); }
+  ClashQuestion* question() { return questions().value(0); }
+  void answer(const QString& button) {
+    for (QAbstractButton* candidate : question()->buttons())
+      if (candidate->text() == button) candidate->click();
+    EXPECT_TRUE(QTest::qWaitFor([&] { return question() == nullptr; }, patience)) << "still asks";
   }
   /// As the driver does it.
   void appendLog(const std::string& entry) {
@@ -164,6 +173,82 @@ TEST_F(Window, TakesOverFilesOpenedBeforeItWasThere) {
   EXPECT_EQ(controller().driver().totalFiles(), 2);
   waitForEnd();
   EXPECT_EQ(status(), "Done – 2 files processed.");
+}
+
+TEST_F(Window, AsksBeforeInputsAreReplaced) {
+  enum { overwrites = 1, usesSubfolder = 2 };
+  using Names = std::vector<std::string>;
+  const struct {
+    int options;
+    const char* answer;  ///< null: no question is expected
+    std::int64_t converted;
+    Names files;
+    bool keepsOriginals;
+  } cases[] = {
+      {overwrites, "&Keep Both", 2, {"a (1).aif", "a (1).wav", "a.aif", "a.wav"}, true},
+      {overwrites, "&Replace", 2, {"a.aif", "a.wav"}, false},
+      {overwrites, "&Cancel", 0, {"a.aif", "a.wav"}, true},
+      {overwrites | usesSubfolder, nullptr, 2, {"AIFF/a.aif", "WAV/a.wav", "a.aif", "a.wav"}, true},
+      {0, nullptr, 2, {"a (1).aif", "a (1).wav", "a.aif", "a.wav"}, true},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(testing::Message() << c.options << (c.answer ? c.answer : ""));
+    const TemporaryFolder inputs;
+    const ByteBuffer aiffInput = aiff({comm({.frames = 3, .bits = 8}), ssnd({1, 2, 3})});
+    const fs::path aif = inputs.write("a.aif", aiffInput);
+    const fs::path wav = inputs.write("a.wav", shortWav());
+    makeWindow();
+    controller().overwriteCheckbox->setChecked((c.options & overwrites) != 0);
+    controller().subfolderCheckbox->setChecked((c.options & usesSubfolder) != 0);
+    dragAndDrop(*controller().dropView, {wav, aif});
+    if (c.answer) {
+      ASSERT_TRUE(QTest::qWaitFor([&] { return question() != nullptr; }, patience));
+      EXPECT_EQ(controller().driver().totalFiles(), 0) << "nothing before the answer";
+      answer(c.answer);
+    } else {
+      QCoreApplication::processEvents();
+      EXPECT_EQ(question(), nullptr);
+    }
+    EXPECT_EQ(controller().driver().totalFiles(), c.converted);
+    waitForEnd();
+    EXPECT_EQ(log().count('\n'), c.converted);
+    EXPECT_EQ(status(), c.converted == 0 ? "Ready." : "Done – 2 files processed.");
+    EXPECT_EQ(inputs.files(), c.files);
+    EXPECT_EQ(readFile(aif) == aiffInput && readFile(wav) == shortWav(), c.keepsOriginals);
+  }
+}
+
+TEST_F(Window, EachBatchHasAQuestionOfItsOwn) {
+  QSettings().setValue("OverwriteExisting", true);
+  const auto writePair = [&](const std::string& name) {
+    return std::vector<fs::path>{folder.write(name + ".wav", shortWav()),
+                                 folder.write(name + ".aif", shortWav())};
+  };
+  appDelegate.openFiles(writePair("<b>long & bold" + std::string(200, 'x')));
+  makeWindow();
+  EXPECT_EQ(question(), nullptr) << "not before the window is there";
+  ASSERT_TRUE(QTest::qWaitFor([&] { return question() != nullptr; }, patience));
+  EXPECT_TRUE(question()->text().contains("<b>long & b"));
+  EXPECT_EQ(question()->textFormat(), Qt::PlainText);
+  EXPECT_LT(question()->width(), window->width());
+
+  appDelegate.openFiles(writePair("2"));
+  ASSERT_TRUE(QTest::qWaitFor([&] { return questions().size() == 2; }, patience));
+  EXPECT_EQ(questions()[1]->defaultButton()->text(), "&Keep Both");
+  QTest::keyClick(questions()[1], Qt::Key_Escape);
+  ASSERT_TRUE(QTest::qWaitFor([&] { return questions().size() == 1; }, patience));
+  EXPECT_EQ(controller().driver().totalFiles(), 0) << "Escape cancels";
+  answer("&Keep Both");
+  EXPECT_EQ(controller().driver().totalFiles(), 2) << "the other batch goes its way";
+  waitForEnd();
+
+  appDelegate.openFiles(writePair("3"));
+  ASSERT_TRUE(QTest::qWaitFor([&] { return question() != nullptr; }, patience));
+  appDelegate.openFiles(writePair("4"));
+  window->close();
+  window.reset();
+  QCoreApplication::processEvents();
+  EXPECT_FALSE(fs::exists(folder / "3 (1).aif"));
 }
 
 TEST_F(Window, EndsWithinASecondWhileConverting) {

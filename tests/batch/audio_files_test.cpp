@@ -103,6 +103,34 @@ TEST(AudioFiles, NamesTheOutput) {
   }
 }
 
+TEST(AudioFiles, FindsInputsThatOutputsMayReplace) {
+  const struct {
+    std::vector<const char*> inputs;
+    const char* beside;       ///< the clash where outputs are written beside the inputs
+    const char* inSubfolder;  ///< and where they go into subfolders
+  } cases[] = {
+      {{"/x/a.wav", "/x/b.aif", "/x/a.aif"}, "a.wav a.aif", ""},
+      {{"a.aifc", "a.wav"}, "a.aifc a.wav", ""},
+      {{"/x/Kick.AIFF", "/x/KICK.Wav"}, "Kick.AIFF KICK.Wav", ""},
+      {{"/x/a.wave", "/x/a.wav", "/x/a.aiff/b.aif"}, "", ""},
+      {{"/x/a.wave", "/x/a.aiff"}, "", ""},
+      {{"/x/a.wav", "/y/a.aif"}, "", ""},
+      {{"/x/AIFF/a.aif", "/x/a.wav"}, "", "a.wav a.aif"},
+      {{"a.aiff", "WAV/a.WAV"}, "", "a.aiff a.WAV"},
+  };
+  for (const auto& c : cases) {
+    std::vector<AudioFile> files;
+    for (const char* path : c.inputs)
+      files.push_back({path});
+    const auto found = [&](bool useSubfolder) {
+      const auto clash = findNameClash(files, useSubfolder);
+      return clash ? clash->input + " " + clash->other : "";
+    };
+    EXPECT_EQ(found(false), c.beside) << c.inputs[0];
+    EXPECT_EQ(found(true), c.inSubfolder) << c.inputs[0];
+  }
+}
+
 TEST(AudioFiles, NoLinkLeadsTheOutputToTheInput) {
   const TemporaryFolder folder;
   const fs::path input = folder.write("song.wav", "");
