@@ -1,6 +1,7 @@
-// The real window without a screen, without a session bus, with preferences of its own.
+// The real window without a screen, a session bus or a network, with preferences of its own.
 
 #include <QApplication>
+#include <QNetworkProxy>
 #include <QSettings>
 #include <gtest/gtest.h>
 
@@ -9,12 +10,15 @@
 int main(int argumentCount, char** argumentValues) {
   qputenv("QT_QPA_PLATFORM", "offscreen");
   qputenv("DBUS_SESSION_BUS_ADDRESS", "disabled:");
+  const corvana::test::TemporaryFolder folder;
+  qputenv("XDG_RUNTIME_DIR", folder.path().c_str());
   QApplication application(argumentCount, argumentValues);
+  // Names are left to the proxy, which is not there.
+  QNetworkProxy::setApplicationProxy({QNetworkProxy::HttpProxy, "127.0.0.1", 1});
   QCoreApplication::setOrganizationName("Corvana");
   QCoreApplication::setApplicationName("Corvana");
-  const corvana::test::TemporaryFolder preferences;
   QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope,
-                     QString::fromStdString(preferences.path().native()));
+                     QString::fromStdString(folder.path().native()));
   testing::InitGoogleTest(&argumentCount, argumentValues);
   return RUN_ALL_TESTS();
 }
