@@ -43,19 +43,20 @@ FoundFiles collectAudioFiles(const std::vector<fs::path>& urls) {
     found.leftOut.push_back(
         {std::string(path), std::generic_category().message(errorNumber), true});
   };
-  const FolderVisitor visitor{
-      .file =
-          [&](std::string_view path) {
-            if (hasAudioExtension(path)) found.files.push_back({std::string(path), namedLength});
-          },
-      .folder =
-          [](std::string_view name) {
-            const bool isOutput =
-                std::find(std::begin(outputFolderNames), std::end(outputFolderNames), name) !=
-                std::end(outputFolderNames);
-            return isOutput ? Descend::no : Descend::yes;
-          },
-      .unreadable = leaveOut};
+  const FolderVisitor visitor{.file =
+                                  [&](std::string_view path) {
+                                    if (hasAudioExtension(path))
+                                      found.files.push_back({std::string(path), namedLength});
+                                  },
+                              .folder =
+                                  [](std::string_view name) {
+                                    const bool isOutput =
+                                        std::find(std::begin(outputFolderNames),
+                                                  std::end(outputFolderNames),
+                                                  name) != std::end(outputFolderNames);
+                                    return isOutput ? Descend::no : Descend::yes;
+                                  },
+                              .unreadable = leaveOut};
   for (const fs::path& url : urls) {
     std::error_code error;
     const fs::file_status status = fs::status(url, error);

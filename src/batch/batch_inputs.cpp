@@ -28,9 +28,9 @@ bool wantEachOthersNames(const std::vector<AudioFile>& files, bool useSubfolder)
   return std::any_of(files.begin(), files.end(), [&](const AudioFile& file) {
     const std::filesystem::path path(file.path);
     const bool isAIFF = foldedName(path.extension().native()).starts_with(".a");
-    return inputs.contains(foldedName(
-        (path.parent_path() / outputSubfolder(isAIFF, useSubfolder) / outputName(path.filename().native(), isAIFF))
-            .native()));
+    return inputs.contains(foldedName((path.parent_path() / outputSubfolder(isAIFF, useSubfolder) /
+                                       outputName(path.filename().native(), isAIFF))
+                                          .native()));
   });
 }
 

@@ -71,8 +71,8 @@ void OutputFile::createInPlace() {
 void OutputFile::createHidden() {
   static std::atomic<unsigned> counter = 0;
   for (;;) {
-    std::string name = ".corvana-" + std::to_string(processNumber()) + "-" +
-                       std::to_string(++counter);
+    std::string name =
+        ".corvana-" + std::to_string(processNumber()) + "-" + std::to_string(++counter);
     std::optional<FileDescriptor> file = create(name);
     if (!file) continue;
     setUnfinishedFile(folder().number(), name.c_str());

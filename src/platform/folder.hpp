@@ -73,8 +73,8 @@ class Folder {
 /// std::system_error.
 Folder openFoundFolder(std::string_view path, std::size_t namedLength);
 
-/// Makes the folders of the relative `path`, one inside the other, where they are missing. Fails with
-/// a FileError.
+/// Makes the folders of the relative `path`, one inside the other, where they are missing. Fails
+/// with a FileError.
 Folder makeFolders(const Folder& folder, const std::filesystem::path& path);
 
 /// The system's reason, as a person understands it.
