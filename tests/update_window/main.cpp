@@ -2,14 +2,13 @@
 
 #include <QApplication>
 #include <QNetworkProxy>
+#include <QTemporaryDir>
 #include <gtest/gtest.h>
-
-#include "support/temporary_folder.hpp"
 
 int main(int argumentCount, char** argumentValues) {
   qputenv("QT_QPA_PLATFORM", "offscreen");
-  const corvana::test::TemporaryFolder folder;
-  qputenv("XDG_RUNTIME_DIR", folder.path().c_str());
+  const QTemporaryDir folder;
+  qputenv("XDG_RUNTIME_DIR", folder.path().toUtf8());
   QApplication application(argumentCount, argumentValues);
   QNetworkProxy::setApplicationProxy(QNetworkProxy::NoProxy);
   testing::InitGoogleTest(&argumentCount, argumentValues);
