@@ -11,10 +11,10 @@
 
 namespace corvana::test {
 
-/// A server's configuration with a certificate for `name`, made with the openssl program. An
-/// authority signs it that every request of this program trusts from now on, it alone; without
-/// trust the certificate signs itself.
-QSslConfiguration certificate(const QString& name = "IP:127.0.0.1", bool isTrusted = true);
+/// A server's configuration with a certificate made with the openssl program. An authority signs
+/// it that every request of this program trusts from now on, it alone; without trust the
+/// certificate signs itself.
+QSslConfiguration certificate(bool isTrusted = true);
 
 /// Answers every request with what `answer` gives for its path, byte for byte, and hangs up.
 /// An empty answer leaves the client waiting.
