@@ -1,15 +1,15 @@
 // The real window without a screen, without a session bus, with preferences of its own.
 
-#include <QApplication>
 #include <QSettings>
 #include <gtest/gtest.h>
 
+#include "app/application.hpp"
 #include "support/temporary_folder.hpp"
 
 int main(int argumentCount, char** argumentValues) {
   qputenv("QT_QPA_PLATFORM", "offscreen");
   qputenv("DBUS_SESSION_BUS_ADDRESS", "disabled:");
-  QApplication application(argumentCount, argumentValues);
+  corvana::Application application(argumentCount, argumentValues);
   QCoreApplication::setOrganizationName("Corvana");
   QCoreApplication::setApplicationName("Corvana");
   const corvana::test::TemporaryFolder preferences;

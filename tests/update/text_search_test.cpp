@@ -15,18 +15,12 @@ TEST(FindPosition, FindsFromTheStartPositionOnInAnyCase) {
     std::int64_t start;
     std::int64_t position;
   } cases[] = {
-      {u"abcabc", u"abc", 4, 4},
-      {u"abcabc", u"abc", 5, 0},
-      {u"abcabc", u"abc", -7, 1},
-      {u"abcabc", u"c", 6, 6},
-      {u"abc", u"abcd", 1, 0},
-      {u"abc", u"", 1, 0},
-      {u"aab", u"ab", 1, 2},
-      {u"AzZ", u"aZz", 1, 1},
-      {u"@", u"`", 1, 0},
-      {u"[", u"{", 1, 0},
-      {u"k\u00E4", u"KA", 1, 0},
-      {u"\u00C0\u00E6", u"\u00E0\u00C6", 1, 1},
+      {u"abcabc", u"abc", 4, 4},  {u"abcabc", u"abc", 5, 0},
+      {u"abcabc", u"abc", -7, 1}, {u"abcabc", u"c", 6, 6},
+      {u"abc", u"abcd", 1, 0},    {u"abc", u"", 1, 0},
+      {u"aab", u"ab", 1, 2},      {u"AzZ", u"aZz", 1, 1},
+      {u"@", u"`", 1, 0},         {u"[", u"{", 1, 0},
+      {u"k\u00E4", u"KA", 1, 0},  {u"\u00C0\u00E6", u"\u00E0\u00C6", 1, 1},
   };
   for (const auto& c : cases)
     EXPECT_EQ(findPosition(c.text, c.wanted, c.start), c.position)

@@ -100,7 +100,7 @@ TEST_F(FetchVersionFile, TakesOrRefusesAnswers) {
     SCOPED_TRACE(c.what);
     const HttpsServer server(
         [&](const QByteArray& path) { return path == "/x" ? httpAnswer(goodBody) : c.answer; },
-        certificate(c.isTrusted));
+        c.isTrusted ? trustedCertificate() : newCertificate());
     expectAnswer(start(server), c.status, c.isNewer);
     for (const QByteArray& request : server.requests)
       EXPECT_FALSE(request.contains("Cookie"));
