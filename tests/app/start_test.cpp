@@ -2,7 +2,6 @@
 
 #include <QDir>
 #include <QProcess>
-#include <QStandardPaths>
 #include <QTest>
 #include <gtest/gtest.h>
 
@@ -18,25 +17,13 @@ constexpr int patience = 20'000;  // ms
 
 class Start : public testing::Test {
  protected:
-  ~Start() override { end(bus); }
-
-  /// Whether there is a session bus to start.
-  bool startBus() {
-    const QString daemon = QStandardPaths::findExecutable("dbus-daemon");
-    if (daemon.isEmpty()) return false;
-    bus.start(daemon, {"--session", "--nofork", "--print-address"});
-    if (!bus.waitForReadyRead(patience)) return false;
-    busAddress = QString::fromLatin1(bus.readLine()).trimmed();
-    return true;
+  Start() {
+    qputenv("XDG_CONFIG_HOME", (folder / "config").c_str());
+    qputenv("LANGUAGE", "en");
   }
 
   void start(QProcess& program, const QStringList& arguments,
              const QString& executable = CORVANA_PROGRAM) {
-    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-    environment.insert("DBUS_SESSION_BUS_ADDRESS", busAddress);
-    environment.insert("XDG_CONFIG_HOME", (folder / "config").c_str());
-    environment.insert("LANGUAGE", "en");
-    program.setProcessEnvironment(environment);
     program.setWorkingDirectory(folder.path().c_str());
     program.start(executable, arguments);
     ASSERT_TRUE(program.waitForStarted(patience));
@@ -57,12 +44,13 @@ class Start : public testing::Test {
   }
 
   TemporaryFolder folder;
-  QProcess bus;
-  QString busAddress = "disabled:";
 };
 
 TEST_F(Start, LaterStartsHandTheirFilesToTheFirst) {
-  if (!startBus()) GTEST_SKIP() << "no dbus-daemon here";
+  QProcess bus;
+  bus.start("dbus-daemon", {"--session", "--nofork", "--print-address"});
+  if (!bus.waitForReadyRead(patience)) GTEST_SKIP() << "no dbus-daemon here";
+  qputenv("DBUS_SESSION_BUS_ADDRESS", bus.readLine().trimmed());
   writeWavs({"1.wav", "2.wav", "Flöte #3 100%.wav"});
   QProcess first;
   start(first, {"1.wav"});
@@ -80,6 +68,8 @@ TEST_F(Start, LaterStartsHandTheirFilesToTheFirst) {
   }
   EXPECT_EQ(first.state(), QProcess::Running);
   end(first);
+  end(bus);
+  qputenv("DBUS_SESSION_BUS_ADDRESS", "disabled:");
 }
 
 TEST_F(Start, EveryStartHasAWindowWithoutASessionBus) {

@@ -78,17 +78,18 @@ class Window : public testing::Test {
 TEST_F(Window, ConvertsADroppedFolder) {
   folder.write("Set/a.WAV", shortWav());
   folder.write("Set/c.txt", "no sound");
-  folder.write("Set/Deep/d.wav", shortWav());
+  folder.write("Set/Deep/<b>\x1B[2J\nd\xFF.wav", shortWav());
   makeWindow();
   controller().processURLs({folder / "Set/c.txt"});
   EXPECT_EQ(log(), "No WAV or AIFF files found.\n");
   dragAndDrop(*controller().dropView, {folder / "Set"});
   QCoreApplication::processEvents();
   waitForEnd();
-  EXPECT_TRUE(
-      log().endsWith("found.\nd.wav => d.aif  [16-bit, mono, 44100 Hz]\n"
-                     "a.WAV => a.aif  [16-bit, mono, 44100 Hz]\n"));
-  EXPECT_TRUE(fs::exists(folder / "Set/a.aif") && fs::exists(folder / "Set/Deep/d.aif"));
+  EXPECT_TRUE(log().contains("\n<b>\uFFFD[2J\uFFFDd\uFFFD.wav => <b>\uFFFD[2J"));
+  EXPECT_TRUE(log().endsWith("\na.WAV => a.aif  [16-bit, mono, 44100 Hz]\n"));
+  EXPECT_EQ(controller().statusLabel->textFormat(), Qt::PlainText);
+  EXPECT_EQ(controller().statusLabel->minimumSizeHint().width(), 0)
+      << "a long name must not widen the window";
 }
 
 TEST_F(Window, ShowsTheRunAndReadsItsOptionsAtEachDrop) {
@@ -110,26 +111,13 @@ TEST_F(Window, ShowsTheRunAndReadsItsOptionsAtEachDrop) {
   EXPECT_EQ(folder.files(), expected);
 }
 
-TEST_F(Window, ShowsHostileNamesAsTheyAre) {
-  makeWindow();
-  const fs::path file = folder.write("<b>bold<b>\x1B[2J\nsecond line\xFF.wav", shortWav());
-  controller().processURLs({file});
-  waitForEnd();
-  EXPECT_TRUE(log().startsWith("<b>bold<b>\uFFFD[2J\uFFFDsecond line\uFFFD.wav => <b>"));
-  EXPECT_EQ(controller().statusLabel->textFormat(), Qt::PlainText);
-  EXPECT_EQ(controller().statusLabel->minimumSizeHint().width(), 0)
-      << "a long name must not widen the window";
-}
-
 TEST_F(Window, KeepsTheSelectionAndShowsTheEndWhenTheLogGrows) {
   makeWindow();
   for (int i = 0; i < 100; ++i)
     appendLog("entry " + std::to_string(i));
   QPlainTextEdit& view = *controller().logView;
-  QTextCursor selection = view.textCursor();
-  selection.setPosition(0);
-  selection.setPosition(5, QTextCursor::KeepAnchor);
-  view.setTextCursor(selection);
+  view.moveCursor(QTextCursor::Start);
+  view.moveCursor(QTextCursor::EndOfWord, QTextCursor::KeepAnchor);
   appendLog("last");
   EXPECT_EQ(view.textCursor().selectedText(), "entry");
   EXPECT_EQ(view.verticalScrollBar()->value(), view.verticalScrollBar()->maximum());

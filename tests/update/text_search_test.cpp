@@ -27,11 +27,6 @@ TEST(FindPosition, FindsFromTheStartPositionOnInAnyCase) {
         << utf8FromUtf16(c.text) << " / " << utf8FromUtf16(c.wanted) << " from " << c.start;
 }
 
-TEST(BeginsWith, ComparesTheFirstCharactersOnly) {
-  EXPECT_TRUE(beginsWith(u"CORVANA Pro", u"Corvana"));
-  EXPECT_FALSE(beginsWith(u" Corvana", u"Corvana") || beginsWith(u"Corvan", u"Corvana"));
-}
-
 TEST(ReplaceAll, GoesFromLeftToRightOverTheOriginalText) {
   EXPECT_EQ(replaceAll(u"#+#+#aAa", u"#+#", u"\n"), u"\n+#aAa");
   EXPECT_EQ(replaceAll(u"aAa", u"a", u"aa"), u"aaaaaa");

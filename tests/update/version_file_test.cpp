@@ -59,7 +59,6 @@ TEST(ParseVersionFile, ChoosesTheRecord) {
       {"a space behind the marker", u"A: Corvana$VERMAC$ 2$", u"", u"", u"", false},
       {"another application", u"A:Vantor$VERMAC$ 2$URLINFO$ w$", u"", u"", u"", false},
       {"the name is a prefix, in any case", u"A:CORVANA Pro$VERMAC$ 2$", u"2", u"", u""},
-      {"the first key counts", u"A:Corvana$verMac$ 3$VERMAC$ 2$", u"3", u"", u""},
       {"not newer: the first website that is not empty",
        u"A:Corvana$VERMAC$ 1$URLINFO$ $A:Corvana$VERMAC$ 1$URLINFO$ a$"
        u"A:Corvana$VERMAC$ 0$URLINFO$ b$URLMAC$ d$",

@@ -81,7 +81,6 @@ TEST_F(FetchVersionFile, TakesOrRefusesAnswers) {
     bool isTrusted = true;
   } cases[] = {
       {"client's fault", httpAnswer(goodBody, "401 No"), 401, true},
-      {"server's fault", httpAnswer(goodBody, "503 Unavailable"), 503, true},
       {"not UTF-8 at its end", httpAnswer(goodBody + "\xFF"), 200, false},
       {"without a length", unlimited + goodBody, 200, true},
       {"the largest body", httpAnswer(largest), 200, true},
@@ -91,7 +90,6 @@ TEST_F(FetchVersionFile, TakesOrRefusesAnswers) {
       {"compressed", httpAnswer(goodBody, "200 OK", "Content-Encoding: gzip\r\n"), 200, true},
       {"not HTTP", "Corvana\r\n\r\n", 0, false},
       {"redirect", httpAnswer("", "302 Found", "Set-Cookie: a=b\r\nLocation: /x\r\n"), 200, true},
-      {"a local file", httpAnswer("", "302 Found", "Location: file:///etc/hosts\r\n"), 302, false},
       {"to plain HTTP", httpAnswer("", "301 Moved", toPlainServer), 301, false},
       {"stranger", httpAnswer(goodBody), 0, false, false},
       {"endless redirects", httpAnswer("", "302 Found", "Location: ?\r\n"), 302, false},
