@@ -1,17 +1,18 @@
 // The real window without a screen, a session bus or a network, with preferences of its own.
 
-#include <QApplication>
 #include <QNetworkProxy>
 #include <QSettings>
 #include <QTemporaryDir>
 #include <gtest/gtest.h>
+
+#include "app/application.hpp"
 
 int main(int argumentCount, char** argumentValues) {
   qputenv("QT_QPA_PLATFORM", "offscreen");
   qputenv("DBUS_SESSION_BUS_ADDRESS", "disabled:");
   const QTemporaryDir folder;
   qputenv("XDG_RUNTIME_DIR", folder.path().toUtf8());
-  QApplication application(argumentCount, argumentValues);
+  corvana::Application application(argumentCount, argumentValues);
   // Names are left to the proxy, which is not there.
   QNetworkProxy::setApplicationProxy({QNetworkProxy::HttpProxy, "127.0.0.1", 1});
   QCoreApplication::setOrganizationName("Corvana");
