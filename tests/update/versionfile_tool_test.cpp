@@ -1,33 +1,23 @@
 // Runs the maker's tool as a release script does.
 
-#include <cstdio>
 #include <gtest/gtest.h>
 #include <string>
-#include <sys/wait.h>
 #include <utility>
 #include <vector>
 
-#include "support/temporary_folder.hpp"
+#include "support/program.hpp"
 
 namespace {
 
-struct Outcome {
-  int status = -1;
-  std::string output;  ///< standard output and standard error
-};
+using corvana::test::Outcome;
 
 class VersionfileTool : public testing::Test {
  protected:
-  /// Runs a shell line in the test's folder; "TOOL" stands for the program.
+  /// Runs a shell line in the test's folder; "TOOL" stands for the program. Errors are in the
+  /// output.
   Outcome run(std::string line) const {
-    line.replace(line.find("TOOL"), 4, "LC_ALL=C '" CORVANA_VERSIONFILE "'");
-    line = "cd '" + folder.path().native() + "' && " + line + " 2>&1";
-    Outcome outcome;
-    FILE* pipe = ::popen(line.c_str(), "r");
-    for (int byte = std::fgetc(pipe); byte != EOF; byte = std::fgetc(pipe))
-      outcome.output += static_cast<char>(byte);
-    outcome.status = WEXITSTATUS(::pclose(pipe));
-    return outcome;
+    line.replace(line.find("TOOL"), 4, "'" CORVANA_VERSIONFILE "'");
+    return corvana::test::Process(folder.path(), {"/bin/sh", "-c", "exec 2>&1; " + line}).finish();
   }
 
   const corvana::test::TemporaryFolder folder;
