@@ -64,12 +64,6 @@ TEST_F(Driver, ShowsAFileStepByStep) {
   EXPECT_EQ(driver.failedFiles(), 0);
 }
 
-TEST(LogEntry, NoNamePassesForAFurtherLineOnAScreen) {
-  const LogEntry entry{{"a\n✗ b => \u202Ec", "   ⚠ d\x1b"}};
-  EXPECT_EQ(entry.text(), "a\n✗ b => \u202Ec\n   ⚠ d\x1b") << "exact bytes";
-  EXPECT_EQ(entry.screenText(), "a\uFFFD✗ b => \uFFFDc\n   ⚠ d\uFFFD");
-}
-
 TEST_F(Driver, GoesOnAfterABrokenFile) {
   folder.write("2.wav", "RIFF1234WAVE");
   folder.write("3.wav", "RIFX1234WAVE");

@@ -70,13 +70,6 @@ TEST(WavToAiff, KnowsTheLayoutsOfOtherPrograms) {
     EXPECT_EQ(convert(c.file).file, convert(c.same).file) << c.name;
 }
 
-TEST(WavToAiff, ConvertsFilesWithoutFrames) {
-  const Converted empty = convert(wav({fmt({.channels = 2, .blockAlign = 4}), data({1, 2, 3})}));
-  EXPECT_EQ(empty.file.size(), 12U + 26 + 16);
-  EXPECT_EQ(empty.progress, std::vector<double>{1.0});
-  EXPECT_EQ(empty.warnings, "Incomplete last frame discarded.\n");
-}
-
 TEST(WavToAiff, MapsLoopsAndCuePoints) {
   const auto check = [](const char* name, const std::vector<SampleLoop>& loops,
                         const std::vector<CuePoint>& cuePoints, const std::string& expected,
@@ -152,7 +145,6 @@ TEST(WavToAiff, DerivesTheInstrument) {
   check(inst(Chunk{64, -7, -6, 1, 2, 3, 4}), "64 -7 1-2 3-4 -6");
   check(inst(Chunk{200, 100, -128, 130, 140, 0, 200}), "127 50 127-127 1-127 -128");
   check(inst(Chunk{0, -100, 127, 0, 0, 255, 0}), "0 -50 0-0 127-1 127");
-  check(smpl(60, 0), "60 0 0-127 1-127 0");
   check(smpl(60, cents(30)), "60 -30 0-127 1-127 0");
   check(smpl(60, 0x8147AE14), "60 -50 0-127 1-127 0");  // just below 50.5 cents
   check(smpl(60, 0x8147AE15), "61 49 0-127 1-127 0");

@@ -95,10 +95,8 @@ bool isConcerned(const std::string& path) {
   return !fault().below.empty() && path.starts_with(fault().below);
 }
 
-Kind kindOf(int file) {
-  return file >= 0 && static_cast<std::size_t>(file) < kinds.size()
-             ? kinds[static_cast<std::size_t>(file)].load()
-             : Kind::other;
+std::atomic<Kind>& kindOf(int file) {
+  return kinds[static_cast<unsigned>(file) % kinds.size()];
 }
 
 /// Whether the call is to fail, with errno set; otherwise it goes on, perhaps to its ruin.
@@ -132,7 +130,7 @@ int openHere(int folder, const char* name, int flags, mode_t mode) {
   if (concerned && failsNow(call, path)) return -1;
   if (concerned && kind == Kind::input) fault().lastInput = path;
   const int file = NEXT(openat)(folder, name, flags, mode);
-  if (concerned && file >= 0) kinds[static_cast<std::size_t>(file)] = kind;
+  if (concerned && file >= 0) kindOf(file) = kind;
   return file;
 }
 
@@ -234,8 +232,7 @@ ssize_t writev(int file, const iovec* parts, int count) {
 }
 
 int close(int file) {
-  const Kind kind = kindOf(file);
-  if (kind != Kind::other) kinds[static_cast<std::size_t>(file)] = Kind::other;
+  const Kind kind = kindOf(file).exchange(Kind::other);
   const int result = NEXT(close)(file);
   // The system closes a descriptor also where it reports an error.
   return kind == Kind::output && failsNow("close") ? -1 : result;

@@ -17,13 +17,15 @@ namespace corvana::test {
 
 inline const Language english;
 
-/// The text of the ConversionError that `action` ends with.
+/// The text of the error that `action` ends with.
 template <typename Action>
 std::string errorOf(const Action& action) {
   try {
     action();
   } catch (const ConversionError& error) {
     return errorDescription(error, english);
+  } catch (const std::exception& error) {
+    return error.what();
   }
   return "no error";
 }

@@ -17,8 +17,10 @@ struct Outcome {
   std::string output, errors;
 };
 
-class Process {
- public:
+struct Process {
+  const TemporaryFolder streams;
+  const pid_t id;
+
   /// `prepare` runs in the new process, in the working folder, before the program starts.
   Process(
       const fs::path& folder, std::vector<std::string> arguments,
@@ -27,7 +29,8 @@ class Process {
     if (id != 0) return;
     if (::chdir(folder.c_str()) != 0) ::_exit(99);
     for (const int stream : {1, 2})
-      ::dup2(::open(fileOf(stream).c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600), stream);
+      ::dup2(::open((streams / std::to_string(stream)).c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600),
+             stream);
     ::setenv("LC_ALL", "C.UTF-8", 1);
     ::unsetenv("LANGUAGE");
     prepare();
@@ -42,16 +45,9 @@ class Process {
   Outcome finish() const {
     int status = 0;
     ::waitpid(id, &status, 0);
-    return {WIFEXITED(status) ? WEXITSTATUS(status) : -WTERMSIG(status), readText(fileOf(1)),
-            readText(fileOf(2))};
+    return {WIFEXITED(status) ? WEXITSTATUS(status) : -WTERMSIG(status), readText(streams / "1"),
+            readText(streams / "2")};
   }
-
- private:
-  fs::path fileOf(int stream) const { return streams_ / std::to_string(stream); }
-  const TemporaryFolder streams_;
-
- public:
-  const pid_t id;
 };
 
 }  // namespace corvana::test

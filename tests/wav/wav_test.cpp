@@ -16,35 +16,30 @@ TEST(WavReader, RejectsWhatCannotBeConverted) {
   const auto extensible = [&](std::uint16_t subFormat) {
     return with({.tag = 0xFFFE, .validBits = 16, .subFormat = subFormat});
   };
-  const struct {
-    const char* name;
-    ByteBuffer file;
-    const char* message;
-  } cases[] = {
-      {"empty", {}, "Not a RIFF file."},
-      {"11 bytes", firstBytes(wav({}), 11), "Not a RIFF file."},
-      {"RIFX", bytes("'RIFX' 00 00 00 00 'WAVE'"), "Not a RIFF file."},
-      {"another form", bytes("'RIFF' 00 00 00 00 'WAVX'"), "The RIFF file is not a WAVE file."},
-      {"no fmt", wav({data({1, 2})}), "The fmt chunk is missing."},
-      {"no data", wav({format}), "The data chunk is missing."},
-      {"fmt cut", wav({data({}), firstBytes(format, 8 + 15)}), "The fmt chunk is damaged."},
-      {"a good one follows", wav({fmt({.channels = 0}), format}), "The fmt chunk is damaged."},
-      {"no rate", with({.rate = 0}), "The fmt chunk is damaged."},
-      {"no bits", with({.bits = 0}), "The fmt chunk is damaged."},
-      {"3 bytes for 2", with({.channels = 2, .blockAlign = 3}), "The fmt chunk is damaged."},
-      {"float", with({.tag = 3, .channels = 0}), "Unsupported format: floating-point WAV"},
-      {"extensible float", extensible(3), "Unsupported format: floating-point WAV"},
-      {"short extensible", with({.tag = 0xFFFE}), "Unsupported format: format tag 65534"},
-      {"ADPCM", with({.tag = 2}), "Unsupported format: format tag 2"},
-      {"extensible ADPCM", extensible(17), "Unsupported format: format tag 17"},
-      {"64 bits", with({.blockAlign = 8, .bits = 64}), "Unsupported format: 64-bit"},
-      {"5 bytes by the bits", with({.blockAlign = 0, .bits = 33}), "Unsupported format: 33-bit"},
-      {"more channels than AIFF counts",
-       wav({fmt({.channels = 32768, .blockAlign = 32768, .bits = 8}), data({1})}),
+  const std::pair<ByteBuffer, const char*> cases[] = {
+      {{}, "Not a RIFF file."},
+      {firstBytes(wav({}), 11), "Not a RIFF file."},
+      {bytes("'RIFX' 00 00 00 00 'WAVE'"), "Not a RIFF file."},
+      {bytes("'RIFF' 00 00 00 00 'WAVX'"), "The RIFF file is not a WAVE file."},
+      {wav({data({1, 2})}), "The fmt chunk is missing."},
+      {wav({format}), "The data chunk is missing."},
+      {wav({data({}), firstBytes(format, 8 + 15)}), "The fmt chunk is damaged."},
+      {wav({fmt({.channels = 0}), format}), "The fmt chunk is damaged."},
+      {with({.rate = 0}), "The fmt chunk is damaged."},
+      {with({.bits = 0}), "The fmt chunk is damaged."},
+      {with({.channels = 2, .blockAlign = 3}), "The fmt chunk is damaged."},
+      {with({.tag = 3, .channels = 0}), "Unsupported format: floating-point WAV"},
+      {extensible(3), "Unsupported format: floating-point WAV"},
+      {with({.tag = 0xFFFE}), "Unsupported format: format tag 65534"},
+      {with({.tag = 2}), "Unsupported format: format tag 2"},
+      {extensible(17), "Unsupported format: format tag 17"},
+      {with({.blockAlign = 8, .bits = 64}), "Unsupported format: 64-bit"},
+      {with({.blockAlign = 0, .bits = 33}), "Unsupported format: 33-bit"},
+      {wav({fmt({.channels = 32768, .blockAlign = 32768, .bits = 8}), data({1})}),
        "Unsupported format: 32768 channels"},
   };
-  for (const auto& c : cases)
-    EXPECT_EQ(errorOf([&] { planWAVToAIFF(c.file); }), c.message) << c.name;
+  for (const auto& [file, message] : cases)
+    EXPECT_EQ(errorOf([&file = file] { planWAVToAIFF(file); }), message);
 }
 
 TEST(WavReader, FindsBytesAndEffectiveBits) {
@@ -106,9 +101,6 @@ TEST(WavReader, FindsChunksInAnyOrderAndOfTwoTheLater) {
 
 TEST(WavWriter, FormatChunk) {
   const std::string guid = "01 00 00 00 00 00 10 00 80 00 00 AA 00 38 9B 71";
-  EXPECT_EQ(
-      buildFormatChunk({1, 12, 1, 0}),
-      bytes("FE FF 01 00 01 00 00 00 02 00 00 00 02 00 10 00 16 00 0C 00 04 00 00 00" + guid));
   EXPECT_EQ(
       buildFormatChunk({6, 16, 44100, 0}),
       bytes("FE FF 06 00 44 AC 00 00 30 13 08 00 0C 00 10 00 16 00 10 00 00 00 00 00" + guid));
