@@ -95,7 +95,7 @@ void offer(QPushButton& button, const char* toolTip, const std::u16string& addre
   button.setEnabled(!address.empty());
   if (address.empty()) return;
   button.setToolTip(plainToolTip(QString::fromStdString(
-      fillText(localised(toolTip, TextTable::vantor), {utf8FromUtf16(address)}))));
+      fillText(localised(toolTip, TextTable::vantor), {shownAddress(address)}))));
 }
 
 }  // namespace
