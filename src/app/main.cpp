@@ -84,6 +84,7 @@ int main(int argumentCount, char** argumentValues) {
   corvana::ignoreWriteSignals();
   corvana::useSystemLanguage(corvana::runningProgramFolder());
   describeProgram();
+  const QVariantMap launchTokens = corvana::launchTokens();
   QApplication application(argumentCount, argumentValues);
   QApplication::setWindowIcon(programIcon());
   QTranslator toolkitTexts;
@@ -92,7 +93,8 @@ int main(int argumentCount, char** argumentValues) {
 
   corvana::AppDelegate delegate;
   const std::vector<fs::path> files = filesOfCommandLine(argumentCount, argumentValues);
-  if (corvana::joinDesktop(delegate, files) == corvana::DesktopRole::handedOver) return 0;
+  if (corvana::joinDesktop(delegate, files, launchTokens) == corvana::DesktopRole::handedOver)
+    return 0;
   delegate.openFiles(files);
 
   corvana::MainWindow window(&delegate);
