@@ -2,11 +2,11 @@
 
 #include <QDir>
 #include <QProcess>
-#include <QStandardPaths>
 #include <QTest>
 #include <gtest/gtest.h>
 
 #include "app/qt_values.hpp"
+#include "app/session_bus.hpp"
 #include "support/audio_builder.hpp"
 #include "support/temporary_folder.hpp"
 
@@ -17,22 +17,10 @@ constexpr int patience = 20'000;  // ms
 
 class Start : public testing::Test {
  protected:
-  ~Start() override { end(bus); }
-
-  /// Whether there is a session bus to start.
-  bool startBus() {
-    const QString daemon = QStandardPaths::findExecutable("dbus-daemon");
-    if (daemon.isEmpty()) return false;
-    bus.start(daemon, {"--session", "--nofork", "--print-address"});
-    if (!bus.waitForReadyRead(patience)) return false;
-    busAddress = QString::fromLatin1(bus.readLine()).trimmed();
-    return true;
-  }
-
   void start(QProcess& program, const QStringList& arguments,
              const QString& executable = CORVANA_PROGRAM) {
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-    environment.insert("DBUS_SESSION_BUS_ADDRESS", busAddress);
+    environment.insert("DBUS_SESSION_BUS_ADDRESS", bus.address());
     environment.insert("XDG_CONFIG_HOME", (folder / "config").c_str());
     environment.insert("LANGUAGE", "en");
     program.setProcessEnvironment(environment);
@@ -56,12 +44,11 @@ class Start : public testing::Test {
   }
 
   TemporaryFolder folder;
-  QProcess bus;
-  QString busAddress = "disabled:";
+  SessionBus bus;
 };
 
 TEST_F(Start, LaterStartsHandTheirFilesToTheFirst) {
-  if (!startBus()) GTEST_SKIP() << "no dbus-daemon here";
+  if (!bus.start()) GTEST_SKIP() << "no dbus-daemon here";
   writeWavs({"1.wav", "2.wav", "Flöte #3 100%.wav", "4.wav"});
   QProcess first;
   start(first, {"1.wav"});
