@@ -3,13 +3,12 @@
 
 #include <QDBusArgument>
 #include <QDBusConnection>
-#include <QDBusMessage>
-#include <QDBusVirtualObject>
 #include <QProcess>
 #include <QTest>
 #include <gtest/gtest.h>
 
 #include "app/desktop_bus.hpp"
+#include "app/fake_desktop.hpp"
 #include "app/main_window.hpp"
 #include "app/run_announcer.hpp"
 #include "app/session_bus.hpp"
@@ -20,27 +19,6 @@ namespace corvana::test {
 namespace {
 
 constexpr int patience = 20'000;  // ms
-constexpr uint notificationId = 7;
-
-/// Takes every call that it is given, and the news of task bars.
-class FakeDesktop : public QDBusVirtualObject {
-  Q_OBJECT
- public:
-  QString introspect(const QString&) const override { return {}; }
-  bool handleMessage(const QDBusMessage& message, const QDBusConnection& bus) override {
-    calls << message;
-    return bus.send(message.createReply(notificationId));
-  }
-
-  QList<QDBusMessage> calls;
-  std::vector<std::pair<double, bool>> progress;
-
- public slots:
-  void updateTaskBar(const QString& application, const QVariantMap& news) {
-    EXPECT_EQ(application, "application://example.corvana.Corvana.desktop");
-    progress.emplace_back(news["progress"].toDouble(), news["progress-visible"].toBool());
-  }
-};
 
 class Desktop : public testing::Test {
  protected:
@@ -83,7 +61,7 @@ class Desktop : public testing::Test {
          {std::pair("ActivationToken", token), {"ActionInvoked", "default"}}) {
       QDBusMessage signal = QDBusMessage::createSignal("/org/freedesktop/Notifications",
                                                        "org.freedesktop.Notifications", member);
-      connection.send(signal << notificationId << value);
+      connection.send(signal << FakeDesktop::notification << value);
     }
   }
 
@@ -161,7 +139,7 @@ TEST_F(Desktop, ARunShowsInTheTaskBarAndNotifiesWhereNobodyLooks) {
        0,
        "1 file could not be converted.\n2 files have warnings.",
        "a"},
-      {{.status = "2", .failed = 1}, notificationId, "", "b"},
+      {{.status = "2", .failed = 1}, FakeDesktop::notification, "", "b"},
   };
   for (const auto& c : cases) {
     lookAway();
@@ -190,5 +168,3 @@ TEST_F(Desktop, TheProgramShowsItsRunsInTheTaskBar) {
 
 }  // namespace
 }  // namespace corvana::test
-
-#include "desktop_test.moc"
