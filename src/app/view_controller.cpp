@@ -112,6 +112,7 @@ void ViewController::setProgress(double fraction) {
 
 void ViewController::appendLog(const LogEntry& entry) {
   changes_.log += entry.screenText() + '\n';
+  if (entry.lines.size() > 1) ++filesWithWarnings_;
 }
 
 void ViewController::confirmReplacingInputs(const NameClash& example,
@@ -132,6 +133,7 @@ void ViewController::showChanges() {
   if (changes.status) statusLabel->setText(screenLine(*changes.status));
   if (changes.progress)
     progressIndicator->setValue(static_cast<int>(std::lround(*changes.progress * progressSteps)));
+  announceRun();
   if (changes.log.empty()) return;
   // A cursor of its own leaves the user's selection alone.
   QTextCursor end(logView->document());
@@ -139,6 +141,14 @@ void ViewController::showChanges() {
   end.insertText(qtText(changes.log));
   QScrollBar* bar = logView->verticalScrollBar();
   bar->setValue(bar->maximum());
+}
+
+void ViewController::announceRun() {
+  announcer_.update(*window(), {.isRunning = driver_.totalFiles() > 0,
+                                .progress = progressIndicator->value() / double{progressSteps},
+                                .status = statusLabel->text(),
+                                .failed = driver_.failedFiles(),
+                                .withWarnings = filesWithWarnings_});
 }
 
 void ViewController::subfolderChanged() {

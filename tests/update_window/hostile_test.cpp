@@ -66,7 +66,7 @@ TEST(HostileVersionFile, NeitherFreezesTheWindowNorFillsIt) {
       {"phrases", file(u"2.0", u"INFOMAC$ " + repeated(phrase, 1900000))},
       {"more phrases", file(u"2.0", u"INFOMAC$ " + repeated(phrase, 8000000)), false},
   };
-  const QSslConfiguration configuration = certificate();
+  const QSslConfiguration& configuration = trustedCertificate();
   for (const auto& c : cases) {
     SCOPED_TRACE(c.what);
     const QByteArray body = scrambled(c.plain);
@@ -101,7 +101,7 @@ TEST(HostileServer, IsCutOffWhereTheToolkitSetsNoLimit) {
       {"interim answers", "", "HTTP/1.1 100 Continue\r\n\r\n"},
       {"refusal", "HTTP/1.1 401 No\r\nWWW-Authenticate: Basic realm=a\r\n\r\n"},
   };
-  const QSslConfiguration configuration = certificate();
+  const QSslConfiguration& configuration = trustedCertificate();
   for (const auto& c : cases) {
     SCOPED_TRACE(c.what);
     HttpsServer server([](auto&) { return QByteArray(); }, configuration);
