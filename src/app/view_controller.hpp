@@ -5,14 +5,15 @@
 #include <QCheckBox>
 #include <QFont>
 #include <QLabel>
-#include <QPlainTextEdit>
 #include <QPointer>
 #include <QProgressBar>
+#include <QToolButton>
 #include <optional>
 #include <string>
 
 #include "app/app_delegate.hpp"
 #include "app/drop_view.hpp"
+#include "app/log_view.hpp"
 #include "app/qt_main_queue.hpp"
 #include "batch/batch_driver.hpp"
 
@@ -31,7 +32,8 @@ class ViewController : public DropViewDelegate, public BatchView {
   QPointer<QCheckBox> overwriteCheckbox;
   QPointer<QProgressBar> progressIndicator;
   QPointer<QLabel> statusLabel;
-  QPointer<QPlainTextEdit> logView;
+  QPointer<QToolButton> countsButton;  ///< what became of the files of the last run
+  QPointer<LogView> logView;
 
   /// Font of every log line.
   const QFont logFont;
@@ -55,6 +57,7 @@ class ViewController : public DropViewDelegate, public BatchView {
   const BatchDriver& driver() const { return driver_; }
 
   BatchOptions options() const override;
+  void runStarted() override;
   // The views need longer for one change than the driver for a short file, so changes gather
   // until showChanges.
   void setStatus(const std::string& text) override;
@@ -79,7 +82,7 @@ class ViewController : public DropViewDelegate, public BatchView {
   struct Changes {
     std::optional<std::string> status;
     std::optional<double> progress;
-    std::string log;
+    bool counts = false;
   };
 
   QPointer<AppDelegate> appDelegate_;

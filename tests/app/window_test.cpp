@@ -4,7 +4,6 @@
 #include <QElapsedTimer>
 #include <QFileDialog>
 #include <QPushButton>
-#include <QScrollBar>
 #include <QSettings>
 #include <gtest/gtest.h>
 #include <optional>
@@ -125,20 +124,6 @@ TEST_F(Window, ShowsHostileNamesAsTheyAre) {
   EXPECT_EQ(controller().statusLabel->textFormat(), Qt::PlainText);
   EXPECT_EQ(controller().statusLabel->minimumSizeHint().width(), 0)
       << "a long name must not widen the window";
-}
-
-TEST_F(Window, KeepsTheSelectionAndShowsTheEndWhenTheLogGrows) {
-  makeWindow();
-  for (int i = 0; i < 100; ++i)
-    appendLog("entry " + std::to_string(i));
-  QPlainTextEdit& view = *controller().logView;
-  QTextCursor selection = view.textCursor();
-  selection.setPosition(0);
-  selection.setPosition(5, QTextCursor::KeepAnchor);
-  view.setTextCursor(selection);
-  appendLog("last");
-  EXPECT_EQ(view.textCursor().selectedText(), "entry");
-  EXPECT_EQ(view.verticalScrollBar()->value(), view.verticalScrollBar()->maximum());
 }
 
 TEST_F(Window, KeepsItsOptions) {
@@ -278,7 +263,7 @@ TEST_F(Window, IsUsableByKeyboard) {
   window->activateWindow();
   ASSERT_TRUE(QTest::qWaitForWindowActive(&*window, patience));
   for (QWidget* view : window->centralWidget()->findChildren<QWidget*>()) {
-    const bool isReached = (view->focusPolicy() & Qt::TabFocus) != 0;
+    const bool isReached = view->isVisible() && (view->focusPolicy() & Qt::TabFocus) != 0;
     const QString title = view->accessibleName() + view->property("text").toString();
     EXPECT_FALSE(isReached && title.isEmpty()) << view->metaObject()->className();
   }
