@@ -58,8 +58,8 @@ void FindBar::findPrevious() {
 
 void FindBar::keyPressEvent(QKeyEvent* event) {
   if (event->key() == Qt::Key_Escape) return dismiss();
-  if (event->key() != Qt::Key_Return && event->key() != Qt::Key_Enter)
-    return QWidget::keyPressEvent(event);
+  const bool isReturn = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
+  if (!isReturn || !text_->hasFocus()) return QWidget::keyPressEvent(event);
   find((event->modifiers() & Qt::ShiftModifier) != 0 ? QTextDocument::FindBackward
                                                      : QTextDocument::FindFlags());
 }

@@ -63,7 +63,6 @@ void MainWindow::makeViews() {
 
   auto* counts = new QToolButton;
   counts->setAutoRaise(true);
-  counts->setFocusPolicy(Qt::StrongFocus);
   counts->setToolTip(qtText(localised("Shows the next file that failed or has warnings.")));
   // The views below stay where they are when it appears.
   QSizePolicy keepsItsPlace = counts->sizePolicy();

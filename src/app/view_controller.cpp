@@ -149,7 +149,13 @@ void ViewController::showChanges() {
   const RunCounts& counts = logView->counts();
   countsButton->setText(qtText(countsText(counts)));
   countsButton->setVisible(!countsButton->text().isEmpty());
-  countsButton->setEnabled(counts.failed + counts.withWarnings > 0);
+  const bool hasProblems = counts.failed + counts.withWarnings > 0;
+  // With nothing to lead to it is a text.
+  countsButton->setFocusPolicy(hasProblems ? Qt::StrongFocus : Qt::NoFocus);
+  countsButton->setAttribute(Qt::WA_TransparentForMouseEvents, !hasProblems);
+  QFont font = countsButton->font();
+  font.setUnderline(hasProblems);
+  countsButton->setFont(font);
 }
 
 void ViewController::subfolderChanged() {
