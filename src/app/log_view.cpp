@@ -53,7 +53,7 @@ LogView::LogView(QWidget* parent) : QPlainTextEdit(parent) {
   const auto tell = [this] {
     const auto [first, last] = chosenEntries();
     emit filesChosen(
-        std::count_if(first, last, [](const Entry& entry) { return !entry.input.empty(); }));
+        std::count_if(first, last, [](const Entry& entry) { return entry.hasFile(); }));
   };
   connect(this, &QPlainTextEdit::selectionChanged, this, tell);
   connect(this, &QPlainTextEdit::cursorPositionChanged, this, tell);
@@ -71,7 +71,14 @@ void LogView::append(const LogEntry& entry) {
   if (entry.outcome == Outcome::converted) ++counts_.converted;
   if (hasWarnings) ++counts_.withWarnings;
   if (failed || hasWarnings) problems_.push_back(std::ssize(entries_));
-  entries_.push_back({lines_, entry.input, entry.output});
+  const std::string& input = entry.input;
+  const std::string& output = entry.output;
+  const auto differ = std::mismatch(input.begin(), input.end(), output.begin(), output.end());
+  entries_.push_back({lines_, static_cast<std::uint32_t>(input.size()),
+                      static_cast<std::uint32_t>(differ.first - input.begin()),
+                      static_cast<std::uint32_t>(output.size()), paths_.size()});
+  paths_ += input;
+  paths_.append(differ.second, output.end());
   lines_ += static_cast<int>(entry.lines.size());
   appended_ += entry.screenText() + '\n';
 }
@@ -101,8 +108,8 @@ std::vector<std::filesystem::path> LogView::chosenFiles() const {
   std::vector<std::filesystem::path> files;
   const auto [first, last] = chosenEntries();
   for (auto entry = first; entry != last; ++entry)
-    if (!entry->input.empty())
-      files.emplace_back(entry->output.empty() ? entry->input : entry->output);
+    if (entry->hasFile())
+      files.emplace_back(entry->hasOutput() ? outputOf(*entry) : inputOf(*entry));
   return files;
 }
 
@@ -189,7 +196,7 @@ QMimeData* LogView::createMimeDataFromSelection() const {
   QList<QUrl> urls;
   const auto [first, last] = chosenEntries();
   for (auto entry = first; entry != last; ++entry)
-    if (!entry->output.empty()) urls << QUrl(urlTextOfPath(entry->output));
+    if (entry->hasOutput()) urls << QUrl(urlTextOfPath(outputOf(*entry)));
   if (!urls.isEmpty()) content->setUrls(urls);
   return content;
 }
@@ -218,6 +225,15 @@ void LogView::wheelEvent(QWheelEvent* event) {
   if ((event->modifiers() & Qt::ControlModifier) == 0) return QPlainTextEdit::wheelEvent(event);
   if (const int turned = event->angleDelta().y(); turned != 0) zoomBy(turned > 0 ? 1 : -1);
   event->accept();
+}
+
+std::string LogView::inputOf(const Entry& entry) const {
+  return paths_.substr(entry.paths, entry.inputLength);
+}
+
+std::string LogView::outputOf(const Entry& entry) const {
+  return paths_.substr(entry.paths, entry.commonLength) +
+         paths_.substr(entry.paths + entry.inputLength, entry.outputLength - entry.commonLength);
 }
 
 LogView::Entries::const_iterator LogView::entryOfLine(int line) const {
@@ -266,9 +282,9 @@ void LogView::showEntry(Entries::const_iterator entry) {
 
 QString LogView::toolTipAt(const QPoint& position) const {
   const auto entry = entryOfLine(cursorForPosition(position).blockNumber());
-  if (entry == entries_.end() || entry->input.empty()) return {};
-  QString tip = toolTipLine(entry->input);
-  if (!entry->output.empty()) tip += toolTipLine("=> " + entry->output);
+  if (entry == entries_.end() || !entry->hasFile()) return {};
+  QString tip = toolTipLine(inputOf(*entry));
+  if (entry->hasOutput()) tip += toolTipLine("=> " + outputOf(*entry));
   return tip;
 }
 

@@ -73,13 +73,21 @@ class LogView : public QPlainTextEdit {
   void wheelEvent(QWheelEvent* event) override;
 
  private:
+  /// Its paths stand in paths_: the input's, then what the output's has after their common start.
   struct Entry {
     int firstLine = 0;
-    std::string input;
-    std::string output;
+    std::uint32_t inputLength = 0;
+    std::uint32_t commonLength = 0;
+    std::uint32_t outputLength = 0;  ///< of the whole path; 0 without an output
+    std::size_t paths = 0;
+
+    bool hasFile() const { return inputLength > 0; }
+    bool hasOutput() const { return outputLength > 0; }
   };
   using Entries = std::vector<Entry>;
 
+  std::string inputOf(const Entry& entry) const;
+  std::string outputOf(const Entry& entry) const;
   Entries::const_iterator entryOfLine(int line) const;
   /// Those that are selected or have the cursor.
   std::pair<Entries::const_iterator, Entries::const_iterator> chosenEntries() const;
@@ -93,7 +101,8 @@ class LogView : public QPlainTextEdit {
   void scrollToEnd();
 
   Entries entries_;
-  int lines_ = 0;  // of all entries
+  std::string paths_;  // of all entries: texts of their own would take several times the memory
+  int lines_ = 0;      // of all entries
   std::string appended_;
   RunCounts counts_;
   std::vector<std::ptrdiff_t> problems_;  // entries of the run that failed or have warnings
