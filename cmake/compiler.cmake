@@ -6,6 +6,10 @@ if(CORVANA_WARNINGS_AS_ERRORS)
   target_compile_options(corvana_compiler INTERFACE -Werror)
 endif()
 target_include_directories(corvana_compiler INTERFACE ${PROJECT_SOURCE_DIR}/src)
+# Files above 2 GB on 32-bit systems too.
+if(CMAKE_SIZEOF_VOID_P EQUAL 4)
+  target_compile_definitions(corvana_compiler INTERFACE _FILE_OFFSET_BITS=64)
+endif()
 
 # Hardening: programs load at random addresses, their tables of addresses become read-only before
 # main, and an overrun of a stack frame or of an object of known size ends the program. The
@@ -17,9 +21,20 @@ if(CORVANA_HARDENING AND NOT CMAKE_CXX_FLAGS MATCHES "-fsanitize")
   # Libraries here are linked into programs only: nobody can put another function in their place.
   add_compile_options(-fno-semantic-interposition -fstack-protector-strong)
   add_link_options(-Wl,-z,relro,-z,now)
-  # A distribution that asks for more gets it.
-  if(NOT CMAKE_CXX_FLAGS MATCHES "_FORTIFY_SOURCE")
-    add_compile_options(
-      "$<$<CONFIG:Release,RelWithDebInfo,MinSizeRel>:-U_FORTIFY_SOURCE;-D_FORTIFY_SOURCE=2>")
+  # A distribution's choice stands, whether it is among the flags or the compiler's own.
+  include(CheckCXXSourceCompiles)
+  string(TOUPPER "${CMAKE_BUILD_TYPE}" type)
+  set(CMAKE_REQUIRED_FLAGS "-O2 ${CMAKE_CXX_FLAGS_${type}}")
+  set(CMAKE_REQUIRED_QUIET ON)
+  unset(CORVANA_FORTIFIED_ALREADY CACHE)
+  check_cxx_source_compiles("
+    #ifndef _FORTIFY_SOURCE
+    #error
+    #endif
+    int main() {}" CORVANA_FORTIFIED_ALREADY)
+  unset(CMAKE_REQUIRED_FLAGS)
+  unset(CMAKE_REQUIRED_QUIET)
+  if(NOT CORVANA_FORTIFIED_ALREADY)
+    add_compile_options("$<$<CONFIG:Release,RelWithDebInfo,MinSizeRel>:-D_FORTIFY_SOURCE=3>")
   endif()
 endif()

@@ -4,6 +4,7 @@ find_program(MSGFMT msgfmt)
 set(CORVANA_BUILD_LOCALE_DIR ${PROJECT_BINARY_DIR}/locale)
 
 if(NOT MSGFMT)
+  add_custom_target(corvana_translations)
   message(STATUS "msgfmt is not installed: texts stay English (Debian: apt-get install gettext)")
   return()
 endif()

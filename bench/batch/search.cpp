@@ -6,6 +6,6 @@
 #include "batch/audio_files.hpp"
 
 int main(int count, char** arguments) {
-  const auto files = corvana::collectAudioFiles({arguments + 1, arguments + count});
-  std::printf("%zu\n", files.size());
+  const auto found = corvana::collectAudioFiles({arguments + 1, arguments + count});
+  std::printf("%zu\n", found.files.size());
 }

@@ -41,8 +41,8 @@ QPalette darkPalette() {
 
 class Pictures {
  public:
-  Pictures(std::filesystem::path examples, QDir folder, QString theme)
-      : examples_(std::move(examples)), folder_(std::move(folder)), theme_(std::move(theme)) {}
+  Pictures(std::filesystem::path examples, const QDir& folder, QString theme)
+      : examples_(std::move(examples)), folder_(folder), theme_(std::move(theme)) {}
 
   /// Whether all pictures could be written.
   bool take() {

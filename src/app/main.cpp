@@ -1,20 +1,24 @@
 // corvana: the desktop program.
 
-#include <QApplication>
 #include <QCommandLineParser>
 #include <QDir>
 #include <QIcon>
 #include <QLibraryInfo>
 #include <QTranslator>
+#include <cstdio>
+#include <cstdlib>
 #include <string_view>
 #include <system_error>
 
+#include "app/application.hpp"
 #include "app/desktop_bus.hpp"
 #include "app/main_window.hpp"
 #include "app/qt_values.hpp"
 #include "platform/bundle_info.hpp"
 #include "platform/ending.hpp"
+#include "platform/standard_streams.hpp"
 #include "platform/texts.hpp"
+#include "vocabulary/screen_text.hpp"
 
 namespace {
 
@@ -46,7 +50,7 @@ void translateToolkit(QTranslator& translator) {
 }
 
 /// Ends the program where the command line asks for its help or version, or is wrong.
-void checkOptions(const QApplication& application) {
+void checkOptions(const QStringList& arguments) {
   QCommandLineParser parser;
   parser.setApplicationDescription(corvana::qtText(
       corvana::localised("Converts sampled instruments between WAV and AIFF in a window. "
@@ -56,7 +60,12 @@ void checkOptions(const QApplication& application) {
   parser.addPositionalArgument(QStringLiteral("PATH"),
                                corvana::qtText(corvana::localised("Files and folders to convert")),
                                QStringLiteral("[PATH...]"));
-  parser.process(application);
+  if (!parser.parse(arguments)) {
+    const QString text = QCoreApplication::applicationName() + ": " + parser.errorText();
+    std::fprintf(stderr, "%s\n", corvana::readableLine(text.toStdString()).c_str());
+    std::exit(EXIT_FAILURE);  // as after the help
+  }
+  parser.process(arguments);
 }
 
 /// Files and folders of the command line, absolute, as paths or file URLs. From the bytes of
@@ -78,17 +87,14 @@ std::vector<fs::path> filesOfCommandLine(int count, char** arguments) {
   return files;
 }
 
-}  // namespace
-
-int main(int argumentCount, char** argumentValues) {
-  corvana::ignoreWriteSignals();
+int run(int argumentCount, char** argumentValues) {
   corvana::useSystemLanguage(corvana::runningProgramFolder());
   describeProgram();
-  QApplication application(argumentCount, argumentValues);
+  corvana::Application application(argumentCount, argumentValues);
   QApplication::setWindowIcon(programIcon());
   QTranslator toolkitTexts;
   translateToolkit(toolkitTexts);
-  checkOptions(application);
+  checkOptions(QCoreApplication::arguments());
 
   corvana::AppDelegate delegate;
   const std::vector<fs::path> files = filesOfCommandLine(argumentCount, argumentValues);
@@ -103,4 +109,16 @@ int main(int argumentCount, char** argumentValues) {
   corvana::endInTime();
   corvana::leaveDesktop();
   return status;
+}
+
+}  // namespace
+
+int main(int argumentCount, char** argumentValues) {
+  try {
+    corvana::reserveStandardStreams();
+    corvana::ignoreWriteSignals();
+    return run(argumentCount, argumentValues);
+  } catch (...) {
+    corvana::endForException();
+  }
 }

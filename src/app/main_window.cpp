@@ -12,6 +12,7 @@
 #include "app/qt_values.hpp"
 #include "platform/bundle_info.hpp"
 #include "platform/texts.hpp"
+#include "update_window/check_for_updates.hpp"
 #include "vocabulary/text_format.hpp"
 
 namespace corvana {
@@ -148,9 +149,11 @@ void MainWindow::makeMenus() {
   makeLogMenus();
 
   QMenu* help = menuBar()->addMenu(qtText(localised("&Help")));
-  help->addAction(qtText(localised("Check for &Updates…")), &controller_,
-                  &ViewController::mnuCheckForUpdates);
-  help->addSeparator();
+  if (offersUpdateCheck()) {
+    help->addAction(qtText(localised("Check for &Updates…")), &controller_,
+                    &ViewController::mnuCheckForUpdates);
+    help->addSeparator();
+  }
   help->addAction(qtText(localised("&About Corvana")), this, &MainWindow::showAbout);
 }
 

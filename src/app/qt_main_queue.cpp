@@ -21,24 +21,21 @@ void QtMainQueue::post(Task task) {
     tasks_.push_back(std::move(task));
     if (tasks_.size() > 1) return;
     const auto wait = [this] {
-      doOrEnd(
-          [this] { QTimer::singleShot(pause, Qt::PreciseTimer, this, &QtMainQueue::runTasks); });
+      QTimer::singleShot(pause, Qt::PreciseTimer, this, &QtMainQueue::runTasks);
     };
     QMetaObject::invokeMethod(this, wait, Qt::QueuedConnection);
   });
 }
 
 void QtMainQueue::runTasks() {
-  doOrEnd([this] {
-    std::vector<Task> tasks;
-    {
-      const std::lock_guard lock(mutex_);
-      tasks.swap(tasks_);
-    }
-    for (const Task& task : tasks)
-      task();
-    batchEnded_();
-  });
+  std::vector<Task> tasks;
+  {
+    const std::lock_guard lock(mutex_);
+    tasks.swap(tasks_);
+  }
+  for (const Task& task : tasks)
+    task();
+  batchEnded_();
 }
 
 }  // namespace corvana

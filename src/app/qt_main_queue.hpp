@@ -12,7 +12,8 @@
 namespace corvana {
 
 /// Runs tasks in batches, some milliseconds apart. Made and destroyed on the main thread; tasks
-/// that have not run by then are dropped. Where memory fails, the program ends (endForException).
+/// that have not run by then are dropped. Where a task cannot be taken, the program ends
+/// (endForException); a task that throws is the event loop's business (Application).
 class QtMainQueue : public QObject, public MainQueue {
  public:
   /// `batchEnded` is called on the main thread after each batch.

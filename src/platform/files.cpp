@@ -87,7 +87,12 @@ int openForReading(const Folder& folder, const std::string& name) {
   // Opening a pipe without a writer would otherwise wait for one.
   const int descriptor = open(O_NONBLOCK);
   if (descriptor >= 0 || errno != EAGAIN) return descriptor;
-  // Another program holds a lease on a regular file and is being asked to give it back.
+  struct stat status {};
+  if (::fstatat(folder.number(), name.c_str(), &status, 0) != 0 || !S_ISREG(status.st_mode)) {
+    errno = EAGAIN;
+    return -1;
+  }
+  // Another program holds a lease on the file and is being asked to give it back.
   return open(0);
 }
 

@@ -26,8 +26,8 @@ ResultTexts newVersionTexts(const VantorErgebnis& ergebnis, const std::string& a
                               {applicationName, newVersion, installedVersion}),
       .caption = vantor("Release Notes:"),
       .text = utf8FromUtf16(ergebnis.newReleaseNotes) + "\n\n" +
-              addressLine("Product Website: %@", ergebnis.newWebsiteForProgram) +
-              addressLine("Download URL: %@", ergebnis.newDownloadURL),
+              addressLine(translatable("Product Website: %@"), ergebnis.newWebsiteForProgram) +
+              addressLine(translatable("Download URL: %@"), ergebnis.newDownloadURL),
   };
 }
 

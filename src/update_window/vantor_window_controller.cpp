@@ -250,9 +250,9 @@ void VantorWindowController::showResult(const VantorErgebnis& result, int status
 
   const ResultState state = resultState(ergebnis, status);
   if (state != ResultState::unavailable)
-    offer(*btnGotoProductWebsite, "Visit %@", ergebnis.newWebsiteForProgram);
+    offer(*btnGotoProductWebsite, translatable("Visit %@"), ergebnis.newWebsiteForProgram);
   if (state == ResultState::newVersion) {
-    offer(*btnDownloadUpdate, "Download %@", ergebnis.newDownloadURL);
+    offer(*btnDownloadUpdate, translatable("Download %@"), ergebnis.newDownloadURL);
     btnDownloadUpdate->setDefault(btnDownloadUpdate->isEnabled());
     showText(*btnAskMeLater, textSize, vantor("Ask Me Later"));
   } else {

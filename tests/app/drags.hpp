@@ -22,11 +22,18 @@ inline bool enter(DropView& view, const QMimeData& data,
   return event.isAccepted();
 }
 
-/// Whether the view takes the drop.
+/// Whether the view takes the movement of a drag and the drop after it.
 inline bool drop(DropView& view, const QMimeData& data) {
-  QDropEvent event(view.rect().center(), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
-  QApplication::sendEvent(&view, &event);
-  return event.isAccepted();
+  const QPoint end = view.rect().center();
+  const Qt::DropActions actions = Qt::CopyAction | Qt::MoveAction;
+  QDragMoveEvent move(end, actions, &data, Qt::LeftButton, Qt::NoModifier);
+  QDropEvent drop(end, actions, &data, Qt::LeftButton, Qt::NoModifier);
+  for (QDropEvent* event : {static_cast<QDropEvent*>(&move), &drop}) {
+    event->setDropAction(Qt::MoveAction);
+    QApplication::sendEvent(&view, event);
+    EXPECT_TRUE(!event->isAccepted() || event->dropAction() == Qt::CopyAction);
+  }
+  return move.isAccepted() && drop.isAccepted();
 }
 
 inline void dragAndDrop(DropView& view, const std::vector<std::filesystem::path>& paths) {

@@ -17,31 +17,25 @@ struct Receiver : DropViewDelegate {
 };
 
 TEST(DropView, TakesDragsThatCarryFiles) {
-  struct Case {
-    const char* what;
-    const char* uris;
-    std::vector<fs::path> urls;
-  };
   const std::string here = "file://" + QSysInfo::machineHostName().toStdString() + "/tmp/a.wav";
-  for (const Case& test : {
-           Case{"folder", "file:///tmp/Samples/", {"/tmp/Samples/"}},
-           Case{"several, in their order", "file:///b\r\nfile:///a\r\n", {"/b", "/a"}},
-           Case{"spaces, percent, hash", "file:///a%20b%25%23.wav", {"/a b%#.wav"}},
-           Case{"not UTF-8", "file:///Fl%F6te.wav", {"/Fl\xF6te.wav"}},
-           Case{"with the name of this machine", here.c_str(), {"/tmp/a.wav"}},
-           Case{"files among other things", "https://a.example/x.wav\r\nfile:///x.wav", {"/x.wav"}},
-           Case{"web address", "https://a.example/x.wav", {}},
-           Case{"file of another machine", "file://far.example/x.wav", {}},
-           Case{"nothing", "", {}},
-       }) {
-    SCOPED_TRACE(test.what);
+  const std::pair<std::string, std::vector<fs::path>> cases[] = {
+      {"file:///b/\r\nfile:///a\r\n", {"/b/", "/a"}},
+      {"file:///a%20b%25%23.wav", {"/a b%#.wav"}},
+      {"file:///Fl%F6te.wav", {"/Fl\xF6te.wav"}},
+      {here, {"/tmp/a.wav"}},
+      {"https://a.example/x.wav\r\nfile:///x.wav", {"/x.wav"}},
+      {"https://a.example/x.wav", {}},
+      {"file://far.example/x.wav", {}},
+  };
+  for (const auto& [uris, urls] : cases) {
+    SCOPED_TRACE(uris);
     DropView view;
     Receiver receiver;
     view.delegate = &receiver;
     QMimeData data;
-    data.setData("text/uri-list", test.uris);
+    data.setData("text/uri-list", uris.c_str());
 
-    const bool carriesFiles = !test.urls.empty();
+    const bool carriesFiles = !urls.empty();
     EXPECT_EQ(enter(view, data), carriesFiles);
     EXPECT_EQ(view.isHighlighted(), carriesFiles);
     QDragLeaveEvent leave;
@@ -53,28 +47,13 @@ TEST(DropView, TakesDragsThatCarryFiles) {
     EXPECT_FALSE(view.isHighlighted());
     EXPECT_TRUE(receiver.received.empty()) << "the other program still waits";
     QCoreApplication::processEvents();
-    const std::vector<std::vector<fs::path>> expected(carriesFiles ? 1 : 0, test.urls);
+    const std::vector<std::vector<fs::path>> expected(carriesFiles ? 1 : 0, urls);
     EXPECT_EQ(receiver.received, expected);
   }
 }
 
-TEST(DropView, RefusesTextImagesAndMoves) {
+TEST(DropView, OutlivesItsDelegate) {
   DropView view;
-  QMimeData text;
-  text.setText("file:///tmp/a.wav");
-  EXPECT_FALSE(enter(view, text));
-  QMimeData image;
-  image.setImageData(QImage(4, 4, QImage::Format_RGB32));
-  EXPECT_FALSE(enter(view, image));
-  QMimeData file;
-  file.setUrls({QUrl("file:///tmp/a.wav")});
-  EXPECT_FALSE(enter(view, file, Qt::MoveAction)) << "the other program would delete the file";
-  EXPECT_FALSE(view.isHighlighted());
-}
-
-TEST(DropView, TakesDropsWithoutAndAfterItsDelegate) {
-  DropView view;
-  dragAndDrop(view, {"/tmp/a.wav"});
   auto receiver = std::make_unique<Receiver>();
   view.delegate = receiver.get();
   dragAndDrop(view, {"/tmp/a.wav"});
@@ -82,11 +61,10 @@ TEST(DropView, TakesDropsWithoutAndAfterItsDelegate) {
   QCoreApplication::processEvents();
 }
 
-TEST(DropView, DrawsItsFrameAndTintInTheColoursOfTheTheme) {
+TEST(DropView, DrawsItsFrameAndTheTintOfADragItTakes) {
   DropView view;
   view.resize(200, 100);
-  QPalette theme;
-  theme.setColor(QPalette::Window, Qt::black);
+  QPalette theme(Qt::black, Qt::black);
   theme.setColor(QPalette::PlaceholderText, Qt::green);
   theme.setColor(QPalette::Highlight, Qt::red);
   view.setPalette(theme);
@@ -96,10 +74,10 @@ TEST(DropView, DrawsItsFrameAndTintInTheColoursOfTheTheme) {
   EXPECT_TRUE(inFrame(20) || inFrame(26)) << "dashed";
   QMimeData data;
   data.setUrls({QUrl("file:///tmp/a.wav")});
+  EXPECT_FALSE(enter(view, data, Qt::MoveAction)) << "the other program would delete the file";
+  EXPECT_EQ(view.grab().toImage(), resting);
   enter(view, data);
-  const QImage tinted = view.grab().toImage();
-  EXPECT_GT(tinted.pixelColor(100, 50).red(), 0);
-  EXPECT_EQ(tinted.pixelColor(2, 50), QColor(Qt::black)) << "outside the frame";
+  EXPECT_GT(view.grab().toImage().pixelColor(100, 50).red(), 0);
 }
 
 }  // namespace

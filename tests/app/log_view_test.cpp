@@ -26,7 +26,7 @@ constexpr int patience = 20'000;  // ms
 
 const std::string warningSign = "   ⚠\uFE0E ";
 
-LogEntry converted(const std::string& name, std::vector<std::string> warnings = {}) {
+LogEntry converted(const std::string& name, const std::vector<std::string>& warnings = {}) {
   LogEntry entry{{name + ".wav => " + name + ".aif  [16-bit]"},
                  Outcome::converted,
                  "/in/" + name + ".wav",

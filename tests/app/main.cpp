@@ -1,20 +1,23 @@
-// The real window without a screen, without a session bus, with preferences of its own.
+// The real window without a screen, a session bus or a network, with preferences of its own.
 
-#include <QApplication>
+#include <QNetworkProxy>
 #include <QSettings>
+#include <QTemporaryDir>
 #include <gtest/gtest.h>
 
-#include "support/temporary_folder.hpp"
+#include "app/application.hpp"
 
 int main(int argumentCount, char** argumentValues) {
   qputenv("QT_QPA_PLATFORM", "offscreen");
   qputenv("DBUS_SESSION_BUS_ADDRESS", "disabled:");
-  QApplication application(argumentCount, argumentValues);
+  const QTemporaryDir folder;
+  qputenv("XDG_RUNTIME_DIR", folder.path().toUtf8());
+  corvana::Application application(argumentCount, argumentValues);
+  // Names are left to the proxy, which is not there.
+  QNetworkProxy::setApplicationProxy({QNetworkProxy::HttpProxy, "127.0.0.1", 1});
   QCoreApplication::setOrganizationName("Corvana");
   QCoreApplication::setApplicationName("Corvana");
-  const corvana::test::TemporaryFolder preferences;
-  QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope,
-                     QString::fromStdString(preferences.path().native()));
+  QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, folder.path());
   testing::InitGoogleTest(&argumentCount, argumentValues);
   return RUN_ALL_TESTS();
 }

@@ -1,5 +1,6 @@
 #include "batch/audio_files.hpp"
 
+#include <algorithm>
 #include <gtest/gtest.h>
 
 #include "batch/output_url.hpp"
@@ -51,9 +52,9 @@ TEST(AudioFiles, CollectsInTheGivenOrder) {
   fs::create_symlink("gone.aif", folder / "in/dangling.aif");
   fs::create_symlink("..", folder / "in/folder");
   const auto collect = [&](const std::vector<const char*>& names) {
-    std::vector<fs::path> urls;
-    for (const char* name : names)
-      urls.push_back(folder / name);
+    std::vector<fs::path> urls(names.size());
+    std::transform(names.begin(), names.end(), urls.begin(),
+                   [&](const char* name) { return folder / name; });
     std::string found;
     for (const AudioFile& file : collectAudioFiles(urls).files)
       found += fs::path(file.path).lexically_relative(folder.path()).native() + "|";

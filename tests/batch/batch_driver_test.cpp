@@ -97,7 +97,7 @@ TEST_F(Driver, GoesOnAfterABrokenFile) {
 }
 
 TEST_F(Driver, CountsThePartOfTheCurrentFile) {
-  driver.processURLs({writeWav("a.wav"), writeWav("b.wav", 2 * 1'048'576)});
+  driver.processURLs({writeWav("a.wav"), writeWav("b.wav", 2'097'152)});
   run();
   const auto b = std::find(view.events.begin(), view.events.end(), "Converting b.wav …");
   EXPECT_EQ(Events(b + 1, b + 3), (Events{"bar 0.75", "bar 1"}));

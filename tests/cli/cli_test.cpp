@@ -1,5 +1,6 @@
 // Runs the program as a shell would and looks at what comes out.
 
+#include <algorithm>
 #include <array>
 #include <chrono>
 #include <csignal>
@@ -32,10 +33,9 @@ class Program : public testing::Test {
   pid_t start(
       std::vector<std::string> arguments, const std::function<void()>& prepare = [] {}) {
     arguments.insert(arguments.begin(), CORVANA_CLI);
-    std::vector<char*> pointers;
-    for (std::string& argument : arguments)
-      pointers.push_back(argument.data());
-    pointers.push_back(nullptr);
+    std::vector<char*> pointers(arguments.size() + 1);
+    std::transform(arguments.begin(), arguments.end(), pointers.begin(),
+                   [](std::string& argument) { return argument.data(); });
     const pid_t child = ::fork();
     if (child != 0) return child;
     if (::chdir(in.path().c_str()) != 0) ::_exit(99);
@@ -166,7 +166,9 @@ TEST_F(Program, TakesAnyName) {
   for (const char* name : {"[a,b].wav", "-x.wav", "a\nb.wav", "\xFF\x1b[2J.wav", "'q\" ü.wav"}) {
     writeWav(name);
     const std::string stem = fs::path(name).stem().native();
-    EXPECT_EQ(run({"--", name}).output, name + (" => " + stem) + ".aif" + summary) << "exact bytes";
+    EXPECT_EQ(run({"--", name}).output,
+              std::string(name).append(" => ").append(stem).append(".aif").append(summary))
+        << "exact bytes";
     EXPECT_TRUE(fs::exists(in / (stem + ".aif")));
   }
   EXPECT_EQ(run({"[a,b].wav"}).status, 0);

@@ -90,7 +90,8 @@ TEST(SampleData, BlocksLeaveNoSeam) {
     const Format format{.channels = 3, .blockAlign = frameSize, .bits = bits};
     const Converted toAiff = convert(wav({fmt(format), data(little)}));
     EXPECT_TRUE(samplesOf(toAiff.file, big.size()) == big);
-    const double firstBlock = 1'048'576 / frameSize;
+    const std::uint32_t blockFrames = 1'048'576 / frameSize;
+    const double firstBlock = blockFrames;
     EXPECT_EQ(toAiff.progress, (std::vector{firstBlock / frames, 2 * firstBlock / frames, 1.0}));
     const Common common{.channels = 3, .frames = frames, .bits = bits};
     const Converted toWav = convert(aiff({comm(common), ssnd(big)}));

@@ -163,6 +163,7 @@ int openat(int folder, const char* name, int flags, ...) {
 }
 
 /// What hardened programs call.
+// NOLINTNEXTLINE(bugprone-reserved-identifier)
 int __openat_2(int folder, const char* name, int flags) {
   return openHere(folder, name, flags, 0);
 }

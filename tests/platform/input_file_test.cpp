@@ -1,6 +1,7 @@
 // Inputs that are no files, or become shorter while they are read.
 #include <csignal>
 #include <gtest/gtest.h>
+#include <optional>
 #include <stdexcept>
 #include <sys/stat.h>
 #include <sys/wait.h>
@@ -96,12 +97,13 @@ struct DiedOf {
 
 TEST(MappedGuardDeathTest, OtherFaultsKeepTheirEffect) {
   GTEST_FLAG_SET(death_test_style, "threadsafe");
-  const TemporaryFolder folder;
-  const InputFile lost = openFile(folder.write("lost.wav", content));
-  const InputFile whole = openFile(folder.write("whole.wav", content));
+  std::optional<TemporaryFolder> folder(std::in_place);
+  const InputFile lost = openFile(folder->write("lost.wav", content));
+  const InputFile whole = openFile(folder->write("whole.wav", content));
   std::span<const std::uint8_t> leaked;
   EXPECT_EQ(messageOfReading(lost, [&](auto bytes) { leaked = bytes; }), "no FileError");
-  fs::resize_file(folder / "lost.wav", 0);
+  fs::resize_file(*folder / "lost.wav", 0);
+  folder.reset();  // which those that die here could not remove
   const auto onThread = [&](auto) { std::thread([&] { sumOf(leaked); }).join(); };
   EXPECT_EXIT(sumOf(leaked), DiedOf{SIGBUS}, "") << "outside of read()";
   EXPECT_EXIT(whole.read([&](auto) { sumOf(leaked); }), DiedOf{SIGBUS}, "") << "another file";
