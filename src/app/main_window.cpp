@@ -62,10 +62,20 @@ void MainWindow::makeViews() {
   auto* status = new ElidingLabel;
   status->setAccessibleName(qtText(localised("Status")));
 
-  auto* log = new QPlainTextEdit;
-  log->setTabChangesFocus(true);
+  auto* counts = new QToolButton;
+  counts->setAutoRaise(true);
+  counts->setToolTip(qtText(localised("Shows the next file that failed or has warnings.")));
+  // The views below stay where they are when it appears.
+  QSizePolicy keepsItsPlace = counts->sizePolicy();
+  keepsItsPlace.setRetainSizeWhenHidden(true);
+  counts->setSizePolicy(keepsItsPlace);
+  counts->hide();
+
+  auto* log = new LogView;
   log->setPlaceholderText(qtText(localised("Converted files and their warnings appear here.")));
   log->setAccessibleName(qtText(localised("Log")));
+
+  findBar_ = new FindBar(*log);
 
   auto* options = new QVBoxLayout;
   options->setSpacing(spacing / 2);
@@ -74,7 +84,10 @@ void MainWindow::makeViews() {
 
   auto* run = new QVBoxLayout;
   run->setSpacing(spacing / 2);
-  run->addWidget(status);
+  auto* statusRow = new QHBoxLayout;
+  statusRow->addWidget(status, 1);
+  statusRow->addWidget(counts);
+  run->addLayout(statusRow);
   run->addWidget(progress);
 
   // The frame of the drop view, not its edge, stands in line with the views below it.
@@ -85,6 +98,7 @@ void MainWindow::makeViews() {
   below->addLayout(options);
   below->addLayout(run);
   below->addWidget(log, 1);
+  below->addWidget(findBar_);
 
   auto* content = new QWidget;
   auto* layout = new QVBoxLayout(content);
@@ -99,9 +113,11 @@ void MainWindow::makeViews() {
   controller_.overwriteCheckbox = overwrite;
   controller_.progressIndicator = progress;
   controller_.statusLabel = status;
+  controller_.countsButton = counts;
   controller_.logView = log;
   connect(subfolder, &QCheckBox::clicked, &controller_, &ViewController::subfolderChanged);
   connect(overwrite, &QCheckBox::clicked, &controller_, &ViewController::overwriteChanged);
+  connect(counts, &QToolButton::clicked, log, &LogView::showNextProblem);
 }
 
 QWidget* MainWindow::makeInvitation() {
@@ -130,14 +146,7 @@ void MainWindow::makeMenus() {
   file->addSeparator();
   file->addAction(qtText(localised("&Quit")), Qt::CTRL | Qt::Key_Q, this, &MainWindow::close);
 
-  QPlainTextEdit* log = controller_.logView;
-  QMenu* edit = menuBar()->addMenu(qtText(localised("&Edit")));
-  QAction* copy =
-      edit->addAction(qtText(localised("&Copy")), QKeySequence::Copy, log, &QPlainTextEdit::copy);
-  copy->setEnabled(false);
-  connect(log, &QPlainTextEdit::copyAvailable, copy, &QAction::setEnabled);
-  edit->addAction(qtText(localised("Select &All")), QKeySequence::SelectAll, log,
-                  &QPlainTextEdit::selectAll);
+  makeLogMenus();
 
   QMenu* help = menuBar()->addMenu(qtText(localised("&Help")));
   if (offersUpdateCheck()) {
@@ -146,6 +155,57 @@ void MainWindow::makeMenus() {
     help->addSeparator();
   }
   help->addAction(qtText(localised("&About Corvana")), this, &MainWindow::showAbout);
+}
+
+void MainWindow::makeLogMenus() {
+  LogView* log = controller_.logView;
+  QMenu* edit = menuBar()->addMenu(qtText(localised("&Edit")));
+  QAction* copy =
+      edit->addAction(qtText(localised("&Copy")), QKeySequence::Copy, log, &LogView::copy);
+  copy->setEnabled(false);
+  connect(log, &LogView::copyAvailable, copy, &QAction::setEnabled);
+  QAction* selectAll = edit->addAction(qtText(localised("Select &All")), QKeySequence::SelectAll,
+                                       log, &LogView::selectAll);
+  edit->addSeparator();
+  QAction* find =
+      edit->addAction(qtText(localised("&Find…")), QKeySequence::Find, findBar_, &FindBar::open);
+  edit->addAction(qtText(localised("Find &Next")), Qt::CTRL | Qt::Key_G, findBar_,
+                  &FindBar::findNext);
+  edit->addAction(qtText(localised("Find &Previous")), Qt::CTRL | Qt::SHIFT | Qt::Key_G, findBar_,
+                  &FindBar::findPrevious);
+
+  QMenu* menu = menuBar()->addMenu(qtText(localised("&Log")));
+  menu->addAction(qtText(localised("&Next Failure or Warning")), Qt::Key_F3, log,
+                  &LogView::showNextProblem);
+  menu->addAction(qtText(localised("&Previous Failure or Warning")), Qt::SHIFT | Qt::Key_F3, log,
+                  &LogView::showPreviousProblem);
+  menu->addSeparator();
+  QAction* show =
+      menu->addAction(qtText(localised("Show in &File Manager")), log, &LogView::showInFileManager);
+  QAction* copyPath = menu->addAction(qtText(localised("&Copy Path")), log, &LogView::copyPaths);
+  for (QAction* action : {show, copyPath})
+    action->setEnabled(false);
+  connect(log, &LogView::filesChosen, menu, [show, copyPath](std::ptrdiff_t count) {
+    show->setEnabled(count > 0 && count <= LogView::maxShownFiles);
+    copyPath->setEnabled(count > 0);
+  });
+  menu->addSeparator();
+  QAction* save = menu->addAction(qtText(localised("&Save Log As…")), QKeySequence::Save, log,
+                                  &LogView::saveAs);
+  menu->addSeparator();
+  menu->addAction(qtText(localised("&Larger Text")), log, [log] { log->zoomBy(1); })
+      ->setShortcuts({QKeySequence::ZoomIn, Qt::CTRL | Qt::Key_Equal});
+  menu->addAction(qtText(localised("S&maller Text")), QKeySequence::ZoomOut, log,
+                  [log] { log->zoomBy(-1); });
+  menu->addAction(qtText(localised("N&ormal Text Size")), Qt::CTRL | Qt::Key_0, log,
+                  &LogView::resetZoom);
+
+  const auto separator = [log] {
+    auto* line = new QAction(log);
+    line->setSeparator(true);
+    return line;
+  };
+  log->addActions({show, copyPath, separator(), copy, selectAll, separator(), find, save});
 }
 
 void MainWindow::showAbout() {

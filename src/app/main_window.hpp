@@ -1,8 +1,11 @@
 // The layout of the main window: its views, its menus, and who is connected with whom.
 #pragma once
 
+#include <QApplication>
 #include <QMainWindow>
 
+#include "app/file_manager.hpp"
+#include "app/find_bar.hpp"
 #include "app/view_controller.hpp"
 
 namespace corvana {
@@ -22,8 +25,11 @@ class MainWindow : public QMainWindow {
   void makeViews();
   QWidget* makeInvitation();
   void makeMenus();
+  void makeLogMenus();
   void showAbout();
 
+  const LastInput lastInput_{qApp};
+  FindBar* findBar_ = nullptr;
   ViewController controller_;
 };
 

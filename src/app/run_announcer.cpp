@@ -5,6 +5,7 @@
 #include <QDBusPendingCallWatcher>
 #include <QDBusPendingReply>
 #include <QVariantMap>
+#include <utility>
 
 #include "app/bring_to_front.hpp"
 #include "app/desktop_bus.hpp"
@@ -20,13 +21,14 @@ const QString notificationsPath = QStringLiteral("/org/freedesktop/Notifications
 constexpr int serversChoice = -1;  // of the time that a notification is seen
 
 /// What went wrong, in a line for each kind. Empty where nothing did.
-QString troubles(const RunState& begin, const RunState& end) {
+QString troubles(const RunState& end) {
   QStringList lines;
-  if (const auto failed = end.failed - begin.failed; failed > 0)
+  if (end.failed > 0)
     lines << qtText(localisedCount("%ld file could not be converted.",
-                                   "%ld files could not be converted.", failed));
-  if (const auto warned = end.withWarnings - begin.withWarnings; warned > 0)
-    lines << qtText(localisedCount("%ld file has warnings.", "%ld files have warnings.", warned));
+                                   "%ld files could not be converted.", end.failed));
+  if (end.withWarnings > 0)
+    lines << qtText(
+        localisedCount("%ld file has warnings.", "%ld files have warnings.", end.withWarnings));
   return lines.join(QLatin1Char('\n'));
 }
 
@@ -40,19 +42,17 @@ RunAnnouncer::RunAnnouncer(const QDBusConnection& bus) : bus_(bus) {
 }
 
 RunAnnouncer::~RunAnnouncer() {
-  if (begin_.isRunning) showProgress(0, false);
+  if (isRunning_) showProgress(0, false);
 }
 
 void RunAnnouncer::update(QWidget& window, const RunState& state) {
   window_ = &window;
   if (state.isRunning) {
     const int percent = static_cast<int>(state.progress * 100);
-    const bool isNew = !begin_.isRunning;
-    if (isNew) begin_ = state;
+    const bool isNew = !std::exchange(isRunning_, true);
     if (isNew || percent != shownPercent_) showProgress(state.progress, true);
     shownPercent_ = percent;
-  } else if (begin_.isRunning) {
-    begin_.isRunning = false;
+  } else if (std::exchange(isRunning_, false)) {
     showProgress(0, false);
     const bool isLookedAt = QApplication::activeWindow() != nullptr || !window.isVisible();
     if (isLookedAt) return;
@@ -76,7 +76,7 @@ void RunAnnouncer::notify(const RunState& end) {
   QDBusMessage notification = QDBusMessage::createMethodCall(
       notifications, notificationsPath, notifications, QStringLiteral("Notify"));
   notification << QCoreApplication::applicationName() << notification_ << QLatin1String(desktopId)
-               << end.status << troubles(begin_, end)
+               << end.status << troubles(end)
                << QStringList{QStringLiteral("default"), qtText(localised("Show"))}
                << QVariantMap{{QStringLiteral("desktop-entry"), QLatin1String(desktopId)},
                               {QStringLiteral("category"), QStringLiteral("transfer.complete")}}

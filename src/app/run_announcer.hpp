@@ -17,8 +17,8 @@ struct RunState {
   bool isRunning = false;
   double progress = 0;            ///< 0.0 to 1.0
   QString status = {};            ///< one line; at the end, what was done
-  std::int64_t failed = 0;        ///< files that could not be converted since the start
-  std::int64_t withWarnings = 0;  ///< files with warnings since the start
+  std::int64_t failed = 0;        ///< files of the run that could not be converted
+  std::int64_t withWarnings = 0;  ///< files of the run that have warnings
 };
 
 /// Main thread only. Without a session bus it only marks the window.
@@ -43,7 +43,7 @@ class RunAnnouncer : public QObject {
 
   QDBusConnection bus_;
   QPointer<QWidget> window_;
-  RunState begin_;  // of the run
+  bool isRunning_ = false;
   int shownPercent_ = 0;
   uint notification_ = 0;       // the last one; 0: none yet
   QByteArray activationToken_;  // for the click that follows

@@ -2,9 +2,7 @@
 
 #include <QDir>
 #include <QFontDatabase>
-#include <QScrollBar>
 #include <QSettings>
-#include <QTextCursor>
 #include <cmath>
 #include <utility>
 
@@ -33,6 +31,17 @@ QFont makeLogFont() {
   return font;
 }
 
+/// Such as "19,601 converted · 400 failed · 1,600 with warnings".
+std::string countsText(const RunCounts& counts) {
+  std::string text;
+  const auto add = [&text](const std::string& part) { text += (text.empty() ? "" : " · ") + part; };
+  if (counts.converted > 0) add(localisedCount("%ld converted", "%ld converted", counts.converted));
+  if (counts.failed > 0) add(localisedCount("%ld failed", "%ld failed", counts.failed));
+  if (counts.withWarnings > 0)
+    add(localisedCount("%ld with warnings", "%ld with warnings", counts.withWarnings));
+  return text;
+}
+
 void restoreCheckboxState(QCheckBox& checkbox, const char* key) {
   checkbox.setChecked(QSettings().value(QLatin1String(key), false).toBool());
 }
@@ -54,9 +63,6 @@ ViewController::ViewController(AppDelegate* appDelegate)
 
 void ViewController::viewDidLoad() {
   dropView->delegate = this;
-  logView->setReadOnly(true);
-  logView->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
-  logView->setUndoRedoEnabled(false);
   // The text colour stays the palette's, so that it follows the theme.
   logView->setFont(logFont);
   restoreCheckboxState(*subfolderCheckbox, subfolderKey);
@@ -102,6 +108,11 @@ BatchOptions ViewController::options() const {
           .overwrite = overwriteCheckbox->isChecked()};
 }
 
+void ViewController::runStarted() {
+  logView->startRun();
+  changes_.counts = true;
+}
+
 void ViewController::setStatus(const std::string& text) {
   changes_.status = text;
 }
@@ -111,8 +122,8 @@ void ViewController::setProgress(double fraction) {
 }
 
 void ViewController::appendLog(const LogEntry& entry) {
-  changes_.log += entry.screenText() + '\n';
-  if (entry.lines.size() > 1) ++filesWithWarnings_;
+  logView->append(entry);
+  changes_.counts = true;
 }
 
 void ViewController::confirmReplacingInputs(const NameClash& example,
@@ -133,22 +144,27 @@ void ViewController::showChanges() {
   if (changes.status) statusLabel->setText(screenLine(*changes.status));
   if (changes.progress)
     progressIndicator->setValue(static_cast<int>(std::lround(*changes.progress * progressSteps)));
+  logView->showAppended();
   announceRun();
-  if (changes.log.empty()) return;
-  // A cursor of its own leaves the user's selection alone.
-  QTextCursor end(logView->document());
-  end.movePosition(QTextCursor::End);
-  end.insertText(qtText(changes.log));
-  QScrollBar* bar = logView->verticalScrollBar();
-  bar->setValue(bar->maximum());
+  if (!changes.counts) return;
+  const RunCounts& counts = logView->counts();
+  countsButton->setText(qtText(countsText(counts)));
+  countsButton->setVisible(!countsButton->text().isEmpty());
+  const bool hasProblems = counts.failed + counts.withWarnings > 0;
+  // With nothing to lead to it is a text.
+  countsButton->setFocusPolicy(hasProblems ? Qt::StrongFocus : Qt::NoFocus);
+  countsButton->setAttribute(Qt::WA_TransparentForMouseEvents, !hasProblems);
+  QFont font = countsButton->font();
+  font.setUnderline(hasProblems);
+  countsButton->setFont(font);
 }
 
 void ViewController::announceRun() {
   announcer_.update(*window(), {.isRunning = driver_.totalFiles() > 0,
                                 .progress = progressIndicator->value() / double{progressSteps},
                                 .status = statusLabel->text(),
-                                .failed = driver_.failedFiles(),
-                                .withWarnings = filesWithWarnings_});
+                                .failed = logView->counts().failed,
+                                .withWarnings = logView->counts().withWarnings});
 }
 
 void ViewController::subfolderChanged() {

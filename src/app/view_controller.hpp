@@ -5,14 +5,15 @@
 #include <QCheckBox>
 #include <QFont>
 #include <QLabel>
-#include <QPlainTextEdit>
 #include <QPointer>
 #include <QProgressBar>
+#include <QToolButton>
 #include <optional>
 #include <string>
 
 #include "app/app_delegate.hpp"
 #include "app/drop_view.hpp"
+#include "app/log_view.hpp"
 #include "app/qt_main_queue.hpp"
 #include "app/run_announcer.hpp"
 #include "batch/batch_driver.hpp"
@@ -32,7 +33,8 @@ class ViewController : public DropViewDelegate, public BatchView {
   QPointer<QCheckBox> overwriteCheckbox;
   QPointer<QProgressBar> progressIndicator;
   QPointer<QLabel> statusLabel;
-  QPointer<QPlainTextEdit> logView;
+  QPointer<QToolButton> countsButton;  ///< what became of the files of the last run
+  QPointer<LogView> logView;
 
   /// Font of every log line.
   const QFont logFont;
@@ -56,6 +58,7 @@ class ViewController : public DropViewDelegate, public BatchView {
   const BatchDriver& driver() const { return driver_; }
 
   BatchOptions options() const override;
+  void runStarted() override;
   // The views need longer for one change than the driver for a short file, so changes gather
   // until showChanges.
   void setStatus(const std::string& text) override;
@@ -80,14 +83,13 @@ class ViewController : public DropViewDelegate, public BatchView {
   struct Changes {
     std::optional<std::string> status;
     std::optional<double> progress;
-    std::string log;
+    bool counts = false;
   };
 
   void announceRun();
 
   QPointer<AppDelegate> appDelegate_;
   Changes changes_;
-  std::int64_t filesWithWarnings_ = 0;
   RunAnnouncer announcer_;
   QString openPanelFolder_;  // where the last panel of this run was
   QtMainQueue mainQueue_;

@@ -18,16 +18,19 @@ namespace {
 
 namespace fs = std::filesystem;
 
-LogEntry successEntry(const std::string& fileName, const ConversionResult& result) {
-  LogEntry entry{
-      {fileName + " => " + result.outputURL.filename().native() + "  [" + result.summary + "]"}};
+LogEntry successEntry(const AudioFile& file, const ConversionResult& result) {
+  LogEntry entry{{std::string(file.name()) + " => " + result.outputURL.filename().native() + "  [" +
+                  result.summary + "]"},
+                 Outcome::converted,
+                 file.path,
+                 result.outputURL.native()};
   for (const std::string& warning : result.warnings)
     entry.lines.push_back("   ⚠\uFE0E " + warning);
   return entry;
 }
 
-LogEntry failureEntry(const std::string& fileName, const std::string& message) {
-  return {{"✗ " + fileName + ": " + message}};
+LogEntry failureEntry(const AudioFile& file, const std::string& message) {
+  return {{"✗ " + std::string(file.name()) + ": " + message}, Outcome::failed, file.path};
 }
 
 /// The lines with a line feed between them, each as `shown` gives it.
@@ -100,6 +103,7 @@ void BatchDriver::processURLs(const std::vector<fs::path>& urls) {
 }
 
 void BatchDriver::start(const Files& files, const BatchOptions& options) {
+  if (totalFiles_ == 0) view_.runStarted();
   totalFiles_ += static_cast<std::int64_t>(files->size());
   view_.setProgress(static_cast<double>(finishedFiles_) / static_cast<double>(totalFiles_));
   workQueue_.async([this, files, options] { convertFiles(*files, options); });
@@ -112,29 +116,28 @@ void BatchDriver::convertFiles(const std::vector<AudioFile>& files, const BatchO
   std::optional<InputFolder> folder;
   for (const AudioFile& file : files) {
     if (isStopped()) break;
-    const std::string fileName(file.name());
-    mainQueue_.post([this, status = fillText(localised("Converting %@ …"), {fileName})] {
-      view_.setStatus(status);
-    });
-    FileReport report;
+    mainQueue_.post(
+        [this, status = fillText(localised("Converting %@ …"), {std::string(file.name())})] {
+          view_.setStatus(status);
+        });
+    LogEntry entry;
     try {
       if (!folder || !folder->isOf(file)) folder = openFolderOf(file);
-      report = {convertFile(*folder, file, options, inputs), true};
+      entry = convertFile(*folder, file, options, inputs);
     } catch (const ConversionError& error) {
       if (error.kind() == ConversionError::Case::writeFailed) reportReason(error);
-      report.entry = failureEntry(fileName, errorDescription(error, systemLanguage()));
+      entry = failureEntry(file, errorDescription(error, systemLanguage()));
     } catch (const std::exception& error) {
-      report.entry = failureEntry(fileName, error.what());
+      entry = failureEntry(file, error.what());
     }
-    mainQueue_.post([this, report = std::move(report)] { fileFinished(report); });
+    mainQueue_.post([this, entry = std::move(entry)] { fileFinished(entry); });
   }
   if (isStopped()) mainQueue_.post([this] { totalFiles_ = finishedFiles_ = 0; });
 }
 
 LogEntry BatchDriver::convertFile(InputFolder& folder, const AudioFile& file,
                                   const BatchOptions& options, const BatchInputs& inputs) {
-  const std::string fileName(file.name());
-  const InputFile input(folder.folder(), fileName, file.path);
+  const InputFile input(folder.folder(), std::string(file.name()), file.path);
   const bool isAIFF = input.read(detectFormat);
   const OutputTarget output = makeOutputURL(folder, input, isAIFF, options, inputs);
   const ProgressHandler progress = [&](double fraction) {
@@ -148,7 +151,7 @@ LogEntry BatchDriver::convertFile(InputFolder& folder, const AudioFile& file,
   };
   const ConversionResult result = isAIFF ? convertAIFFToWAV(input, output, progress)
                                          : convertWAVToAIFF(input, output, progress);
-  return successEntry(fileName, result);
+  return successEntry(file, result);
 }
 
 void BatchDriver::reportReason(const ConversionError& error) {
@@ -167,10 +170,10 @@ void BatchDriver::reportProgress(double fraction) {
   });
 }
 
-void BatchDriver::fileFinished(const FileReport& report) {
+void BatchDriver::fileFinished(const LogEntry& entry) {
   ++finishedFiles_;
-  if (!report.converted) ++failedFiles_;
-  view_.appendLog(report.entry);
+  if (entry.outcome == Outcome::failed) ++failedFiles_;
+  view_.appendLog(entry);
   if (totalFiles_ >= 1)
     view_.setProgress(static_cast<double>(finishedFiles_) / static_cast<double>(totalFiles_));
   if (finishedFiles_ < totalFiles_) return;

@@ -7,6 +7,7 @@
 #include <filesystem>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -19,10 +20,16 @@
 
 namespace corvana {
 
-/// What the log says of one file, or of a batch without files. A line holds the names and texts of
-/// files as they are, line feeds included.
+/// What became of a file.
+enum class Outcome { converted, failed };
+
+/// What the log says of one finished file, or of a batch without files. A line holds the names and
+/// texts of files as they are, line feeds included.
 struct LogEntry {
-  std::vector<std::string> lines;  ///< what became of the file; then one for each warning
+  std::vector<std::string> lines;       ///< what became of the file; then one for each warning
+  std::optional<Outcome> outcome = {};  ///< none for a batch without files
+  std::string input = {};               ///< path, as given or found
+  std::string output = {};              ///< path of the file that was written; empty where failed
 
   /// The exact bytes, for programs. A line feed is to follow.
   std::string text() const;
@@ -35,6 +42,8 @@ class BatchView {
  public:
   virtual ~BatchView() = default;
   virtual BatchOptions options() const = 0;
+  /// The first file of a run is queued; it ends with the last one of all batches queued by then.
+  virtual void runStarted() {}
   virtual void setStatus(const std::string& text) = 0;
   virtual void setProgress(double fraction) = 0;  ///< 0.0 to 1.0
   virtual void appendLog(const LogEntry& entry) = 0;
@@ -48,12 +57,6 @@ class BatchView {
                                       const std::function<void(InputClash)>& answer) {
     answer(options().clash);
   }
-};
-
-/// One finished file.
-struct FileReport {
-  LogEntry entry;
-  bool converted = false;
 };
 
 /// Everything runs on the main thread unless said otherwise.
@@ -92,7 +95,7 @@ class BatchDriver {
   void reportProgress(double fraction);
   void reportReason(const ConversionError& error);
 
-  void fileFinished(const FileReport& report);
+  void fileFinished(const LogEntry& entry);
 
   BatchView& view_;
   MainQueue& mainQueue_;

@@ -117,9 +117,8 @@ TEST_F(Desktop, ARunShowsInTheTaskBarAndNotifiesWhereNobodyLooks) {
   RunAnnouncer announcer(QDBusConnection::connectToBus(bus.address(), "program"));
   const auto run = [&](const RunState& end) {
     desktop.progress.clear();
-    announcer.update(window, {.isRunning = true, .failed = 1});
-    announcer.update(window, {.isRunning = true, .progress = 0.5, .failed = 1});
-    announcer.update(window, {.isRunning = true, .progress = 0.501, .failed = 2});
+    for (const double progress : {0.0, 0.5, 0.501})
+      announcer.update(window, {.isRunning = true, .progress = progress, .failed = 3});
     announcer.update(window, end);
     announcer.update(window, end);
     const std::vector<std::pair<double, bool>> expected = {{0, true}, {0.5, true}, {0, false}};
@@ -135,11 +134,11 @@ TEST_F(Desktop, ARunShowsInTheTaskBarAndNotifiesWhereNobodyLooks) {
     QString text;
     const char* token;
   } const cases[] = {
-      {{.status = "1", .failed = 2, .withWarnings = 2},
+      {{.status = "1", .failed = 1, .withWarnings = 2},
        0,
        "1 file could not be converted.\n2 files have warnings.",
        "a"},
-      {{.status = "2", .failed = 1}, FakeDesktop::notification, "", "b"},
+      {{.status = "2"}, FakeDesktop::notification, "", "b"},
   };
   for (const auto& c : cases) {
     lookAway();

@@ -23,11 +23,13 @@ class RecordingView : public BatchView {
   void appendLog(const LogEntry& entry) override {
     events.push_back("log " + entry.text());
     log.push_back(entry.text());
+    last = entry;
   }
 
   bool subfolder = false;
   Events events;
   Events log;
+  LogEntry last;
 };
 
 class Driver : public testing::Test {
@@ -60,6 +62,9 @@ TEST_F(Driver, ShowsAFileStepByStep) {
               "   ⚠\uFE0E Loop 1: a play count of 1 cannot be stored in AIFF (the loop plays "
               "indefinitely).",
               "bar 1", "Done – 1 file processed.", "bar 1"}));
+  EXPECT_EQ(view.last.outcome, Outcome::converted);
+  EXPECT_EQ(fs::path(view.last.input), input);
+  EXPECT_EQ(fs::path(view.last.output), folder / "loop.aif");
   EXPECT_EQ(driver.finishedFiles(), 0);
   EXPECT_EQ(driver.failedFiles(), 0);
 }
