@@ -1,7 +1,6 @@
 #include "app/app_delegate.hpp"
 
-#include <QWidget>
-
+#include "app/bring_to_front.hpp"
 #include "app/view_controller.hpp"
 
 namespace corvana {
@@ -14,12 +13,8 @@ void AppDelegate::openFiles(const std::vector<std::filesystem::path>& paths) {
   }
 }
 
-void AppDelegate::activate() {
-  if (!mainViewController) return;
-  QWidget* window = mainViewController->window();
-  window->setWindowState(window->windowState() & ~Qt::WindowMinimized);
-  window->raise();
-  window->activateWindow();
+void AppDelegate::activate(const QByteArray& activationToken) {
+  if (mainViewController) bringToFront(*mainViewController->window(), activationToken);
 }
 
 }  // namespace corvana

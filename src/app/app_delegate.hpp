@@ -1,6 +1,7 @@
 // The application object's helper: files that the desktop asks the program to open.
 #pragma once
 
+#include <QByteArray>
 #include <QObject>
 #include <QPointer>
 #include <filesystem>
@@ -18,8 +19,8 @@ class AppDelegate : public QObject {
   /// it has loaded. Always a success; what is usable is found out later.
   void openFiles(const std::vector<std::filesystem::path>& paths);
 
-  /// Brings the window to the front.
-  void activate();
+  /// Brings the window to the front (bringToFront).
+  void activate(const QByteArray& activationToken = {});
 
   /// Set by the controller when its view has loaded.
   QPointer<ViewController> mainViewController;

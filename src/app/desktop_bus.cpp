@@ -3,7 +3,9 @@
 #include <QDBusConnection>
 #include <QDBusConnectionInterface>
 #include <QDBusMessage>
+#include <QGuiApplication>
 #include <QUrl>
+#include <QWindow>
 
 #include "app/qt_values.hpp"
 
@@ -14,8 +16,13 @@ namespace {
 constexpr const char* objectPath = "/example/corvana/Corvana";
 constexpr const char* interfaceName = "org.freedesktop.Application";
 
+/// Keys of platform data.
+constexpr const char* activationToken = "activation-token";
+constexpr const char* startupId = "desktop-startup-id";
+
 /// Whether the running program has got the request.
-bool handOver(const QDBusConnection& bus, const std::vector<std::filesystem::path>& paths) {
+bool handOver(const QDBusConnection& bus, const std::vector<std::filesystem::path>& paths,
+              const QVariantMap& tokens) {
   QDBusMessage request = QDBusMessage::createMethodCall(desktopId, objectPath, interfaceName,
                                                         paths.empty() ? "Activate" : "Open");
   request.setAutoStartService(false);
@@ -25,7 +32,7 @@ bool handOver(const QDBusConnection& bus, const std::vector<std::filesystem::pat
       uris << urlTextOfPath(path);
     request << uris;
   }
-  request << QVariantMap();
+  request << tokens;
   const QDBusMessage reply = bus.call(request);
   if (reply.type() == QDBusMessage::ReplyMessage) return true;
   // No reply: either it is busy for very long, but has the request, or it ended over it.
@@ -33,27 +40,50 @@ bool handOver(const QDBusConnection& bus, const std::vector<std::filesystem::pat
          bus.interface()->isServiceRegistered(desktopId);
 }
 
+/// On X11 the launcher's busy pointer waits for a window of this start. One that nobody sees does.
+void endBusyPointer() {
+  QWindow window;
+  window.setFlag(Qt::BypassWindowManagerHint);
+  window.setGeometry(-1, -1, 1, 1);
+  window.show();
+  QGuiApplication::sync();
+}
+
+QByteArray tokenOf(const QVariantMap& platformData) {
+  return platformData.value(activationToken).toString().toUtf8();
+}
+
 }  // namespace
 
 DesktopAdaptor::DesktopAdaptor(AppDelegate& appDelegate)
     : QDBusAbstractAdaptor(&appDelegate), appDelegate_(appDelegate) {}
 
-void DesktopAdaptor::Activate(const QVariantMap& /*platformData*/) {
-  appDelegate_.activate();
+void DesktopAdaptor::Activate(const QVariantMap& platformData) {
+  appDelegate_.activate(tokenOf(platformData));
 }
 
-void DesktopAdaptor::Open(const QStringList& uris, const QVariantMap& /*platformData*/) {
+void DesktopAdaptor::Open(const QStringList& uris, const QVariantMap& platformData) {
   QList<QUrl> urls;
   for (const QString& uri : uris)
     urls << QUrl(uri);
-  appDelegate_.activate();
   appDelegate_.openFiles(pathsOfURLs(urls));
+  appDelegate_.activate(tokenOf(platformData));
 }
 
 void DesktopAdaptor::ActivateAction(const QString& /*action*/, const QVariantList& /*parameters*/,
                                     const QVariantMap& /*platformData*/) {}
 
-DesktopRole joinDesktop(AppDelegate& appDelegate, const std::vector<std::filesystem::path>& paths) {
+QVariantMap launchTokens() {
+  QVariantMap tokens;
+  for (const auto& [key, variable] : {std::pair(activationToken, "XDG_ACTIVATION_TOKEN"),
+                                      std::pair(startupId, "DESKTOP_STARTUP_ID")})
+    if (const QString token = qEnvironmentVariable(variable); !token.isEmpty())
+      tokens.insert(QLatin1String(key), token);
+  return tokens;
+}
+
+DesktopRole joinDesktop(AppDelegate& appDelegate, const std::vector<std::filesystem::path>& paths,
+                        const QVariantMap& tokens) {
   QDBusConnection bus = QDBusConnection::sessionBus();
   if (!bus.isConnected()) return DesktopRole::window;
   new DesktopAdaptor(appDelegate);
@@ -63,7 +93,10 @@ DesktopRole joinDesktop(AppDelegate& appDelegate, const std::vector<std::filesys
   constexpr int maxAttempts = 3;
   for (int i = 0; i < maxAttempts; ++i) {
     if (bus.registerService(desktopId)) return DesktopRole::window;
-    if (handOver(bus, paths)) return DesktopRole::handedOver;
+    if (!handOver(bus, paths, tokens)) continue;
+    if (tokens.contains(startupId) && QGuiApplication::platformName() == QLatin1String("xcb"))
+      endBusyPointer();
+    return DesktopRole::handedOver;
   }
   return DesktopRole::window;
 }

@@ -24,6 +24,7 @@ class DesktopAdaptor : public QDBusAbstractAdaptor {
 
  public slots:
   void Activate(const QVariantMap& platformData);
+  /// Takes file URLs of this machine; others are left out.
   void Open(const QStringList& uris, const QVariantMap& platformData);
   /// There are no such actions.
   void ActivateAction(const QString& action, const QVariantList& parameters,
@@ -36,10 +37,15 @@ class DesktopAdaptor : public QDBusAbstractAdaptor {
 /// Whether this start of the program is the one with the window.
 enum class DesktopRole { window, handedOver };
 
+/// What the desktop gave this start so that its window may come to the front, as platform data.
+/// To be asked for before there is an application object, which takes a part of it away.
+QVariantMap launchTokens();
+
 /// Makes this program the one of its session, or hands `paths` (absolute; without any: a
-/// request to come to the front) to the one that already is. Without a session bus every start
-/// has a window.
-DesktopRole joinDesktop(AppDelegate& appDelegate, const std::vector<std::filesystem::path>& paths);
+/// request to come to the front) and the launch tokens to the one that already is. Without a
+/// session bus every start has a window.
+DesktopRole joinDesktop(AppDelegate& appDelegate, const std::vector<std::filesystem::path>& paths,
+                        const QVariantMap& tokens);
 
 /// Later starts are on their own from now on.
 void leaveDesktop();

@@ -90,6 +90,7 @@ std::vector<fs::path> filesOfCommandLine(int count, char** arguments) {
 int run(int argumentCount, char** argumentValues) {
   corvana::useSystemLanguage(corvana::runningProgramFolder());
   describeProgram();
+  const QVariantMap launchTokens = corvana::launchTokens();
   corvana::Application application(argumentCount, argumentValues);
   QApplication::setWindowIcon(programIcon());
   QTranslator toolkitTexts;
@@ -98,7 +99,8 @@ int run(int argumentCount, char** argumentValues) {
 
   corvana::AppDelegate delegate;
   const std::vector<fs::path> files = filesOfCommandLine(argumentCount, argumentValues);
-  if (corvana::joinDesktop(delegate, files) == corvana::DesktopRole::handedOver) return 0;
+  if (corvana::joinDesktop(delegate, files, launchTokens) == corvana::DesktopRole::handedOver)
+    return 0;
   delegate.openFiles(files);
 
   corvana::MainWindow window(&delegate);

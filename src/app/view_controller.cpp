@@ -124,6 +124,7 @@ void ViewController::setProgress(double fraction) {
 void ViewController::appendLog(const LogEntry& entry) {
   logView->append(entry);
   changes_.counts = true;
+  if (entry.lines.size() > 1) ++filesWithWarnings_;
 }
 
 void ViewController::confirmReplacingInputs(const NameClash& example,
@@ -144,6 +145,7 @@ void ViewController::showChanges() {
   if (changes.status) statusLabel->setText(screenLine(*changes.status));
   if (changes.progress)
     progressIndicator->setValue(static_cast<int>(std::lround(*changes.progress * progressSteps)));
+  announceRun();
   logView->showAppended();
   if (!changes.counts) return;
   const RunCounts& counts = logView->counts();
@@ -156,6 +158,14 @@ void ViewController::showChanges() {
   QFont font = countsButton->font();
   font.setUnderline(hasProblems);
   countsButton->setFont(font);
+}
+
+void ViewController::announceRun() {
+  announcer_.update(*window(), {.isRunning = driver_.totalFiles() > 0,
+                                .progress = progressIndicator->value() / double{progressSteps},
+                                .status = statusLabel->text(),
+                                .failed = driver_.failedFiles(),
+                                .withWarnings = filesWithWarnings_});
 }
 
 void ViewController::subfolderChanged() {

@@ -15,6 +15,7 @@
 #include "app/drop_view.hpp"
 #include "app/log_view.hpp"
 #include "app/qt_main_queue.hpp"
+#include "app/run_announcer.hpp"
 #include "batch/batch_driver.hpp"
 
 namespace corvana {
@@ -85,8 +86,12 @@ class ViewController : public DropViewDelegate, public BatchView {
     bool counts = false;
   };
 
+  void announceRun();
+
   QPointer<AppDelegate> appDelegate_;
   Changes changes_;
+  std::int64_t filesWithWarnings_ = 0;
+  RunAnnouncer announcer_;
   QString openPanelFolder_;  // where the last panel of this run was
   QtMainQueue mainQueue_;
   BatchDriver driver_;  // last: its thread ends before its views and its queue do

@@ -11,21 +11,28 @@ std::string vantor(const char* key) {
   return localised(key, TextTable::vantor);
 }
 
+/// For the screen: what a server sends may be as large as the file, and a toolkit lays out a long
+/// word in the square of its length.
+std::string shown(std::u16string_view text, std::size_t maxLength) {
+  if (text.size() <= maxLength) return utf8FromUtf16(text);
+  return utf8FromUtf16(text.substr(0, maxLength)) + "…";
+}
+
 std::string addressLine(const char* key, std::u16string_view address) {
   if (address.empty()) return {};
-  return fillText(vantor(key), {utf8FromUtf16(address)}) + "\n";
+  return fillText(vantor(key), {shownAddress(address)}) + "\n";
 }
 
 ResultTexts newVersionTexts(const VantorErgebnis& ergebnis, const std::string& applicationName,
                             const std::string& installedVersion) {
-  const std::string newVersion = utf8FromUtf16(ergebnis.newAppVersion);
+  const std::string newVersion = shown(ergebnis.newAppVersion, maxShownVersion);
   return {
       .headline = fillText(vantor("A new version of %@ is available!"), {applicationName}),
       .versionLine = fillText(vantor("%1$@ %2$@ is now available - you have %3$@. Would you like "
                                      "to download it now?"),
                               {applicationName, newVersion, installedVersion}),
       .caption = vantor("Release Notes:"),
-      .text = utf8FromUtf16(ergebnis.newReleaseNotes) + "\n\n" +
+      .text = shown(ergebnis.newReleaseNotes, maxShownNotes) + "\n\n" +
               addressLine(translatable("Product Website: %@"), ergebnis.newWebsiteForProgram) +
               addressLine(translatable("Download URL: %@"), ergebnis.newDownloadURL),
   };
@@ -39,6 +46,10 @@ ResultTexts withoutNewVersion(const std::string& headline, const std::string& ex
 }
 
 }  // namespace
+
+std::string shownAddress(std::u16string_view address) {
+  return shown(address, maxShownAddress);
+}
 
 ResultState resultState(const VantorErgebnis& ergebnis, int status) {
   constexpr int statusOk = 200;

@@ -96,7 +96,7 @@ std::u16string encrypted(std::u16string text) {
 std::u16string decrypted(std::u16string_view text) {
   std::u16string result = shifted(text, -1).value_or(std::u16string());
   for (const Phrase& row : phrases)
-    result = replaceAll(result, row.code, row.phrase);
+    result = replaceAll(result, row.code, row.phrase, maxUnscrambledSize);
   return result;
 }
 

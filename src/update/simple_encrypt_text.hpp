@@ -12,8 +12,12 @@ namespace corvana {
 /// Scrambled text holds code points below this.
 inline constexpr char16_t scrambledLimit = 239;
 
+/// Code units; a file that unscrambles to more is refused. A few bytes stand for a long phrase, so
+/// the size of the scrambled text does not limit it.
+inline constexpr std::size_t maxUnscrambledSize = std::size_t{2} * 1024 * 1024;
+
 /// Scrambles (`encrypt`) or unscrambles. Text that cannot be handled gives an empty text and one
-/// line on standard output. Any thread.
+/// line on standard output; one that unscrambles to too much, no line. Any thread.
 std::u16string simpleEncryptText(std::u16string_view text, bool encrypt);
 
 /// The largest code point that may be scrambled at any position: with the largest shift it still

@@ -45,13 +45,14 @@ bool beginsWith(std::u16string_view text, std::u16string_view prefix) {
 }
 
 std::u16string replaceAll(std::u16string_view text, std::u16string_view wanted,
-                          std::u16string_view replacement) {
+                          std::u16string_view replacement, std::size_t maxSize) {
   std::u16string result;
   if (wanted.empty()) return result.append(text);
   std::size_t copied = 0;
   while (true) {
     const std::size_t index = findIndex(text, wanted, copied);
     result += text.substr(copied, index - copied);
+    if (result.size() > maxSize) return {};
     if (index == text.size()) return result;
     result += replacement;
     copied = index + wanted.size();

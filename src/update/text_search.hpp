@@ -4,6 +4,7 @@
 // unscrambled text, and their small forms. Every other character stands for itself.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <string>
 #include <string_view>
@@ -19,9 +20,10 @@ std::int64_t findPosition(std::u16string_view text, std::u16string_view wanted, 
 bool beginsWith(std::u16string_view text, std::u16string_view prefix);
 
 /// Puts `replacement` in place of every occurrence of `wanted`, found from left to right without
-/// regard to case.
+/// regard to case. A result of more than `maxSize` code units is given up: it is empty.
 std::u16string replaceAll(std::u16string_view text, std::u16string_view wanted,
-                          std::u16string_view replacement);
+                          std::u16string_view replacement,
+                          std::size_t maxSize = std::u16string_view::npos);
 
 /// A tab or a space of any width; no line break.
 bool isWhiteSpace(char16_t character);

@@ -36,6 +36,7 @@ class DataTask : public QObject {
 
  private:
   void receive();
+  void countBytes();
   void complete();
 
   /// One for each request, so that nothing is kept between two of them: no cookie, no cached
@@ -43,6 +44,8 @@ class DataTask : public QObject {
   QNetworkAccessManager session_;
   QNetworkReply* reply_ = nullptr;
   QTimer deadline_;
+  QTimer counting_;
+  qint64 bytesReadBefore_ = 0;
   QByteArray body_;
   bool failed_ = false;
   bool completed_ = false;
@@ -59,6 +62,8 @@ using ReceiveResult =
 inline constexpr std::chrono::seconds fetchDeadline{30};
 /// Bytes; an answer that is larger has failed.
 inline constexpr qint64 maxVersionFileSize = qint64{1024} * 1024;
+/// Bytes; an exchange that takes more has failed, whatever it consists of.
+inline constexpr qint64 maxBytesReceived = 8 * maxVersionFileSize;
 
 /// Fetches the version file from an https address and reads it on another thread. `receiveResult`
 /// is called on the main thread, never before this function has returned, exactly once unless

@@ -2,13 +2,14 @@
 
 #include <QApplication>
 #include <QCloseEvent>
-#include <QFontDatabase>
+#include <QFontInfo>
 #include <QIcon>
 #include <QLabel>
 #include <QPlainTextEdit>
 #include <QPushButton>
 #include <QScreen>
 #include <QScrollBar>
+#include <algorithm>
 #include <string>
 
 #include "platform/texts.hpp"
@@ -24,12 +25,12 @@
 namespace corvana {
 namespace {
 
-// Points and pixels are one unit here, so that texts and frames keep their proportions.
 constexpr int windowWidth = 620;
 constexpr int windowHeight = 310;
-constexpr int headlineSize = 14;
-constexpr int textSize = 12;
 constexpr int minTextSize = 8;
+// Of the user's text size.
+constexpr double headlineScale = 14.0 / 12.0;
+constexpr double textScale = 1.0;
 constexpr int iconSize = 64;
 
 QString vantor(const char* key) {
@@ -41,26 +42,21 @@ void place(QWidget& control, int x, int y, int width, int height) {
   control.setGeometry(x, windowHeight - y - height, width, height);
 }
 
-QFont systemFont(int size, QFont::Weight weight) {
-  QFont font = QFontDatabase::systemFont(QFontDatabase::GeneralFont);
-  font.setPixelSize(size);
-  font.setWeight(weight);
-  return font;
-}
-
 /// Whether the text of a label or button is to be seen whole.
 bool showsWholeText(const QWidget& control) {
-  return control.hasHeightForWidth() ? control.heightForWidth(control.width()) <= control.height()
-                                     : control.sizeHint().width() <= control.width();
+  if (control.hasHeightForWidth())
+    return control.heightForWidth(control.width()) <= control.height();
+  return control.sizeHint().boundedTo(control.size()) == control.sizeHint();
 }
 
-/// The frames are fixed, fonts and languages are not: where the text needs it, the letters
-/// become smaller.
+/// In the user's text size. The frames are fixed, fonts and languages are not: where the text
+/// needs it, the letters become smaller.
 template <typename Control>
-void showText(Control& control, int size, const QString& text) {
+void showText(Control& control, double scale, const QString& text) {
   QFont font = control.font();
   control.setText(text);
-  for (; size >= minTextSize; --size) {
+  const int wantedSize = qRound(QFontInfo(QApplication::font()).pixelSize() * scale);
+  for (int size = std::max(wantedSize, minTextSize); size >= minTextSize; --size) {
     font.setPixelSize(size);
     control.setFont(font);
     if (showsWholeText(control)) return;
@@ -69,8 +65,11 @@ void showText(Control& control, int size, const QString& text) {
     control.setText(control.fontMetrics().elidedText(text, Qt::ElideRight, control.width()));
 }
 
-QLabel* makeLabel(QWidget* parent, bool wraps) {
+QLabel* makeLabel(QWidget* parent, bool wraps, QFont::Weight weight) {
   auto* label = new QLabel(parent);
+  QFont font;
+  font.setWeight(weight);
+  label->setFont(font);
   label->setTextFormat(Qt::PlainText);
   label->setWordWrap(wraps);
   label->setAlignment(wraps ? Qt::AlignLeft | Qt::AlignTop : Qt::AlignLeft | Qt::AlignVCenter);
@@ -81,7 +80,6 @@ QLabel* makeLabel(QWidget* parent, bool wraps) {
 QPushButton* makeButton(QWidget* parent) {
   auto* button = new QPushButton(parent);
   button->setAutoDefault(false);
-  button->setFont(systemFont(textSize, QFont::Normal));
   return button;
 }
 
@@ -95,16 +93,16 @@ void offer(QPushButton& button, const char* toolTip, const std::u16string& addre
   button.setEnabled(!address.empty());
   if (address.empty()) return;
   button.setToolTip(plainToolTip(QString::fromStdString(
-      fillText(localised(toolTip, TextTable::vantor), {utf8FromUtf16(address)}))));
+      fillText(localised(toolTip, TextTable::vantor), {shownAddress(address)}))));
 }
 
 }  // namespace
 
 VantorWindowController::VantorWindowController()
     : imgAppIcon(new QLabel(this)),
-      lblInfoBoldLine(makeLabel(this, false)),
-      lblInfoWithVersionNumbers(makeLabel(this, true)),
-      lblReleaseNotes(makeLabel(this, false)),
+      lblInfoBoldLine(makeLabel(this, false, QFont::Bold)),
+      lblInfoWithVersionNumbers(makeLabel(this, true, QFont::Normal)),
+      lblReleaseNotes(makeLabel(this, false, QFont::Bold)),
       scrollReleaseNotes(nullptr),
       txtDisplayReleaseNotes(new QPlainTextEdit(this)),
       progressWheel1(new SpinningWheel(this)),
@@ -128,9 +126,6 @@ VantorWindowController::VantorWindowController()
   setFixedSize(windowWidth, windowHeight);
   layoutControls();
 
-  showText(*btnAskMeLater, textSize, vantor("Close"));
-  showText(*btnGotoProductWebsite, textSize, vantor("Visit Product Website"));
-  showText(*btnDownloadUpdate, textSize, vantor("Download Update"));
   connect(btnAskMeLater, &QPushButton::clicked, this,
           &VantorWindowController::btnAskMeLaterPressed);
   connect(btnGotoProductWebsite, &QPushButton::clicked, this,
@@ -157,9 +152,6 @@ void VantorWindowController::layoutControls() {
 
   imgAppIcon->setPixmap(QApplication::windowIcon().pixmap(iconSize));
   imgAppIcon->setAlignment(Qt::AlignCenter);
-  lblInfoBoldLine->setFont(systemFont(headlineSize, QFont::Bold));
-  lblInfoWithVersionNumbers->setFont(systemFont(textSize, QFont::Normal));
-  lblReleaseNotes->setFont(systemFont(textSize, QFont::Bold));
 
   scrollReleaseNotes->setFrameStyle(QFrame::StyledPanel | QFrame::Sunken);
   scrollReleaseNotes->setVerticalScrollBarPolicy(Qt::ScrollBarAsNeeded);
@@ -169,7 +161,6 @@ void VantorWindowController::layoutControls() {
                                                   Qt::TextSelectableByKeyboard);
   txtDisplayReleaseNotes->setTabChangesFocus(true);
   txtDisplayReleaseNotes->setWordWrapMode(QTextOption::WrapAtWordBoundaryOrAnywhere);
-  txtDisplayReleaseNotes->setFont(systemFont(textSize, QFont::Normal));
   txtDisplayReleaseNotes->document()->setDocumentMargin(4);
 }
 
@@ -220,14 +211,16 @@ void VantorWindowController::receiveResult(std::int64_t requestNumber, const Van
 
 void VantorWindowController::showLoadingState() {
   ergebnis = VantorErgebnis();
-  showText(*lblInfoBoldLine, headlineSize, vantor("Please wait a moment."));
+  showText(*lblInfoBoldLine, headlineScale, vantor("Please wait a moment."));
   lblInfoWithVersionNumbers->clear();
   lblReleaseNotes->clear();
   txtDisplayReleaseNotes->setPlainText(
       vantor("Please wait a moment. Information on any available updates is currently being "
              "downloaded...") +
       QStringLiteral("\n\n") + vantor("You need an active internet connection for this to work."));
-  showText(*btnAskMeLater, textSize, vantor("Close"));
+  showText(*btnAskMeLater, textScale, vantor("Close"));
+  showText(*btnGotoProductWebsite, textScale, vantor("Visit Product Website"));
+  showText(*btnDownloadUpdate, textScale, vantor("Download Update"));
   btnAskMeLater->setDefault(false);
   for (QPushButton* button : {btnGotoProductWebsite, btnDownloadUpdate}) {
     button->setEnabled(false);
@@ -243,9 +236,9 @@ void VantorWindowController::showResult(const VantorErgebnis& result, int status
   ergebnis.newDownloadURL = trimmed(ergebnis.newDownloadURL);
   const ResultTexts texts = resultTexts(ergebnis, status, strInternalAppName.toStdU16String(),
                                         strInternalAppVersion.toStdU16String());
-  showText(*lblInfoBoldLine, headlineSize, QString::fromStdString(texts.headline));
-  showText(*lblInfoWithVersionNumbers, textSize, QString::fromStdString(texts.versionLine));
-  showText(*lblReleaseNotes, textSize, QString::fromStdString(texts.caption));
+  showText(*lblInfoBoldLine, headlineScale, QString::fromStdString(texts.headline));
+  showText(*lblInfoWithVersionNumbers, textScale, QString::fromStdString(texts.versionLine));
+  showText(*lblReleaseNotes, textScale, QString::fromStdString(texts.caption));
   txtDisplayReleaseNotes->setPlainText(QString::fromStdString(texts.text));
 
   const ResultState state = resultState(ergebnis, status);
@@ -254,7 +247,7 @@ void VantorWindowController::showResult(const VantorErgebnis& result, int status
   if (state == ResultState::newVersion) {
     offer(*btnDownloadUpdate, translatable("Download %@"), ergebnis.newDownloadURL);
     btnDownloadUpdate->setDefault(btnDownloadUpdate->isEnabled());
-    showText(*btnAskMeLater, textSize, vantor("Ask Me Later"));
+    showText(*btnAskMeLater, textScale, vantor("Ask Me Later"));
   } else {
     btnAskMeLater->setDefault(true);
   }

@@ -6,6 +6,7 @@
 #include <gtest/gtest.h>
 
 #include "app/qt_values.hpp"
+#include "app/session_bus.hpp"
 #include "platform/bundle_info.hpp"
 #include "support/audio_builder.hpp"
 #include "support/temporary_folder.hpp"
@@ -17,13 +18,13 @@ constexpr int patience = 20'000;  // ms
 
 class Start : public testing::Test {
  protected:
-  Start() {
-    qputenv("XDG_CONFIG_HOME", (folder / "config").c_str());
-    qputenv("LANGUAGE", "en");
-  }
-
   void start(QProcess& program, const QStringList& arguments,
              const QString& executable = CORVANA_PROGRAM) {
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    environment.insert("DBUS_SESSION_BUS_ADDRESS", bus.address());
+    environment.insert("XDG_CONFIG_HOME", (folder / "config").c_str());
+    environment.insert("LANGUAGE", "en");
+    program.setProcessEnvironment(environment);
     program.setWorkingDirectory(folder.path().c_str());
     program.start(executable, arguments);
     ASSERT_TRUE(program.waitForStarted(patience));
@@ -44,13 +45,11 @@ class Start : public testing::Test {
   }
 
   TemporaryFolder folder;
+  SessionBus bus;
 };
 
 TEST_F(Start, LaterStartsHandTheirFilesToTheFirst) {
-  QProcess bus;
-  bus.start("dbus-daemon", {"--session", "--nofork", "--print-address"});
-  if (!bus.waitForReadyRead(patience)) GTEST_SKIP() << "no dbus-daemon here";
-  qputenv("DBUS_SESSION_BUS_ADDRESS", bus.readLine().trimmed());
+  if (!bus.start()) GTEST_SKIP() << "no dbus-daemon here";
   writeWavs({"1.wav", "2.wav", "Flöte #3 100%.wav"});
   QProcess first;
   start(first, {"1.wav"});
@@ -68,8 +67,6 @@ TEST_F(Start, LaterStartsHandTheirFilesToTheFirst) {
   }
   EXPECT_EQ(first.state(), QProcess::Running);
   end(first);
-  end(bus);
-  qputenv("DBUS_SESSION_BUS_ADDRESS", "disabled:");
 }
 
 TEST_F(Start, EveryStartHasAWindowWithoutASessionBus) {

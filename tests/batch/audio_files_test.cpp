@@ -4,9 +4,6 @@
 #include <gtest/gtest.h>
 
 #include "batch/output_url.hpp"
-#include "convert/detect_format.hpp"
-#include "support/audio_builder.hpp"
-#include "support/conversion.hpp"
 #include "support/temporary_folder.hpp"
 
 namespace corvana {
@@ -19,22 +16,6 @@ fs::path outputOf(const fs::path& input, bool isAIFF, const BatchOptions& option
   InputFolder folder(files[0]);
   const InputFile file = openFile(input);
   return makeOutputURL(folder, file, isAIFF, options, BatchInputs(files)).url();
-}
-
-TEST(DetectFormat, LooksAtTheFirstFourBytes) {
-  const std::pair<const char*, const char*> cases[] = {
-      {"'RIFF' 00 00 00 00 'what'", "WAV"},
-      {"'FORM' 00 00 00 00 'ever'", "AIFF"},
-      {"'RIFF' 00 00 00 00 'WAV'", "Unsupported format: file is too short"},
-      {"'RIFX' 00 00 00 00 'WAVE'", "Unsupported format: neither WAV nor AIFF"},
-      {"D2 C9 C6 C6 00 00 00 00 'WAVE'", "Unsupported format: neither WAV nor AIFF"},
-  };
-  for (const auto& [notation, expected] : cases) {
-    std::string found;
-    const std::string error =
-        errorOf([&, file = bytes(notation)] { found = detectFormat(file) ? "AIFF" : "WAV"; });
-    EXPECT_EQ(found.empty() ? error : found, expected) << notation;
-  }
 }
 
 TEST(AudioFiles, CollectsInTheGivenOrder) {

@@ -1,7 +1,5 @@
 #include <gtest/gtest.h>
 
-#include "convert/map_aiff_to_wav.hpp"
-#include "convert/plan_aiff_to_wav.hpp"
 #include "support/audio_builder.hpp"
 #include "support/conversion.hpp"
 
@@ -115,34 +113,25 @@ TEST(AiffToWav, RoundsTheRate) {
 TEST(AiffToWav, MapsLoopsAndMarkers) {
   using Markers = std::vector<AiffMarker>;
   const auto check = [](const char* name, const Markers& markers, const AiffLoop& sustain,
-                        const AiffLoop& release, const char* expected,
-                        const std::string& expectedWarnings = "") {
-    SCOPED_TRACE(name);
-    AiffInfo info;
-    info.markers = markers;
-    info.instrument = AiffInstrument{};
-    info.instrument->sustainLoop = sustain;
-    info.instrument->releaseLoop = release;
-    Warnings warnings;
-    const WavMetadata metadata = mapLoopsAndMarkers(info, 4000, warnings);
-    std::string text = "cues";
-    for (const CuePoint& point : metadata.cuePoints)
-      text += line(" ", point.id, "@", point.position);
-    for (const SampleLoop& loop : metadata.loops)
-      text += line(", loop ", loop.cueID, " type ", loop.type, " ", loop.start, "-", loop.end);
-    EXPECT_EQ(text, expected);
-    EXPECT_EQ(lines(warnings), expectedWarnings);
+                        const AiffLoop& release, const std::string& expected,
+                        const std::string& warnings = "") {
+    const Converted converted =
+        convert(aiff({comm({.frames = 4000, .bits = 8}), ssnd(ByteBuffer(4000)), mark(markers),
+                      inst(AiffInstrument{0, 0, 0, 0, 1, 1, 0, sustain, release})}));
+    EXPECT_EQ(found(parseWav(converted.file)),
+              "4000@44 smpl 0+0" + expected + " inst 0 0 0 0-0 1-1")
+        << name;
+    EXPECT_EQ(converted.warnings, warnings) << name;
   };
   const Markers four = {{1, 0, ""}, {2, 10, ""}, {3, 20, ""}, {4, 4000, ""}};
-  const char* allCues = "cues 1@0 2@10 3@20 4@4000";
+  const char* allCues = " cue 1@0 cue 2@10 cue 3@20 cue 4@4000";
   check("no loops", four, {0, 1, 2}, {}, allCues);
-  check("both", four, {2, 1, 2}, {1, 2, 3}, "cues 1@4000, loop 0 type 1 0-9, loop 1 type 0 10-19");
+  check("both", four, {2, 1, 2}, {1, 2, 3}, " loop 0/1 0-9 x0 loop 1/0 10-19 x0 cue 1@4000");
   check("end beyond the sound", {{1, 100, ""}, {2, 5000, ""}, {3, 4001, ""}}, {1, 1, 2}, {},
-        "cues, loop 0 type 0 100-3999");
-  check("both ends beyond", {{1, 4500, ""}, {2, 5000, ""}}, {1, 1, 2}, {}, "cues",
+        " loop 0/0 100-3999 x0");
+  check("both ends beyond", {{1, 4500, ""}, {2, 5000, ""}}, {1, 1, 2}, {}, "",
         "Sustain loop is invalid (start 4000, end 4000) – skipped.\n");
-  check("unknown play modes", four, {3, 1, 2}, {-1, 3, 4},
-        "cues, loop 0 type 0 0-9, loop 1 type 0 20-3999",
+  check("unknown play modes", four, {3, 1, 2}, {-1, 3, 4}, " loop 0/0 0-9 x0 loop 1/0 20-3999 x0",
         "Sustain loop: unknown play mode 3 – converted to a forward loop.\n"
         "Release loop: unknown play mode -1 – converted to a forward loop.\n");
   check("empty and reversed", four, {9, 2, 2}, {1, 3, 2}, allCues,
@@ -152,59 +141,36 @@ TEST(AiffToWav, MapsLoopsAndMarkers) {
         "Sustain loop: the associated markers are missing – skipped.\n"
         "Release loop: the associated markers are missing – skipped.\n");
   check("a marker of a loop and of a skipped one", four, {1, 1, 2}, {1, 2, 9},
-        "cues 1@20 2@4000, loop 0 type 0 0-9",
+        " loop 0/0 0-9 x0 cue 1@20 cue 2@4000",
         "Release loop: the associated markers are missing – skipped.\n");
   check("the later of equal IDs", {{1, 0, ""}, {2, 10, ""}, {1, 5, ""}, {-3, 7, ""}}, {1, 1, 2}, {},
-        "cues 1@7, loop 0 type 0 5-9");
+        " loop 0/0 5-9 x0 cue 1@7");
   check("negative IDs, duplicates", {{-1, 3, ""}, {0, 8, ""}, {7, 8, ""}, {7, 8, ""}}, {1, -1, 0},
-        {}, "cues 1@8 2@8, loop 0 type 0 3-7");
+        {}, " loop 0/0 3-7 x0 cue 1@8 cue 2@8");
 }
 
 TEST(AiffToWav, DerivesTheInstrument) {
-  const auto check = [](int baseNote, int detune, int gain, const char* expected) {
-    AiffInfo info;
-    info.instrument = AiffInstrument{static_cast<std::int8_t>(baseNote),
-                                     static_cast<std::int8_t>(detune),
-                                     -1,
-                                     127,
-                                     0,
-                                     -128,
-                                     static_cast<std::int16_t>(gain),
-                                     {},
-                                     {}};
-    Warnings warnings;
-    const WavMetadata metadata = mapLoopsAndMarkers(info, 10, warnings);
-    const InstrumentChunk& chunk = *metadata.instrument;
-    EXPECT_EQ(line(metadata.unityNote, "+", metadata.pitchFraction, " ", +chunk.unshiftedNote, " ",
-                   +chunk.fineTune, " ", +chunk.gain),
-              expected);
-    EXPECT_EQ(line(+chunk.lowNote, " ", +chunk.highNote, " ", +chunk.lowVelocity, " ",
-                   +chunk.highVelocity),
-              "0 127 1 1");
-    EXPECT_EQ(lines(warnings), chunk.gain == gain
-                                   ? ""
-                                   : line("A gain of ", gain,
-                                          " dB does not fit into the WAV inst chunk – clamped.\n"));
+  const auto check = [](std::int8_t baseNote, std::int8_t detune, std::int16_t gain,
+                        const std::string& expected) {
+    const Converted converted =
+        convert(aiff({comm({}), ssnd({}),
+                      inst(AiffInstrument{baseNote, detune, -1, 127, 0, -128, gain, {}, {}})}));
+    EXPECT_EQ(found(parseWav(converted.file)), "0@44 smpl " + expected + " 0-127 1-1");
+    EXPECT_EQ(
+        converted.warnings,
+        gain >= -128 && gain <= 127
+            ? ""
+            : line("A gain of ", gain, " dB does not fit into the WAV inst chunk – clamped.\n"));
   };
-  check(60, 0, 0, "60+0 60 0 0");  // unity note + fraction, inst note, fine tune, gain
-  check(60, -10, -6, "60+429496730 60 -10 -6");
-  check(60, 10, 127, "59+3865470566 60 10 127");
-  check(60, 1, -128, "59+4252017623 60 1 -128");
-  check(60, 127, 0, "59+2147483648 60 50 0");
-  check(60, -128, 0, "60+2147483648 60 -50 0");
-  check(1, 20, 0, "0+3435973837 1 20 0");
-  check(0, 20, 0, "0+0 0 20 0");
-  check(-128, -20, 0, "0+858993459 0 -20 0");
-  check(127, 0, 128, "127+0 127 0 127");
-  check(127, 0, -32768, "127+0 127 0 -128");
-}
-
-TEST(AiffToWav, RefusesFramesThatWavCannotState) {
-  const auto wide = [](int channels, int bits) {
-    return convert(aiff({comm({.channels = channels, .bits = bits}), ssnd({})})).summary;
-  };
-  EXPECT_EQ(wide(16383, 32), "32-bit, 16383 channels, 44100 Hz");
-  EXPECT_EQ(errorOf([&] { wide(16384, 25); }), "Unsupported format: 16384 channels");
+  check(60, 0, -6, "60+0 inst 60 0 -6");  // unity note + fraction, inst note, fine tune, gain
+  check(60, -10, 127, "60+429496730 inst 60 -10 127");
+  check(60, 1, -128, "59+4252017623 inst 60 1 -128");
+  check(60, 127, 0, "59+2147483648 inst 60 50 0");
+  check(60, -128, 0, "60+2147483648 inst 60 -50 0");
+  check(1, 20, 0, "0+3435973837 inst 1 20 0");
+  check(0, 20, 0, "0+0 inst 0 20 0");
+  check(-128, -20, 0, "0+858993459 inst 0 -20 0");
+  check(127, 0, -32768, "127+0 inst 127 0 -128");
 }
 
 }  // namespace

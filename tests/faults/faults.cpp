@@ -5,7 +5,7 @@
 //
 // CALL is folder (opening one), open (reading), create, fstat (of an input), stat and lstat (by
 // name), list and readdir (the beginning and the steps of a folder's listing), mmap, mkdir, unlink,
-// write, fsync, rename (to a free name), link, replace (rename over another file), or close (of a
+// write, fsync, rename (to a free name), replace (rename over another file), or close (of a
 // file that was created). ACTION is the name of an error (ENOSPC), or
 //   short           write: only a part of the bytes
 //   untyped         readdir: the file system does not tell what an entry is
@@ -26,6 +26,7 @@
 #include <dlfcn.h>
 #include <fcntl.h>
 #include <fstream>
+#include <regex>
 #include <string>
 #include <string_view>
 #include <sys/mman.h>
@@ -49,13 +50,12 @@ struct Fault {
     if (const char* folder = std::getenv("CORVANA_FAULT_BELOW")) below = folder;
     const char* text = std::getenv("CORVANA_FAULT");
     if (text == nullptr) return;
-    const std::string fault = text;
-    const std::size_t first = fault.find(':');
-    const std::size_t second = fault.find(':', first + 1);
-    call = fault.substr(0, first);
-    nth = std::atoi(fault.c_str() + first + 1);
-    repeats = fault[second - 1] == '+';
-    action = fault.substr(second + 1);
+    std::cmatch parts;
+    if (!std::regex_match(text, parts, std::regex("([a-z]+):([0-9]+)(\\+?):(.+)"))) std::abort();
+    call = parts[1];
+    nth = std::stoi(parts[2]);
+    repeats = parts[3].length() != 0;
+    action = parts[4];
   }
 };
 
@@ -78,11 +78,8 @@ int errorNumber(std::string_view name) {
   std::abort();
 }
 
-/// The system's own function of this type and name.
-template <typename Function>
-Function* next(const char* name) {
-  return reinterpret_cast<Function*>(::dlsym(RTLD_NEXT, name));
-}
+/// The system's own function.
+#define NEXT(function) reinterpret_cast<decltype(&(function))>(::dlsym(RTLD_NEXT, #function))
 
 /// The whole path of what a call names.
 std::string pathOf(int folder, const char* name) {
@@ -98,10 +95,8 @@ bool isConcerned(const std::string& path) {
   return !fault().below.empty() && path.starts_with(fault().below);
 }
 
-Kind kindOf(int file) {
-  return file >= 0 && static_cast<std::size_t>(file) < kinds.size()
-             ? kinds[static_cast<std::size_t>(file)].load()
-             : Kind::other;
+std::atomic<Kind>& kindOf(int file) {
+  return kinds[static_cast<unsigned>(file) % kinds.size()];
 }
 
 /// Whether the call is to fail, with errno set; otherwise it goes on, perhaps to its ruin.
@@ -134,8 +129,8 @@ int openHere(int folder, const char* name, int flags, mode_t mode) {
   const char* const call = creates ? "create" : kind == Kind::folder ? "folder" : "open";
   if (concerned && failsNow(call, path)) return -1;
   if (concerned && kind == Kind::input) fault().lastInput = path;
-  const int file = next<int(int, const char*, int, ...)>("openat")(folder, name, flags, mode);
-  if (concerned && file >= 0) kinds[static_cast<std::size_t>(file)] = kind;
+  const int file = NEXT(openat)(folder, name, flags, mode);
+  if (concerned && file >= 0) kindOf(file) = kind;
   return file;
 }
 
@@ -171,23 +166,23 @@ int __openat_2(int folder, const char* name, int flags) {
 int fstatat(int folder, const char* name, struct stat* status, int flags) noexcept {
   const char* const call = (flags & AT_SYMLINK_NOFOLLOW) != 0 ? "lstat" : "stat";
   if (isConcerned(pathOf(folder, name)) && failsNow(call)) return -1;
-  return next<int(int, const char*, struct stat*, int)>("fstatat")(folder, name, status, flags);
+  return NEXT(fstatat)(folder, name, status, flags);
 }
 
 int fstat(int file, struct stat* status) noexcept {
   if (kindOf(file) == Kind::input && failsNow("fstat")) return -1;
-  return next<int(int, struct stat*)>("fstat")(file, status);
+  return NEXT(fstat)(file, status);
 }
 
 DIR* fdopendir(int file) {
   if (isConcerned(pathOf(file, ".")) && failsNow("list")) return nullptr;
-  return next<DIR*(int)>("fdopendir")(file);
+  return NEXT(fdopendir)(file);
 }
 
 dirent* readdir(DIR* listing) {
   const bool concerned = isConcerned(pathOf(::dirfd(listing), "."));
   if (concerned && failsNow("readdir")) return nullptr;
-  dirent* const entry = next<dirent*(DIR*)>("readdir")(listing);
+  dirent* const entry = NEXT(readdir)(listing);
   if (concerned && entry != nullptr && fault().action == "untyped") entry->d_type = DT_UNKNOWN;
   return entry;
 }
@@ -195,41 +190,33 @@ dirent* readdir(DIR* listing) {
 void* mmap(void* address, std::size_t size, int protection, int flags, int file,
            off_t offset) noexcept {
   if (kindOf(file) == Kind::input && failsNow("mmap")) return MAP_FAILED;
-  return next<void*(void*, std::size_t, int, int, int, off_t)>("mmap")(address, size, protection,
-                                                                       flags, file, offset);
+  return NEXT(mmap)(address, size, protection, flags, file, offset);
 }
 
 int mkdirat(int folder, const char* name, mode_t mode) noexcept {
   if (isConcerned(pathOf(folder, name)) && failsNow("mkdir")) return -1;
-  return next<int(int, const char*, mode_t)>("mkdirat")(folder, name, mode);
+  return NEXT(mkdirat)(folder, name, mode);
 }
 
 int unlinkat(int folder, const char* name, int flags) noexcept {
   if (isConcerned(pathOf(folder, name)) && failsNow("unlink")) return -1;
-  return next<int(int, const char*, int)>("unlinkat")(folder, name, flags);
+  return NEXT(unlinkat)(folder, name, flags);
 }
 
 int renameat2(int from, const char* name, int to, const char* newName, unsigned flags) noexcept {
   const std::string path = pathOf(to, newName);
   if (isConcerned(path) && failsNow("rename", path)) return -1;
-  return next<int(int, const char*, int, const char*, unsigned)>("renameat2")(from, name, to,
-                                                                              newName, flags);
+  return NEXT(renameat2)(from, name, to, newName, flags);
 }
 
 int renameat(int from, const char* name, int to, const char* newName) noexcept {
   if (isConcerned(pathOf(to, newName)) && failsNow("replace")) return -1;
-  return next<int(int, const char*, int, const char*)>("renameat")(from, name, to, newName);
-}
-
-int linkat(int from, const char* name, int to, const char* newName, int flags) noexcept {
-  if (isConcerned(pathOf(to, newName)) && failsNow("link")) return -1;
-  return next<int(int, const char*, int, const char*, int)>("linkat")(from, name, to, newName,
-                                                                      flags);
+  return NEXT(renameat)(from, name, to, newName);
 }
 
 int fsync(int file) {
   if (kindOf(file) != Kind::other && failsNow("fsync")) return -1;
-  return next<int(int)>("fsync")(file);
+  return NEXT(fsync)(file);
 }
 
 ssize_t writev(int file, const iovec* parts, int count) {
@@ -239,16 +226,15 @@ ssize_t writev(int file, const iovec* parts, int count) {
       const iovec& part = *std::find_if(parts, parts + count - 1,
                                         [](const iovec& some) { return some.iov_len != 0; });
       const std::size_t size = part.iov_len > 1 ? part.iov_len / 3 + 1 : part.iov_len;
-      return next<ssize_t(int, const void*, std::size_t)>("write")(file, part.iov_base, size);
+      return NEXT(write)(file, part.iov_base, size);
     }
   }
-  return next<ssize_t(int, const iovec*, int)>("writev")(file, parts, count);
+  return NEXT(writev)(file, parts, count);
 }
 
 int close(int file) {
-  const Kind kind = kindOf(file);
-  if (kind != Kind::other) kinds[static_cast<std::size_t>(file)] = Kind::other;
-  const int result = next<int(int)>("close")(file);
+  const Kind kind = kindOf(file).exchange(Kind::other);
+  const int result = NEXT(close)(file);
   // The system closes a descriptor also where it reports an error.
   return kind == Kind::output && failsNow("close") ? -1 : result;
 }

@@ -1,6 +1,5 @@
 // make_seeds DIR: writes small files for the fuzzers to start from, DIR/wav/… and DIR/aiff/…:
 // every chunk and every sample format once, so that mutation finds its way from there.
-#include <cstdio>
 #include <filesystem>
 #include <fstream>
 #include <string>
@@ -15,18 +14,14 @@ using namespace corvana::test;
 void write(const std::filesystem::path& folder, const ByteBuffer& content) {
   static int number = 0;
   std::filesystem::create_directories(folder);
-  std::ofstream(folder / std::to_string(++number), std::ios::binary)
-      .write(reinterpret_cast<const char*>(content.data()),
-             static_cast<std::streamsize>(content.size()));
+  std::ofstream file(folder / std::to_string(++number), std::ios::binary);
+  std::copy(content.begin(), content.end(), std::ostreambuf_iterator<char>(file));
 }
 
 }  // namespace
 
 int main(int count, char** arguments) {
-  if (count != 2) {
-    std::fprintf(stderr, "usage: make_seeds DIR\n");
-    return 2;
-  }
+  if (count != 2) return 2;
   const std::filesystem::path folder = arguments[1];
   const ByteBuffer samples(48, 0x5A);
 
