@@ -33,7 +33,7 @@ TEST(ReplaceAll, GoesFromLeftToRightOverTheOriginalText) {
 }
 
 TEST(Trimmed, TakesWhiteSpaceAndLineBreaksFromBothEnds) {
-  EXPECT_EQ(trimmed(u" \t\r\n\v\f\u0085\u00A0\u2003\u2028\u3000a b\u202F\u2029"), u"a b");
+  EXPECT_EQ(trimmed(u" \t\r\n\v\f\u0085\u00A0\u2000\u200A\u2028\u3000a b\u202F\u2029"), u"a b");
   for (const std::u16string_view text : {u"\u00AD\u200B", u""})  // soft hyphen, zero-width space
     EXPECT_EQ(trimmed(text), text);
 }
