@@ -2,7 +2,6 @@
 
 #include <QImage>
 #include <gtest/gtest.h>
-#include <string>
 
 #include "app/drags.hpp"
 

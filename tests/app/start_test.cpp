@@ -50,13 +50,13 @@ class Start : public testing::Test {
 
 TEST_F(Start, LaterStartsHandTheirFilesToTheFirst) {
   if (!bus.start()) GTEST_SKIP() << "no dbus-daemon here";
-  writeWavs({"1.wav", "2.wav", "Flöte #3 100%.wav"});
+  writeWavs({"1.wav", "-2.wav", "Flöte #3 100%.wav"});
   QProcess first;
   start(first, {"1.wav"});
   waitForFile("1.aif");
 
   for (const auto& [arguments, output] :
-       {std::pair(QStringList{"--", "2.wav"}, "2.aif"),
+       {std::pair(QStringList{"--", "-2.wav"}, "-2.aif"),
         std::pair(QStringList{urlTextOfPath(folder / "Flöte #3 100%.wav")}, "Flöte #3 100%.aif"),
         std::pair(QStringList{}, "1.aif")}) {
     QProcess later;

@@ -119,7 +119,7 @@ TEST_F(FetchVersionFile, EndsAtTheDeadlineOrWhenCancelled) {
 
 TEST_F(FetchVersionFile, AnswerForAReceiverThatIsGoneIsDropped) {
   const HttpsServer server([](auto&) { return httpAnswer(goodBody); });
-  start(server);
+  const QPointer<DataTask> dropped = start(server);
   ASSERT_TRUE(QTest::qWaitFor([&] { return !server.requests.isEmpty(); }, 20000));
   receiver_ = std::make_unique<QObject>();
   expectAnswer(start(server), 200, true);  // so the earlier one is not on its way any more
