@@ -22,9 +22,8 @@ struct Process {
   const pid_t id;
 
   /// `prepare` runs in the new process, in the working folder, before the program starts.
-  Process(
-      const fs::path& folder, std::vector<std::string> arguments,
-      const std::function<void()>& prepare = [] {})
+  Process(const fs::path& folder, std::vector<std::string> arguments,
+          const std::function<void()>& prepare = nullptr)
       : id(::fork()) {
     if (id != 0) return;
     if (::chdir(folder.c_str()) != 0) ::_exit(99);
@@ -33,7 +32,7 @@ struct Process {
              stream);
     ::setenv("LC_ALL", "C.UTF-8", 1);
     ::unsetenv("LANGUAGE");
-    prepare();
+    if (prepare) prepare();
     std::vector<char*> pointers;
     for (std::string& argument : arguments)
       pointers.push_back(argument.data());
