@@ -50,8 +50,6 @@ TEST_F(Program, LogsToStandardOutputAndTheStatusToStandardError) {
   EXPECT_EQ(plain.errors, "Done – 2 files processed.\n");
   EXPECT_EQ(run({"--quiet", "--subfolder", "a.wav"}).errors, "");
   EXPECT_TRUE(fs::exists(in / "AIFF/a.aif"));
-  EXPECT_EQ(run({"--overwrite", "a.wav"}).output, "a.wav => a.aif" + summary);
-  EXPECT_EQ(run({"a.wav"}).output, "a.wav => a (1).aif" + summary);
 }
 
 TEST_F(Program, ExitStatusTellsWhetherAllWentWell) {
@@ -94,7 +92,6 @@ TEST_F(Program, SparesTheInputsOfItsOwnRun) {
   const std::string ways =
       " is to be converted as well – use --to, --subfolder or --overwrite-inputs.\n";
   const Outcome refused = run({"--overwrite", "."});
-  EXPECT_EQ(refused.status, 1);
   EXPECT_EQ(refused.output,
             "✗ x.aif: 'x.wav'" + ways + "✗ x.wav: 'x.aif'" + ways + "y.wav => y.aif" + summary);
   EXPECT_EQ(run({"--overwrite", "--subfolder", "x.wav", "x.aif"}).status, 0);
@@ -109,6 +106,12 @@ TEST_F(Program, SparesTheInputsOfItsOwnRun) {
   EXPECT_EQ(run({"--overwrite-inputs", "x.wav", "x.aif"}).status, 0);
   EXPECT_EQ(readFile(in / "x.aif").back(), 7);
   EXPECT_EQ(run({"--to", "mp3", "x.wav"}).status, 2);
+
+  writeWav("y.wave", {3, 4});
+  EXPECT_EQ(run({"y.wav", "y.wave"}).output,
+            "y.wav => y (1).aif" + summary + "y.wave => y (2).aif" + summary);
+  EXPECT_EQ(run({"--overwrite", "y.wav", "y.wave"}).status, 0);
+  EXPECT_EQ(readFile(in / "y.aif").back(), 3) << "the later one stays";
 }
 
 TEST_F(Program, FindsFilesDeeperThanAnyPathIsLong) {

@@ -32,14 +32,16 @@ inline ByteBuffer bytes(std::string_view notation) {
   return result;
 }
 
-inline ByteBuffer be(std::int64_t value, unsigned width) {
+template <typename Number>
+ByteBuffer be(Number number, unsigned width) {
+  auto value = static_cast<std::uint64_t>(number);
   ByteBuffer result(width);
   for (unsigned i = width; i-- > 0; value >>= 8)
     result[i] = static_cast<std::uint8_t>(value);
   return result;
 }
 
-inline ByteBuffer le(std::int64_t value, unsigned width) {
+inline ByteBuffer le(std::uint64_t value, unsigned width) {
   const ByteBuffer reversed = be(value, width);
   return {reversed.rbegin(), reversed.rend()};
 }

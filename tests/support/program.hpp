@@ -25,7 +25,8 @@ struct Process {
   Process(const fs::path& folder, std::vector<std::string> arguments,
           const std::function<void()>& prepare = nullptr)
       : id(::fork()) {
-    if (id != 0) return;
+    if (id < 0) throw std::runtime_error("no process");
+    if (id > 0) return;
     if (::chdir(folder.c_str()) != 0) ::_exit(99);
     for (const int stream : {1, 2})
       ::dup2(::open((streams / std::to_string(stream)).c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600),
