@@ -67,7 +67,6 @@ TEST_F(Program, ExitStatusTellsWhetherAllWentWell) {
       {{"notes.txt"}, 1, "No WAV or AIFF files found.\n", "notes.txt: Not a WAV or AIFF"},
       {{"notes.txt", "good.wav"}, 0, "good.wav => ", "corvana-cli: notes.txt: Not a WAV or AIFF"},
       {{}, 2, "", "PATH"},
-      {{"--unknown", "good.wav"}, 2, "", "--unknown"},
       {{"x", "-\x1b]0;\u202E\nforged"}, 2, "", ": -\uFFFD]0;\uFFFD\uFFFDforged\nRun with"},
       {{"no\x1b\nforged.wav"}, 1, "", "corvana-cli: no\uFFFD\uFFFDforged.wav: No such file"},
       {{"-dash.wav"}, 2, "", "is given as \"./-dash.wav\".\n"},

@@ -1,6 +1,7 @@
 // A program as a shell starts it, and what comes out of it.
 #pragma once
 
+#include <csignal>
 #include <fcntl.h>
 #include <functional>
 #include <string>
@@ -31,6 +32,8 @@ struct Process {
     for (const int stream : {1, 2})
       ::dup2(::open((streams / std::to_string(stream)).c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600),
              stream);
+    for (const int ignoredInTheBackground : {SIGINT, SIGHUP})
+      std::signal(ignoredInTheBackground, SIG_DFL);
     ::setenv("LC_ALL", "C.UTF-8", 1);
     ::unsetenv("LANGUAGE");
     if (prepare) prepare();
