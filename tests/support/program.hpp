@@ -37,10 +37,9 @@ struct Process {
     ::setenv("LC_ALL", "C.UTF-8", 1);
     ::unsetenv("LANGUAGE");
     if (prepare) prepare();
-    std::vector<char*> pointers;
-    for (std::string& argument : arguments)
-      pointers.push_back(argument.data());
-    pointers.push_back(nullptr);
+    std::vector<char*> pointers(arguments.size() + 1);
+    for (std::size_t i = 0; i < arguments.size(); ++i)
+      pointers[i] = arguments[i].data();
     ::execv(pointers[0], pointers.data());
     ::_exit(99);
   }
