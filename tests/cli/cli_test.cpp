@@ -237,7 +237,7 @@ TEST_F(Program, StopsWithinASecond) {
   EXPECT_EQ(in.files()[0][0], '.') << "no search finds it";
   ::kill(process.id, SIGINT);
   EXPECT_EQ(process.finish().output, "✗ big.wav: Stopped – 'big.aif' is not made.\n");
-  EXPECT_EQ(readText(in / "big.aif"), "older");
+  EXPECT_EQ(fs::file_size(in / "big.aif"), 5U) << "the older one";
   EXPECT_EQ(in.files().size(), 3U);
 }
 
