@@ -106,7 +106,6 @@ TEST_F(Driver, StopsAfterTheCurrentBlockForGood) {
   run();
   EXPECT_EQ(view.log,
             (Events{"✗ a.wav: Stopped – '" + (folder / "a.aif").native() + "' is incomplete."}));
-  EXPECT_LT(fs::file_size(folder / "a.aif"), 2'000'000'000U);
   driver.processURLs({folder / "b.wav"});
   run();
   EXPECT_FALSE(fs::exists(folder / "b.aif"));
@@ -126,11 +125,6 @@ TEST_F(Driver, ASecondBatchJoinsTheRunningOneWithItsOwnOptions) {
   EXPECT_EQ(view.log.size(), 5U);
   EXPECT_TRUE(fs::exists(folder / "3.aif"));
   EXPECT_TRUE(fs::exists(folder / "AIFF/4.aif"));
-  view.events.clear();
-  driver.processURLs({files[0]});
-  run();
-  EXPECT_EQ(view.events[0], "bar 0") << "counters start again";
-  EXPECT_EQ(view.events[view.events.size() - 2], "Done – 1 file processed.");
 }
 
 }  // namespace

@@ -23,16 +23,16 @@ using Prepare = std::function<void()>;
 
 class Program : public testing::Test {
  protected:
-  Process start(
-      std::vector<std::string> arguments, const Prepare& prepare = [] {}) const {
+  Process start(std::vector<std::string> arguments, const Prepare& prepare = nullptr) const {
     arguments.insert(arguments.begin(), CORVANA_CLI);
     return {in.path(), std::move(arguments), prepare};
   }
-  Outcome run(
-      std::vector<std::string> arguments, const Prepare& prepare = [] {}) const {
-    return start(std::move(arguments), prepare).finish();
+  Outcome run(const std::vector<std::string>& arguments, const Prepare& prepare = nullptr) const {
+    return start(arguments, prepare).finish();
   }
-  void writeWav(const std::string& name) const { in.write(name, wav({fmt({}), data({1, 2})})); }
+  void writeWav(const std::string& name, const ByteBuffer& samples = {1, 2}) const {
+    in.write(name, wav({fmt({}), data(samples)}));
+  }
   void writeHugeWav(const std::string& name) const {
     in.write(name, wav({fmt({}), bytes("'data' FF FF FF EF")}));
     fs::resize_file(in / name, 3'900'000'000);
@@ -51,8 +51,6 @@ TEST_F(Program, LogsToStandardOutputAndTheStatusToStandardError) {
   EXPECT_EQ(plain.errors, "Done – 2 files processed.\n");
   EXPECT_EQ(run({"--quiet", "--subfolder", "a.wav"}).errors, "");
   EXPECT_TRUE(fs::exists(in / "AIFF/a.aif"));
-  EXPECT_EQ(run({"--overwrite", "a.wav"}).output, "a.wav => a.aif" + summary);
-  EXPECT_EQ(run({"a.wav"}).output, "a.wav => a (1).aif" + summary);
 }
 
 TEST_F(Program, ExitStatusTellsWhetherAllWentWell) {
@@ -70,14 +68,12 @@ TEST_F(Program, ExitStatusTellsWhetherAllWentWell) {
       {{"notes.txt"}, 1, "No WAV or AIFF files found.\n", "notes.txt: Not a WAV or AIFF"},
       {{"notes.txt", "good.wav"}, 0, "good.wav => ", "corvana-cli: notes.txt: Not a WAV or AIFF"},
       {{}, 2, "", "PATH"},
-      {{"--unknown", "good.wav"}, 2, "", "--unknown"},
       {{"x", "-\x1b]0;\u202E\nforged"}, 2, "", ": -\uFFFD]0;\uFFFD\uFFFDforged\nRun with"},
       {{"no\x1b\nforged.wav"}, 1, "", "corvana-cli: no\uFFFD\uFFFDforged.wav: No such file"},
       {{"-dash.wav"}, 2, "", "is given as \"./-dash.wav\".\n"},
       {{"./-dash.wav"}, 0, "-dash.wav => ", ""},
       {{"--version"}, 0, "corvana-cli ", ""},
       {{"--help"}, 0, "Exit status:", ""},
-      {{"good.wav"}, 0, "good.wav => ", "Done – 1 file processed.\n"},
   };
   for (const auto& c : cases) {
     const Outcome outcome = run(c.arguments);
@@ -88,50 +84,49 @@ TEST_F(Program, ExitStatusTellsWhetherAllWentWell) {
 }
 
 TEST_F(Program, SparesTheInputsOfItsOwnRun) {
-  in.write("x.wav", wav({fmt({}), data({1, 2})}));
+  writeWav("x.wav");
   in.write("x.aif", aiff({comm({.frames = 1}), ssnd({3, 4})}));
-  in.write("y.wav", wav({fmt({}), data({1, 2})}));
-  const ByteBuffer inputs = join({readFile(in / "x.wav"), readFile(in / "x.aif")});
-  const auto intact = [&] {
-    return join({readFile(in / "x.wav"), readFile(in / "x.aif")}) == inputs;
-  };
+  writeWav("y.wav");
+  const auto inputs = [&] { return readText(in / "x.wav") + readText(in / "x.aif"); };
+  const std::string before = inputs();
   const std::string ways =
       " is to be converted as well – use --to, --subfolder or --overwrite-inputs.\n";
   const Outcome refused = run({"--overwrite", "."});
-  EXPECT_EQ(refused.status, 1);
   EXPECT_EQ(refused.output,
             "✗ x.aif: 'x.wav'" + ways + "✗ x.wav: 'x.aif'" + ways + "y.wav => y.aif" + summary);
-  EXPECT_TRUE(intact());
   EXPECT_EQ(run({"--overwrite", "--subfolder", "x.wav", "x.aif"}).status, 0);
   EXPECT_EQ(run({"x.wav", "./x.aif"}).status, 0) << "numbered names";
-  EXPECT_TRUE(intact());
+  EXPECT_EQ(inputs(), before);
   EXPECT_EQ(run({"--overwrite", "--to", "wav", "x.aif", "y.wav"}).output,
             "x.aif => x.wav" + summary);
-  in.write("x.wav", wav({fmt({}), data({5, 6})}));
+  writeWav("x.wav", {5, 6});
   EXPECT_EQ(run({"--overwrite", "--to", "aiff", "."}).status, 0);
   EXPECT_EQ(readFile(in / "x.aif").back(), 5);
-  in.write("x.wav", wav({fmt({}), data({7, 8})}));
+  writeWav("x.wav", {7, 8});
   EXPECT_EQ(run({"--overwrite-inputs", "x.wav", "x.aif"}).status, 0);
   EXPECT_EQ(readFile(in / "x.aif").back(), 7);
   EXPECT_EQ(run({"--to", "mp3", "x.wav"}).status, 2);
+
+  writeWav("y.wave", {3, 4});
+  EXPECT_EQ(run({"y.wav", "y.wave"}).output,
+            "y.wav => y (1).aif" + summary + "y.wave => y (2).aif" + summary);
+  EXPECT_EQ(run({"--overwrite", "y.wav", "y.wave"}).status, 0);
+  EXPECT_EQ(readFile(in / "y.aif").back(), 3) << "the later one stays";
 }
 
 TEST_F(Program, FindsFilesDeeperThanAnyPathIsLong) {
-  const std::string name(250, 'd');
-  in.write("top/deep.wav", wav({fmt({}), data({1, 2})}));
-  const auto move = [&](const fs::path& from, const fs::path& to) {
-    fs::create_directories((in / to).parent_path());
-    fs::rename(in / from, in / to);
-  };
+  const fs::path name(std::string(250, 'd'));
+  writeWav("top/deep.wav");
   for (int depth = 0; depth < 80; ++depth) {
-    move("top", "above" / fs::path(name));
-    move("above", "top");
+    fs::create_directory(in / "next");
+    fs::rename(in / "top", in / "next" / name);
+    fs::rename(in / "next", in / "top");
   }
   EXPECT_EQ(run({"--subfolder", "top"}).output, "deep.wav => deep.aif" + summary);
   for (int depth = 0; depth < 80; ++depth) {
-    move("top" / fs::path(name), "below");
+    fs::rename(in / "top" / name, in / "next");
     fs::remove(in / "top");
-    move("below", "top");
+    fs::rename(in / "next", in / "top");
   }
   EXPECT_TRUE(fs::exists(in / "top/AIFF/deep.aif"));
 }
@@ -245,7 +240,7 @@ TEST_F(Program, StopsWithinASecond) {
   EXPECT_EQ(in.files()[0][0], '.') << "no search finds it";
   ::kill(process.id, SIGINT);
   EXPECT_EQ(process.finish().output, "✗ big.wav: Stopped – 'big.aif' is not made.\n");
-  EXPECT_EQ(readText(in / "big.aif"), "older");
+  EXPECT_EQ(fs::file_size(in / "big.aif"), 5U) << "the older one";
   EXPECT_EQ(in.files().size(), 3U);
 }
 

@@ -12,6 +12,7 @@
 //   shrink          cut the last opened input to nothing before the call
 //   steal, link:TO  create: another program makes a file, or a link to TO, of this name first
 //
+// A descriptor that is closed twice ends the program at once.
 // When the program ends by itself, descriptors and mappings of these files that are left make it
 // end with status 77, a fault that never happened with 78.
 
@@ -235,6 +236,7 @@ ssize_t writev(int file, const iovec* parts, int count) {
 int close(int file) {
   const Kind kind = kindOf(file).exchange(Kind::other);
   const int result = NEXT(close)(file);
+  if (result != 0 && errno == EBADF) std::abort();  // closed twice: it may be another's by now
   // The system closes a descriptor also where it reports an error.
   return kind == Kind::output && failsNow("close") ? -1 : result;
 }

@@ -37,7 +37,6 @@ int main(int count, char** arguments) {
                                cue({{1, 0}, {2, 1}, {3, 6}}), test::data(samples)}));
   }
   write(folder / "wav", wav({fmt({}), test::data({}), smpl(127, 0xFFFFFFFF)}));
-  write(folder / "wav", wav({fmt({.tag = format_tag::floatingPoint}), test::data(samples)}));
 
   const ByteBuffer markers = mark({{1, 0, "start"}, {2, 4, "end"}, {3, 2, ""}, {-1, 9, "x"}});
   const ByteBuffer loops = inst(AiffInstrument{60, 10, 0, 127, 1, 127, 200, {1, 1, 2}, {2, 1, 3}});

@@ -32,7 +32,9 @@ inline ByteBuffer bytes(std::string_view notation) {
   return result;
 }
 
-inline ByteBuffer be(std::uint64_t value, unsigned width) {
+template <typename Number>
+ByteBuffer be(Number number, unsigned width) {
+  auto value = static_cast<std::uint64_t>(number);
   ByteBuffer result(width);
   for (unsigned i = width; i-- > 0; value >>= 8)
     result[i] = static_cast<std::uint8_t>(value);
@@ -153,8 +155,7 @@ struct Common {
 };
 
 inline ByteBuffer comm(const Common& c) {
-  return aiffChunk("COMM", join({be(static_cast<std::uint16_t>(c.channels), 2), be(c.frames, 4),
-                                 be(static_cast<std::uint16_t>(c.bits), 2), bytes(c.rate),
+  return aiffChunk("COMM", join({be(c.channels, 2), be(c.frames, 4), be(c.bits, 2), bytes(c.rate),
                                  text(c.compression)}));
 }
 
@@ -165,21 +166,16 @@ inline ByteBuffer ssnd(const ByteBuffer& samples, std::uint32_t offset = 0) {
 inline ByteBuffer mark(const std::vector<AiffMarker>& markers) {
   ByteBuffer body = be(markers.size(), 2);
   for (const AiffMarker& marker : markers)
-    body = join({body, be(static_cast<std::uint16_t>(marker.id), 2), be(marker.position, 4),
-                 be(marker.name.size(), 1), text(marker.name),
-                 ByteBuffer(marker.name.size() % 2 == 0 ? 1 : 0)});
+    body = join({body, be(marker.id, 2), be(marker.position, 4), be(marker.name.size(), 1),
+                 text(marker.name), ByteBuffer(marker.name.size() % 2 == 0 ? 1 : 0)});
   return aiffChunk("MARK", body);
 }
 
 inline ByteBuffer inst(const AiffInstrument& i) {
-  ByteBuffer body;
-  for (const std::int8_t field :
-       {i.baseNote, i.detune, i.lowNote, i.highNote, i.lowVelocity, i.highVelocity})
-    body.push_back(static_cast<std::uint8_t>(field));
-  for (const std::int16_t field :
-       {i.gain, i.sustainLoop.playMode, i.sustainLoop.beginMarker, i.sustainLoop.endMarker,
-        i.releaseLoop.playMode, i.releaseLoop.beginMarker, i.releaseLoop.endMarker})
-    body = join({body, be(static_cast<std::uint16_t>(field), 2)});
+  ByteBuffer body = join({be(i.baseNote, 1), be(i.detune, 1), be(i.lowNote, 1), be(i.highNote, 1),
+                          be(i.lowVelocity, 1), be(i.highVelocity, 1), be(i.gain, 2)});
+  for (const AiffLoop& loop : {i.sustainLoop, i.releaseLoop})
+    body = join({body, be(loop.playMode, 2), be(loop.beginMarker, 2), be(loop.endMarker, 2)});
   return aiffChunk("INST", body);
 }
 

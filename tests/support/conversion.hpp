@@ -30,13 +30,6 @@ std::string errorOf(const Action& action) {
   return "no error";
 }
 
-inline std::string lines(const Warnings& warnings) {
-  std::string text;
-  for (const Warning& warning : warnings)
-    text += warningText(warning, english) + "\n";
-  return text;
-}
-
 struct Converted {
   ByteBuffer file;
   std::string summary;
@@ -52,7 +45,10 @@ inline Converted convert(const ByteBuffer& input) {
   carryOut(plan, MemorySource(input), output,
            [&](double fraction) { progress.push_back(fraction); });
   EXPECT_EQ(output.bytes.size(), plan.outputSize());
-  return {output.bytes, makeSummary(plan.summary, english), lines(plan.warnings), progress};
+  std::string warnings;
+  for (const Warning& warning : plan.warnings)
+    warnings += warningText(warning, english) + "\n";
+  return {output.bytes, makeSummary(plan.summary, english), warnings, progress};
 }
 
 /// All values in one line, to compare records at a glance.
