@@ -86,7 +86,6 @@ TEST_F(Driver, GoesOnAfterABrokenFile) {
                     "5.WAV => 5.wav  [16-bit, mono, 44100 Hz]",
                     "✗ 6.wav: Unsupported format: file is too short"}));
   EXPECT_EQ(driver.failedFiles(), 4);
-  EXPECT_EQ(view.events[view.events.size() - 2], "Done – 6 files processed.");
 }
 
 TEST_F(Driver, CountsThePartOfTheCurrentFile) {
@@ -119,7 +118,6 @@ TEST_F(Driver, ASecondBatchJoinsTheRunningOneWithItsOwnOptions) {
   queue.runUntil([&] { return driver.finishedFiles() == 2; });
   driver.processURLs({files.begin() + 3, files.end()});
   EXPECT_EQ(view.events.back(), "bar 0.4");
-  EXPECT_EQ(driver.totalFiles(), 5);
   run();
   EXPECT_EQ(view.events[view.events.size() - 2], "Done – 5 files processed.");
   EXPECT_EQ(view.log.size(), 5U);
