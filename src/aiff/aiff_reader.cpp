@@ -46,32 +46,16 @@ AiffLoop readLoop(const Fields& fields, std::size_t offset) {
   return loop;
 }
 
-std::optional<AiffInstrument> parseInstrumentChunk(ByteView body) {
-  if (body.size() < aiff_layout::instrumentSize) return std::nullopt;
-  const Fields fields = fieldsOf(body);
-  AiffInstrument instrument;
-  instrument.baseNote = fields.i8(0);
-  instrument.detune = fields.i8(1);
-  instrument.lowNote = fields.i8(2);
-  instrument.highNote = fields.i8(3);
-  instrument.lowVelocity = fields.i8(4);
-  instrument.highVelocity = fields.i8(5);
-  instrument.gain = fields.i16(6);
-  instrument.sustainLoop = readLoop(fields, 8);
-  instrument.releaseLoop = readLoop(fields, 14);
-  return instrument;
-}
-
 }  // namespace
 
-AiffInfo parseAiff(ByteView file) {
+AiffInfo parseAiff(ByteView file, double rateLimit) {
   const bool isAIFC = checkHeader(file);
   AiffInfo info;
   bool hasCommon = false;
   bool hasSound = false;
   walkChunks(file, ByteOrder::big, [&](const Chunk& chunk) {
     if (chunk.id == "COMM") {
-      const CommonChunk common = parseCommonChunk(chunk.body, isAIFC);
+      const CommonChunk common = parseCommonChunk(chunk.body, isAIFC, rateLimit);
       info.channels = common.channels;
       info.frameCount = common.frameCount;
       info.sampleSize = common.sampleSize;
@@ -89,7 +73,7 @@ AiffInfo parseAiff(ByteView file) {
     } else if (chunk.id == "MARK") {
       info.markers = parseMarkerChunk(chunk.body);
     } else if (chunk.id == "INST") {
-      info.instrument = parseInstrumentChunk(chunk.body);
+      info.instrument = parseAiffInstrument(chunk.body);
     }
   });
   if (!hasCommon) throw ConversionError(Case::missingComm);
@@ -97,7 +81,7 @@ AiffInfo parseAiff(ByteView file) {
   return info;
 }
 
-CommonChunk parseCommonChunk(ByteView body, bool isAIFC) {
+CommonChunk parseCommonChunk(ByteView body, bool isAIFC, double rateLimit) {
   if (body.size() < aiff_layout::commonSize) throw ConversionError(Case::missingComm);
   const Fields fields = fieldsOf(body);
   const std::int16_t channels = fields.i16(0);
@@ -115,7 +99,7 @@ CommonChunk parseCommonChunk(ByteView body, bool isAIFC) {
   if (sampleSize < 1 || sampleSize > 32)
     throw ConversionError::unsupported(UnsupportedKind::bitDepth, {std::int64_t{sampleSize}});
   // Asked this way round, not-a-number is refused as well.
-  if (!(sampleRate >= 1.0 && sampleRate < 4'000'000'000.0))
+  if (!(sampleRate >= 1.0 && sampleRate < rateLimit))
     throw ConversionError::unsupported(UnsupportedKind::sampleRate, {sampleRate});
   return {static_cast<std::uint16_t>(channels), frameCount, static_cast<std::uint16_t>(sampleSize),
           sampleRate, littleEndian};
@@ -141,6 +125,22 @@ std::vector<AiffMarker> parseMarkerChunk(ByteView body) {
     rest = rest.subspan(std::min(paddedLength, rest.size()));
   }
   return markers;
+}
+
+std::optional<AiffInstrument> parseAiffInstrument(ByteView body) {
+  if (body.size() < aiff_layout::instrumentSize) return std::nullopt;
+  const Fields fields = fieldsOf(body);
+  AiffInstrument instrument;
+  instrument.baseNote = fields.i8(0);
+  instrument.detune = fields.i8(1);
+  instrument.lowNote = fields.i8(2);
+  instrument.highNote = fields.i8(3);
+  instrument.lowVelocity = fields.i8(4);
+  instrument.highVelocity = fields.i8(5);
+  instrument.gain = fields.i16(6);
+  instrument.sustainLoop = readLoop(fields, 8);
+  instrument.releaseLoop = readLoop(fields, 14);
+  return instrument;
 }
 
 }  // namespace corvana

@@ -10,8 +10,9 @@
 namespace corvana {
 
 /// Reads the complete content of a file. Chunks may come in any order; of a chunk that occurs
-/// twice the later one counts. Fails with a ConversionError.
-AiffInfo parseAiff(ByteView file);
+/// twice the later one counts. Fails with a ConversionError, also for a sample rate that is not
+/// below `rateLimit` (Hz).
+AiffInfo parseAiff(ByteView file, double rateLimit = 4'000'000'000.0);
 
 /// The COMM chunk. Fields as in AiffInfo.
 struct CommonChunk {
@@ -23,9 +24,12 @@ struct CommonChunk {
 };
 /// `isAIFC`: the form type is "AIFC", so a compression type follows. Fails with missingComm or
 /// unsupported.
-CommonChunk parseCommonChunk(ByteView body, bool isAIFC);
+CommonChunk parseCommonChunk(ByteView body, bool isAIFC, double rateLimit);
 
 /// Never fails: a marker count beyond the body is cut, a name cut by its end is used as it is.
 std::vector<AiffMarker> parseMarkerChunk(ByteView body);
+
+/// The INST chunk; a body below 20 bytes counts as absent.
+std::optional<AiffInstrument> parseAiffInstrument(ByteView body);
 
 }  // namespace corvana

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <optional>
 #include <string_view>
 
 #include "vocabulary/bytes.hpp"
@@ -15,9 +16,10 @@ inline constexpr std::size_t chunkHeaderSize = 8;  ///< chunk ID, body size
 
 /// One chunk as found in a file.
 struct Chunk {
-  std::string_view id;     ///< the four characters
-  ByteView body;           ///< the declared body, cut at the end of the file
-  std::size_t bodyOffset;  ///< where the body starts, in bytes from the start of the file
+  std::string_view id;         ///< the four characters
+  ByteView body;               ///< the declared body, cut at the end of the file
+  std::size_t bodyOffset;      ///< where the body starts, in bytes from the start of the file
+  std::uint32_t declaredSize;  ///< of the body, in bytes, without the pad byte
 };
 
 /// The bytes of a file around its samples.
@@ -26,22 +28,25 @@ struct SurroundingBytes {
   ByteBuffer trailer;  ///< everything behind the last one
 };
 
+/// The chunk whose header starts at `position`; absent where the file holds no whole header there.
+inline std::optional<Chunk> chunkAt(ByteView file, ByteOrder order, std::uint64_t position) {
+  if (position > file.size() || file.size() - position < chunkHeaderSize) return std::nullopt;
+  const std::size_t bodyOffset = static_cast<std::size_t>(position) + chunkHeaderSize;
+  const Fields header(file.subspan(bodyOffset - chunkHeaderSize, chunkHeaderSize), order);
+  const std::uint32_t declaredSize = header.u32(4);
+  const std::size_t presentSize = std::min<std::size_t>(declaredSize, file.size() - bodyOffset);
+  return Chunk{header.id(0), file.subspan(bodyOffset, presentSize), bodyOffset, declaredSize};
+}
+
 /// Calls `visit(const Chunk&)` for every chunk after the file header. Bounded by the real length
 /// of the file, never by the size in its header; a chunk that claims to run past the end of the
 /// file is the last.
 template <typename Visit>
 void walkChunks(ByteView file, ByteOrder order, const Visit& visit) {
-  std::size_t position = fileHeaderSize;
-  while (position <= file.size() && file.size() - position >= chunkHeaderSize) {
-    const Fields header(file.subspan(position, chunkHeaderSize), order);
-    const std::uint32_t declaredSize = header.u32(4);
-    const std::size_t bodyOffset = position + chunkHeaderSize;
-    const std::size_t left = file.size() - bodyOffset;
-    visit(Chunk{header.id(0), file.subspan(bodyOffset, std::min<std::size_t>(declaredSize, left)),
-                bodyOffset});
-    const std::uint64_t paddedSize = std::uint64_t{declaredSize} + (declaredSize & 1U);
-    if (paddedSize > left) return;
-    position = bodyOffset + static_cast<std::size_t>(paddedSize);
+  std::uint64_t position = fileHeaderSize;
+  while (const std::optional<Chunk> chunk = chunkAt(file, order, position)) {
+    visit(*chunk);
+    position = chunk->bodyOffset + std::uint64_t{chunk->declaredSize} + (chunk->declaredSize & 1U);
   }
 }
 

@@ -109,26 +109,12 @@ Form formOf(ConversionError::Case kind) {
   return {"", ""};
 }
 
-std::string valueText(const MessageValue& value, const Language& language) {
-  struct {
-    const Language& language;
-    std::string operator()(std::int64_t number) const { return decimalText(number); }
-    std::string operator()(double number) const { return decimalText(number); }
-    std::string operator()(LoopRole role) const {
-      return role == LoopRole::sustain ? language.localised("Sustain loop")
-                                       : language.localised("Release loop");
-    }
-    std::string operator()(const std::string& characters) const { return characters; }
-  } const text{language};
-  return std::visit(text, value);
-}
-
 std::string fill(const char* form, const std::vector<MessageValue>& values,
                  const Language& language) {
   std::vector<std::string> texts;
   texts.reserve(values.size());
   for (const MessageValue& value : values)
-    texts.push_back(valueText(value, language));
+    texts.push_back(messageValueText(value, language));
   return fillText(language.localised(form),
                   std::vector<std::string_view>(texts.begin(), texts.end()));
 }
@@ -178,6 +164,20 @@ std::string channelsText(std::int64_t count, const Language& language) {
   if (count == 1) return language.localised("mono");
   if (count == 2) return language.localised("stereo");
   return language.localisedCount("%ld channel", "%ld channels", count);
+}
+
+std::string messageValueText(const MessageValue& value, const Language& language) {
+  struct {
+    const Language& language;
+    std::string operator()(std::int64_t number) const { return decimalText(number); }
+    std::string operator()(double number) const { return decimalText(number); }
+    std::string operator()(LoopRole role) const {
+      return role == LoopRole::sustain ? language.localised("Sustain loop")
+                                       : language.localised("Release loop");
+    }
+    std::string operator()(const std::string& characters) const { return characters; }
+  } const text{language};
+  return std::visit(text, value);
 }
 
 std::string warningText(const Warning& warning, const Language& language) {

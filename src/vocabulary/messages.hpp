@@ -39,6 +39,9 @@ std::string channelsText(std::int64_t count, const Language& language);
 const char* warningCode(WarningKind kind);
 const char* errorCode(const ConversionError& error);
 
+/// What stands in the text of a message for one of its values.
+std::string messageValueText(const MessageValue& value, const Language& language);
+
 /// The line that a person reads.
 std::string warningText(const Warning& warning, const Language& language);
 

@@ -14,20 +14,6 @@ Fields fieldsOf(ByteView bytes) {
   return {bytes, ByteOrder::little};
 }
 
-std::optional<InstrumentChunk> parseInstrumentChunk(ByteView body) {
-  if (body.size() < wav_layout::instrumentSize) return std::nullopt;
-  const Fields fields = fieldsOf(body);
-  InstrumentChunk instrument;
-  instrument.unshiftedNote = fields.u8(0);
-  instrument.fineTune = fields.i8(1);
-  instrument.gain = fields.i8(2);
-  instrument.lowNote = fields.u8(3);
-  instrument.highNote = fields.u8(4);
-  instrument.lowVelocity = fields.u8(5);
-  instrument.highVelocity = fields.u8(6);
-  return instrument;
-}
-
 void checkHeader(ByteView file) {
   if (file.size() < fileHeaderSize) throw ConversionError(Case::notRIFF);
   const Fields header = fieldsOf(file);
@@ -138,6 +124,20 @@ CuePoint decodeCuePoint(ByteView record) {
   // together with a playlist.
   point.position = fields.u32(20);
   return point;
+}
+
+std::optional<InstrumentChunk> parseInstrumentChunk(ByteView body) {
+  if (body.size() < wav_layout::instrumentSize) return std::nullopt;
+  const Fields fields = fieldsOf(body);
+  InstrumentChunk instrument;
+  instrument.unshiftedNote = fields.u8(0);
+  instrument.fineTune = fields.i8(1);
+  instrument.gain = fields.i8(2);
+  instrument.lowNote = fields.u8(3);
+  instrument.highNote = fields.u8(4);
+  instrument.lowVelocity = fields.u8(5);
+  instrument.highVelocity = fields.u8(6);
+  return instrument;
 }
 
 }  // namespace corvana

@@ -33,4 +33,7 @@ SamplerChunk parseSamplerChunk(ByteView body);
 /// Never fails: a point count beyond the body is cut.
 CuePointView parseCueChunk(ByteView body);
 
+/// The inst chunk; a body below 7 bytes counts as absent.
+std::optional<InstrumentChunk> parseInstrumentChunk(ByteView body);
+
 }  // namespace corvana

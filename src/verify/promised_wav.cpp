@@ -1,0 +1,89 @@
+#include "verify/promised_wav.hpp"
+
+#include <algorithm>
+#include <cmath>
+#include <map>
+#include <set>
+
+namespace corvana {
+namespace {
+
+/// Where loops find their markers: the last one of an ID counts, and none lies behind the sound.
+using Positions = std::map<std::int16_t, std::uint32_t>;
+
+/// A loop that is switched on, has both markers and a frame between them; WAV names its last frame.
+std::optional<SampleLoop> promisedLoop(const AiffLoop& loop, const Positions& positions) {
+  const auto begin = positions.find(loop.beginMarker);
+  const auto end = positions.find(loop.endMarker);
+  if (loop.playMode == 0 || begin == positions.end() || end == positions.end()) return {};
+  if (begin->second >= end->second) return {};
+  const std::uint32_t type = loop.playMode == 2 ? 1 : 0;
+  return SampleLoop{.type = type, .start = begin->second, .end = end->second - 1, .playCount = 0};
+}
+
+void promisePoints(const AiffInfo& aiff, PromisedWav& wav) {
+  const auto frames = static_cast<std::uint32_t>(wav.frames);
+  Positions positions;
+  for (const AiffMarker& marker : aiff.markers)
+    positions[marker.id] = std::min(marker.position, frames);
+
+  std::set<std::int16_t> used;
+  if (aiff.instrument)
+    for (const AiffLoop& loop : {aiff.instrument->sustainLoop, aiff.instrument->releaseLoop})
+      if (auto promised = promisedLoop(loop, positions)) {
+        promised->cueID = static_cast<std::uint32_t>(wav.loops.size());
+        wav.loops.push_back(*promised);
+        used.insert(loop.beginMarker);
+        used.insert(loop.endMarker);
+      }
+  std::uint32_t id = 1;
+  for (const AiffMarker& marker : aiff.markers)
+    if (!used.contains(marker.id) && marker.position <= frames)
+      wav.cuePoints.push_back({id++, marker.position});
+}
+
+/// The recording lies as far below its base note as the detune raises it, and the other way round.
+/// WAV can only say how far it lies above a note.
+void promiseTuning(int baseNote, int detune, PromisedWav& wav) {
+  int note = std::max(baseNote, 0);
+  int centsAbove = std::min(std::max(-detune, 0), 50);
+  if (detune > 0 && baseNote > 0) {
+    note -= 1;
+    centsAbove = 100 - std::min(detune, 50);
+  }
+  constexpr std::int64_t semitone = std::int64_t{1} << 32;
+  wav.unityNote = static_cast<std::uint32_t>(note);
+  wav.pitchFraction = static_cast<std::uint32_t>((centsAbove * semitone + 50) / 100);
+}
+
+void promiseInstrument(const AiffInstrument& inst, PromisedWav& wav) {
+  const auto least = [](std::int8_t value, int limit) {
+    return static_cast<std::uint8_t>(value < limit ? limit : value);
+  };
+  const auto within = [](int value, int low, int high) {
+    return static_cast<std::int8_t>(value < low ? low : value > high ? high : value);
+  };
+  wav.instrument = InstrumentChunk{.unshiftedNote = least(inst.baseNote, 0),
+                                   .fineTune = within(inst.detune, -50, 50),
+                                   .gain = within(inst.gain, -128, 127),
+                                   .lowNote = least(inst.lowNote, 0),
+                                   .highNote = least(inst.highNote, 0),
+                                   .lowVelocity = least(inst.lowVelocity, 1),
+                                   .highVelocity = least(inst.highVelocity, 1)};
+  promiseTuning(inst.baseNote, inst.detune, wav);
+}
+
+}  // namespace
+
+PromisedWav promisedWav(const AiffInfo& aiff) {
+  PromisedWav wav;
+  wav.width = bytesFor(aiff.sampleSize);
+  const std::uint64_t there = aiff.soundSize / (std::uint64_t{aiff.channels} * wav.width);
+  wav.frames = std::min<std::uint64_t>(aiff.frameCount, there);
+  wav.sampleRate = static_cast<std::uint32_t>(std::floor(aiff.sampleRate + 0.5));
+  promisePoints(aiff, wav);
+  if (aiff.instrument) promiseInstrument(*aiff.instrument, wav);
+  return wav;
+}
+
+}  // namespace corvana

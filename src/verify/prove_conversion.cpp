@@ -1,0 +1,32 @@
+#include "verify/prove_conversion.hpp"
+
+#include "aiff/aiff_reader.hpp"
+#include "verify/compare_aiff.hpp"
+#include "verify/compare_wav.hpp"
+#include "wav/wav_reader.hpp"
+
+namespace corvana {
+namespace {
+
+template <typename Info>
+Differences prove(const Info& info, ByteView input, ByteView output, Producer producer,
+                  const ProgressHandler& progress) {
+  Differences differences;
+  try {
+    compareOutput(info, input, output, producer, differences, progress);
+  } catch (const ConversionError& error) {
+    differences.add({.kind = DifferenceKind::unreadable, .reason = error});
+  }
+  return differences;
+}
+
+}  // namespace
+
+Differences proveConversion(ByteView input, ByteView output, Producer producer,
+                            const ProgressHandler& progress) {
+  const bool isAIFF = Fields(input, ByteOrder::big).id(0) == "FORM";
+  return isAIFF ? prove(parseAiff(input), input, output, producer, progress)
+                : prove(parseWav(input), input, output, producer, progress);
+}
+
+}  // namespace corvana

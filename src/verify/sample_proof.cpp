@@ -1,0 +1,136 @@
+#include "verify/sample_proof.hpp"
+
+#include <algorithm>
+#include <bit>
+#include <cstring>
+
+namespace corvana {
+namespace {
+
+constexpr std::size_t maxWidth = 4;  ///< bytes
+
+/// What to do to an input's value, left-justified in 32 bits, before it has to be the output's.
+struct Change {
+  std::uint32_t kept = 0;    ///< bits
+  std::uint32_t turned = 0;  ///< the top bit, from unsigned to signed or back
+
+  std::uint32_t of(std::uint32_t value) const { return (value & kept) ^ turned; }
+};
+
+std::uint32_t valueOf(const std::uint8_t* sample, std::size_t width, ByteOrder order) {
+  std::uint32_t value = 0;
+  for (std::size_t i = 0; i < width; ++i)
+    value = value << 8 | sample[order == ByteOrder::big ? i : width - 1 - i];
+  return value << (8 * (maxWidth - width));
+}
+
+/// The value of four bytes, in one step: compilers do not see through valueOf in every loop.
+std::uint32_t valueOfFour(const std::uint8_t* sample, ByteOrder order) {
+  std::uint32_t value = 0;
+  std::memcpy(&value, sample, sizeof value);
+  const bool isBig = std::endian::native == std::endian::big;
+  return (order == ByteOrder::big) == isBig ? value : __builtin_bswap32(value);
+}
+
+/// How samples lie in a file, known to the compiler.
+template <std::size_t bytes, ByteOrder byteOrder>
+struct Layout {
+  static constexpr std::size_t width = bytes;
+
+  static std::uint32_t value(const std::uint8_t* sample) {
+    return valueOf(sample, width, byteOrder);
+  }
+  /// The same where another sample follows: three bytes are quicker to read as four.
+  static std::uint32_t valueAhead(const std::uint8_t* sample) {
+    if constexpr (width != 3) return value(sample);
+    const std::uint32_t four = valueOfFour(sample, byteOrder);
+    return byteOrder == ByteOrder::big ? four & 0xFFFFFF00 : four << 8;
+  }
+};
+
+template <typename Use>
+auto withLayoutOf(const SampleField& field, const Use& use) {
+  const bool isBig = field.order == ByteOrder::big;
+  switch (field.width) {
+    case 1:
+      return use(Layout<1, ByteOrder::big>());
+    case 2:
+      return isBig ? use(Layout<2, ByteOrder::big>()) : use(Layout<2, ByteOrder::little>());
+    case 3:
+      return isBig ? use(Layout<3, ByteOrder::big>()) : use(Layout<3, ByteOrder::little>());
+    default:
+      return isBig ? use(Layout<4, ByteOrder::big>()) : use(Layout<4, ByteOrder::little>());
+  }
+}
+
+/// Whether `count` samples, at least one, are as they should be. Says it of all at once: without a
+/// way out of the loop, the compiler makes vectors of it.
+template <typename Input, typename Output>
+bool areEqual(const std::uint8_t* input, const std::uint8_t* output, std::size_t count,
+              Change change) {
+  std::uint32_t different = 0;
+  const std::size_t last = count - 1;
+  for (std::size_t i = 0; i < last; ++i)
+    different |= change.of(Input::valueAhead(input + i * Input::width)) ^
+                 Output::valueAhead(output + i * Output::width);
+  different |= change.of(Input::value(input + last * Input::width)) ^
+               Output::value(output + last * Output::width);
+  return different == 0;
+}
+
+using AreEqual = bool (*)(const std::uint8_t* input, const std::uint8_t* output, std::size_t count,
+                          Change change);
+
+AreEqual comparisonOf(const SampleField& input, const SampleField& output) {
+  return withLayoutOf(input, [&](auto from) {
+    return withLayoutOf(
+        output, [&](auto to) -> AreEqual { return areEqual<decltype(from), decltype(to)>; });
+  });
+}
+
+const std::uint8_t* addressOf(const SampleField& field, std::uint64_t sample) {
+  return field.file.data() + field.offset + static_cast<std::size_t>(sample) * field.width;
+}
+
+/// The value as a number of `width` bytes.
+std::int64_t signedNumber(std::uint32_t value, std::uint32_t width) {
+  return static_cast<std::int32_t>(value) >> (8 * (maxWidth - width));
+}
+
+}  // namespace
+
+void compareSamples(const SampleField& input, const SampleField& output, const SampleRange& range,
+                    Differences& differences, const ProgressHandler& progress) {
+  constexpr std::uint64_t blockSamples = 4096;
+  constexpr std::uint64_t progressSamples = 128 * blockSamples;
+  constexpr std::uint32_t topBit = 0x8000'0000;
+  const Change change{~std::uint32_t{0} << (8 * (maxWidth - range.keptWidth)),
+                      input.isUnsigned != output.isUnsigned ? topBit : 0};
+  const std::uint32_t toSigned = output.isUnsigned ? topBit : 0;
+  const std::uint32_t shownWidth = std::max(range.keptWidth, output.width);
+  const std::uint64_t sampleCount = range.frames * range.channels;
+  const AreEqual areEqual = comparisonOf(input, output);
+
+  for (std::uint64_t done = 0; done < sampleCount; done += blockSamples) {
+    if (progress && done % progressSamples == 0)
+      progress(static_cast<double>(done) / static_cast<double>(sampleCount));
+    const std::uint64_t end = std::min(done + blockSamples, sampleCount);
+    if (areEqual(addressOf(input, done), addressOf(output, done),
+                 static_cast<std::size_t>(end - done), change))
+      continue;
+    for (std::uint64_t sample = done; sample < end; ++sample) {
+      const std::uint32_t expected =
+          change.of(valueOf(addressOf(input, sample), input.width, input.order));
+      const std::uint32_t found = valueOf(addressOf(output, sample), output.width, output.order);
+      if (found == expected) continue;
+      differences.add({.kind = DifferenceKind::sample,
+                       .frame = static_cast<std::int64_t>(sample / range.channels),
+                       .channel = static_cast<std::int64_t>(sample % range.channels + 1),
+                       .found = signedNumber(found ^ toSigned, shownWidth),
+                       .expected = signedNumber(expected ^ toSigned, shownWidth),
+                       .offset = output.offset + sample * output.width});
+    }
+  }
+}
+
+}  // namespace corvana

@@ -1,0 +1,23 @@
+// Why a file could not be converted, as a record.
+#pragma once
+
+#include <exception>
+#include <string>
+#include <vector>
+
+#include "vocabulary/language.hpp"
+#include "vocabulary/warnings.hpp"
+
+namespace corvana {
+
+struct Failure {
+  /// An errorCode, "stopped", "not-as-promised" or "system-error". They never change.
+  std::string code;
+  std::vector<MessageValue> values = {};  ///< those of a ConversionError
+  std::string text = {};                  ///< what a person reads
+  int errorNumber = 0;                    ///< the system's, where it had a part in it
+};
+
+Failure failureOf(const std::exception& error, const Language& language);
+
+}  // namespace corvana
