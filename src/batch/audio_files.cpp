@@ -36,13 +36,29 @@ std::string_view AudioFile::name() const {
   return std::string_view(path).substr(path.rfind('/') + 1);
 }
 
-FoundFiles collectAudioFiles(const std::vector<fs::path>& urls) {
+std::string_view AudioFile::folderInTree() const {
+  if (namedLength >= path.size()) return {};
+  std::string_view named(path.data(), namedLength);
+  named = named.substr(0, named.find_last_not_of('/') + 1);
+  const std::size_t nameStart = named.rfind('/') + 1;
+  const std::string_view name = named.substr(nameStart);
+  const bool isNameless = name.empty() || name == "." || name == "..";
+  std::string_view tree = folder();
+  tree.remove_prefix(std::min(isNameless ? namedLength : nameStart, tree.size()));
+  return tree.substr(std::min(tree.find_first_not_of('/'), tree.size()));
+}
+
+FoundFiles collectAudioFiles(const std::vector<fs::path>& urls, const fs::path& outputFolder) {
   FoundFiles found;
   std::size_t namedLength = 0;
   const auto leaveOut = [&found](std::string_view path, int errorNumber) {
     found.leftOut.push_back(
         {std::string(path), std::generic_category().message(errorNumber), true});
   };
+  std::optional<FolderIdentity> except;
+  if (!outputFolder.empty())
+    if (const auto identity = identityOf(outputFolder))
+      except = {identity->device, identity->inode};
   const FolderVisitor visitor{.file =
                                   [&](std::string_view path) {
                                     if (hasAudioExtension(path))
@@ -56,7 +72,8 @@ FoundFiles collectAudioFiles(const std::vector<fs::path>& urls) {
                                                   name) != std::end(outputFolderNames);
                                     return isOutput ? Descend::no : Descend::yes;
                                   },
-                              .unreadable = leaveOut};
+                              .unreadable = leaveOut,
+                              .except = except};
   for (const fs::path& url : urls) {
     std::error_code error;
     const fs::file_status status = fs::status(url, error);

@@ -25,6 +25,9 @@ struct AudioFile {
 
   std::string_view folder() const;  ///< of the path; empty for a file of the current folder
   std::string_view name() const;    ///< the last part of the path
+  /// Where it lies in the tree that was searched: the path of its folder from the named one on,
+  /// whose name is the first part (none for ".", ".." and "/"). Empty for a named file.
+  std::string_view folderInTree() const;
 };
 
 /// Something that a search has left out, and why.
@@ -41,7 +44,8 @@ struct FoundFiles {
 
 /// Expands files and folders, in the given order; folders are searched in depth. Of what the
 /// user has named, files of another extension are left out; in a search they are nothing to speak
-/// of.
-FoundFiles collectAudioFiles(const std::vector<std::filesystem::path>& urls);
+/// of. Nor does a search look into `outputFolder`.
+FoundFiles collectAudioFiles(const std::vector<std::filesystem::path>& urls,
+                             const std::filesystem::path& outputFolder = {});
 
 }  // namespace corvana

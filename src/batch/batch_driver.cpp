@@ -1,14 +1,19 @@
 #include "batch/batch_driver.hpp"
 
 #include <cerrno>
+#include <chrono>
 #include <functional>
 #include <optional>
 #include <utility>
 
 #include "batch/batch_inputs.hpp"
 #include "convert/detect_format.hpp"
+#include "convert/plan_aiff_to_wav.hpp"
+#include "convert/plan_wav_to_aiff.hpp"
 #include "output/convert_file.hpp"
+#include "output/verify_output.hpp"
 #include "platform/texts.hpp"
+#include "verify/difference_texts.hpp"
 #include "vocabulary/messages.hpp"
 #include "vocabulary/screen_text.hpp"
 #include "vocabulary/text_format.hpp"
@@ -18,19 +23,47 @@ namespace {
 
 namespace fs = std::filesystem;
 
-LogEntry successEntry(const AudioFile& file, const ConversionResult& result) {
-  LogEntry entry{{std::string(file.name()) + " => " + result.outputURL.filename().native() + "  [" +
-                  result.summary + "]"},
-                 Outcome::converted,
-                 file.path,
-                 result.outputURL.native()};
+void setConverted(LogEntry& entry, const AudioFile& file, ConversionResult result) {
+  entry.outcome = Outcome::converted;
+  entry.lines = {std::string(file.name()) + " => " + result.outputURL.filename().native() + "  [" +
+                 result.summary + "]"};
   for (const std::string& warning : result.warnings)
     entry.lines.push_back("   ⚠\uFE0E " + warning);
-  return entry;
+  entry.output = result.outputURL.native();
+  entry.summary = result.figures;
+  entry.frames = result.frames;
+  entry.bytes = result.bytes;
+  entry.warnings = std::move(result.warningRecords);
 }
 
-LogEntry failureEntry(const AudioFile& file, const std::string& message) {
-  return {{"✗ " + std::string(file.name()) + ": " + message}, Outcome::failed, file.path};
+std::string failureLine(const AudioFile& file, const Failure& failure) {
+  return "✗ " + std::string(file.name()) + ": " + failure.text;
+}
+
+void setFailed(LogEntry& entry, const AudioFile& file, const std::exception& error) {
+  entry.outcome = Outcome::failed;
+  entry.failure = failureOf(error, systemLanguage());
+  entry.lines = {failureLine(file, entry.failure)};
+}
+
+/// The output is not as its input promises. It stays, for somebody to look at.
+void setDifferent(LogEntry& entry, const AudioFile& file, const OutputTarget& output,
+                  const Differences& differences) {
+  constexpr std::size_t maxShown = 10;
+  entry.outcome = Outcome::failed;
+  for (const Difference& difference : differences.kept) {
+    const std::string text = differenceText(difference, systemLanguage());
+    if (entry.lines.empty()) {
+      entry.failure = {
+          .code = "not-as-promised",
+          .text = fillText(localised("'%1$@' is not as promised: %2$@"), {output.name, text})};
+      entry.lines = {failureLine(file, entry.failure)};
+    } else if (entry.lines.size() < maxShown) {
+      entry.lines.push_back("   " + text);
+    }
+  }
+  if (const std::uint64_t further = differences.count - entry.lines.size(); further > 0)
+    entry.lines.push_back("   " + furtherDifferences(further, systemLanguage()));
 }
 
 /// The lines with a line feed between them, each as `shown` gives it.
@@ -44,13 +77,22 @@ std::string joinedLines(const std::vector<std::string>& lines, Shown shown) {
   return text;
 }
 
-InputFolder openFolderOf(const AudioFile& file) {
-  try {
-    return InputFolder(file);
-  } catch (const std::system_error& error) {
-    throw FileError(error.code().value(), localised("Cannot read '%1$@': %2$@"), file.path,
-                    folderReason(error));
-  }
+/// The file, or what would be in its place by now where the batch is only rehearsed.
+InputFile openInput(const Folder& folder, const AudioFile& file, const RunOutputs& outputs) {
+  const std::string name(file.name());
+  if (auto replaced = outputs.openReplaced(folder, name, file.path))
+    return {std::move(*replaced), name, file.path};
+  return {folder, name, file.path};
+}
+
+/// Why the system could not write.
+int reasonOf(const ConversionError& writeFailed) {
+  return static_cast<int>(std::get<std::int64_t>(writeFailed.values().at(1)));
+}
+
+/// Whether somebody else has made a file of the output's name since it was chosen.
+bool isTakenMeanwhile(const ConversionError& error) {
+  return error.kind() == ConversionError::Case::writeFailed && reasonOf(error) == EEXIST;
 }
 
 /// Whether the file is of the format that the others are to be converted into. One that cannot be
@@ -84,7 +126,7 @@ BatchDriver::~BatchDriver() {
 
 void BatchDriver::processURLs(const std::vector<fs::path>& urls) {
   const BatchOptions options = view_.options();
-  FoundFiles found = collectAudioFiles(urls);
+  FoundFiles found = collectAudioFiles(urls, options.outputFolder);
   for (const LeftOut& leftOut : found.leftOut)
     view_.reportLeftOut(leftOut);
   std::erase_if(found.files, [&](const AudioFile& file) { return isLeftAlone(file, options); });
@@ -93,73 +135,130 @@ void BatchDriver::processURLs(const std::vector<fs::path>& urls) {
     return;
   }
   const Files files = std::make_shared<const std::vector<AudioFile>>(std::move(found.files));
-  const auto clash = options.overwrite ? findNameClash(*files, options.useSubfolder) : std::nullopt;
-  if (!clash) return start(files, options);
-  view_.confirmReplacingInputs(*clash, [this, files, options](InputClash answer) {
-    BatchOptions confirmed = options;
-    confirmed.clash = answer;
-    start(files, confirmed);
-  });
+  if (options.overwrite) {
+    const NameClashes clashes = findNameClashes(*files, options.useSubfolder);
+    if (clashes.count > 0)
+      return view_.confirmReplacingInputs(clashes.first, [this, files, options](InputClash answer) {
+        BatchOptions confirmed = options;
+        confirmed.clash = answer;
+        start({files, confirmed});
+      });
+  }
+  start({files, options});
 }
 
-void BatchDriver::start(const Files& files, const BatchOptions& options) {
-  if (totalFiles_ == 0) view_.runStarted();
-  totalFiles_ += static_cast<std::int64_t>(files->size());
+void BatchDriver::start(Batch batch) {
+  if (isStoppingRun()) {
+    // Later: what the work queue posts of the stopped run comes before this.
+    workQueue_.async([this, batch] { mainQueue_.post([this, batch] { start(batch); }); });
+    return;
+  }
+  if (totalFiles_ == 0) {
+    ++run_;
+    skippedFiles_ = 0;
+    view_.runStarted();
+  }
+  batch.run = run_;
+  totalFiles_ += static_cast<std::int64_t>(batch.files->size());
   view_.setProgress(static_cast<double>(finishedFiles_) / static_cast<double>(totalFiles_));
-  workQueue_.async([this, files, options] { convertFiles(*files, options); });
+  workQueue_.async([this, batch] { convertFiles(batch); });
+
+  // The work goes on while this is found out.
+  const bool isKnown = batch.options.overwrite && !batch.options.useSubfolder;
+  constexpr bool besideInputs = false;
+  const NameClashes pairs = isKnown ? NameClashes() : findNameClashes(*batch.files, besideInputs);
+  if (pairs.count > 0) view_.reportCounterparts(pairs.count);
 }
 
-void BatchDriver::convertFiles(const std::vector<AudioFile>& files, const BatchOptions& options) {
+void BatchDriver::convertFiles(const Batch& batch) {
+  const BatchOptions& options = batch.options;
   const bool sparesInputs = options.overwrite && options.clash != InputClash::replace;
   static const std::vector<AudioFile> none;
-  const BatchInputs inputs(sparesInputs ? files : none);
+  BatchNames names{options, BatchInputs(sparesInputs ? *batch.files : none)};
   std::optional<InputFolder> folder;
-  for (const AudioFile& file : files) {
-    if (isStopped()) break;
+  for (const AudioFile& file : *batch.files) {
+    if (isStopped(batch)) break;
     mainQueue_.post(
         [this, status = fillText(localised("Converting %@ …"), {std::string(file.name())})] {
           view_.setStatus(status);
         });
-    LogEntry entry;
+    LogEntry entry{.lines = {}, .input = file.path};
+    const auto begun = std::chrono::steady_clock::now();
     try {
       if (!folder || !folder->isOf(file)) folder = openFolderOf(file);
-      entry = convertFile(*folder, file, options, inputs);
+      convertFile(*folder, file, batch, names, entry);
     } catch (const ConversionError& error) {
-      if (error.kind() == ConversionError::Case::writeFailed) reportReason(error);
-      entry = failureEntry(file, errorDescription(error, systemLanguage()));
+      if (error.kind() == ConversionError::Case::writeFailed)
+        reportReason(std::get<std::string>(error.values().at(0)),
+                     std::generic_category().message(reasonOf(error)));
+      setFailed(entry, file, error);
     } catch (const std::exception& error) {
-      entry = failureEntry(file, error.what());
+      setFailed(entry, file, error);
     }
+    entry.seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - begun).count();
     mainQueue_.post([this, entry = std::move(entry)] { fileFinished(entry); });
   }
-  if (isStopped()) mainQueue_.post([this] { totalFiles_ = finishedFiles_ = 0; });
+  if (isStopped(batch)) mainQueue_.post([this, run = batch.run] { runStopped(run); });
 }
 
-LogEntry BatchDriver::convertFile(InputFolder& folder, const AudioFile& file,
-                                  const BatchOptions& options, const BatchInputs& inputs) {
-  const InputFile input(folder.folder(), std::string(file.name()), file.path);
+void BatchDriver::convertFile(InputFolder& folder, const AudioFile& file, const Batch& batch,
+                              BatchNames& names, LogEntry& entry) {
+  const BatchOptions& options = batch.options;
+  const InputFile input = openInput(folder.folder(), file, names.outputs);
   const bool isAIFF = input.read(detectFormat);
-  const OutputTarget output = makeOutputURL(folder, input, isAIFF, options, inputs);
+  entry.direction = isAIFF ? Direction::toWAV : Direction::toAIFF;
+  const auto place = [&] { return folder.outputPlace(file, isAIFF, options); };
+  if (options.skipExisting && hasCurrentOutput(place(), input, isAIFF, names)) {
+    entry.outcome = Outcome::skipped;
+    return;
+  }
+  for (std::string triedName;;) {
+    const OutputTarget output = makeOutputURL(folder, place(), input, isAIFF, names);
+    if (options.dryRun) {
+      ConversionPlan plan = input.read(isAIFF ? planAIFFToWAV : planWAVToAIFF);
+      names.outputs.rehearse(output, plan);
+      return setConverted(entry, file, resultOf(std::move(plan), output));
+    }
+    try {
+      convertInto(output, input, isAIFF, batch, file, entry);
+      if (options.skipExisting) names.outputs.add(place(), output.name);
+      return;
+    } catch (const ConversionError& error) {
+      if (!isTakenMeanwhile(error) || options.overwrite || output.name == triedName) throw;
+      triedName = output.name;
+    }
+  }
+}
+
+void BatchDriver::convertInto(const OutputTarget& output, const InputFile& input, bool isAIFF,
+                              const Batch& batch, const AudioFile& file, LogEntry& entry) {
   const ProgressHandler progress = [&](double fraction) {
     // A file whose samples are all written is finished rather than left without its end.
-    if (isStopped() && fraction < 1.0)
+    if (isStopped(batch) && fraction < 1.0)
       throw FileError(ECANCELED,
-                      options.safe ? localised("Stopped – '%1$@' is not made.")
-                                   : localised("Stopped – '%1$@' is incomplete."),
+                      batch.options.safe ? localised("Stopped – '%1$@' is not made.")
+                                         : localised("Stopped – '%1$@' is incomplete."),
                       output.url());
     reportProgress(fraction);
   };
-  const ConversionResult result = isAIFF ? convertAIFFToWAV(input, output, progress)
-                                         : convertWAVToAIFF(input, output, progress);
-  return successEntry(file, result);
+  ConversionResult result = isAIFF ? convertAIFFToWAV(input, output, progress)
+                                   : convertWAVToAIFF(input, output, progress);
+  if (result.timesError != 0)
+    reportReason(output.url().native(),
+                 fillText(localised("It has not got the times of its input: %@"),
+                          {std::generic_category().message(result.timesError)}));
+  if (batch.options.verify) {
+    const Differences differences = verifyOutput(input, output, [&](double) {
+      if (isStopped(batch))
+        throw FileError(ECANCELED, localised("Stopped – '%1$@' is not verified."), output.url());
+    });
+    if (differences.areThere()) return setDifferent(entry, file, output, differences);
+  }
+  setConverted(entry, file, std::move(result));
 }
 
-void BatchDriver::reportReason(const ConversionError& error) {
-  const auto& path = std::get<std::string>(error.values().at(0));
-  const auto errorNumber = static_cast<int>(std::get<std::int64_t>(error.values().at(1)));
-  mainQueue_.post([this, path, reason = std::generic_category().message(errorNumber)] {
-    view_.reportReason(path, reason);
-  });
+void BatchDriver::reportReason(const std::string& path, const std::string& reason) {
+  mainQueue_.post([this, path, reason] { view_.reportReason(path, reason); });
 }
 
 void BatchDriver::reportProgress(double fraction) {
@@ -173,13 +272,37 @@ void BatchDriver::reportProgress(double fraction) {
 void BatchDriver::fileFinished(const LogEntry& entry) {
   ++finishedFiles_;
   if (entry.outcome == Outcome::failed) ++failedFiles_;
+  if (entry.outcome == Outcome::skipped) ++skippedFiles_;
   view_.appendLog(entry);
   if (totalFiles_ >= 1)
     view_.setProgress(static_cast<double>(finishedFiles_) / static_cast<double>(totalFiles_));
   if (finishedFiles_ < totalFiles_) return;
-  view_.setStatus(
-      localisedCount("Done – %ld file processed.", "Done – %ld files processed.", finishedFiles_));
+  if (isStoppingRun() && entry.outcome == Outcome::failed) return runStopped(run_);
+  view_.setStatus(finalStatus());
   view_.setProgress(1.0);
+  totalFiles_ = 0;
+  finishedFiles_ = 0;
+}
+
+std::string BatchDriver::finalStatus() const {
+  const std::int64_t count = finishedFiles_ - skippedFiles_;
+  std::string status =
+      view_.options().dryRun
+          ? localisedCount("Dry run – %ld file would be processed.",
+                           "Dry run – %ld files would be processed.", count)
+          : localisedCount("Done – %ld file processed.", "Done – %ld files processed.", count);
+  if (skippedFiles_ > 0)
+    status += ' ' + localisedCount("%ld file skipped.", "%ld files skipped.", skippedFiles_);
+  return status;
+}
+
+void BatchDriver::runStopped(std::int64_t run) {
+  // The first of its batches to say so has ended it, or its last file has.
+  if (run != run_ || totalFiles_ == 0) return;
+  if (!endsAtOnce())
+    view_.setStatus(fillText(localisedCount("Stopped – %@ of %ld file processed.",
+                                            "Stopped – %@ of %ld files processed.", totalFiles_),
+                             {groupedText(finishedFiles_)}));
   totalFiles_ = 0;
   finishedFiles_ = 0;
 }

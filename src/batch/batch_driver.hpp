@@ -14,22 +14,38 @@
 #include "batch/audio_files.hpp"
 #include "batch/batch_options.hpp"
 #include "batch/output_url.hpp"
+#include "output/convert_file.hpp"
 #include "platform/ending.hpp"
 #include "platform/queues.hpp"
 #include "vocabulary/errors.hpp"
+#include "vocabulary/failure.hpp"
+#include "vocabulary/messages.hpp"
+#include "vocabulary/warnings.hpp"
 
 namespace corvana {
 
 /// What became of a file.
-enum class Outcome { converted, failed };
+enum class Outcome {
+  converted,
+  failed,
+  skipped,  ///< BatchOptions::skipExisting; the log has no line of it
+};
 
-/// What the log says of one finished file, or of a batch without files. A line holds the names and
-/// texts of files as they are, line feeds included.
+/// What the log says of one finished file, or of a batch without files: lines for people, records
+/// for programs. A line holds the names and texts of files as they are, line feeds included.
 struct LogEntry {
   std::vector<std::string> lines;       ///< what became of the file; then one for each warning
   std::optional<Outcome> outcome = {};  ///< none for a batch without files
   std::string input = {};               ///< path, as given or found
-  std::string output = {};              ///< path of the file that was written; empty where failed
+  std::string output = {};              ///< path of the file that was written; empty where none was
+  /// Never both; none where the format of the file is not known.
+  std::optional<Direction> direction = {};
+  Summary summary = {};      ///< where converted, as the next two
+  std::uint32_t frames = 0;  ///< written
+  std::uint64_t bytes = 0;   ///< written
+  Warnings warnings = {};    ///< what the lines behind the first one say
+  Failure failure = {};      ///< where failed
+  double seconds = 0;        ///< that the file took
 
   /// The exact bytes, for programs. A line feed is to follow.
   std::string text() const;
@@ -49,8 +65,12 @@ class BatchView {
   virtual void appendLog(const LogEntry& entry) = 0;
   /// Something that no entry of the log will speak of.
   virtual void reportLeftOut(const LeftOut&) {}
-  /// Why the system could not write an output; the log names the file only.
+  /// What the system refused at an output: why it cannot be written, where the log names the file
+  /// only, or why it has not got the times of its input.
   virtual void reportReason(const std::string& /*path*/, const std::string& /*reason*/) {}
+  /// So many files of a batch that has started lie beside one of the same name in the other format.
+  /// Such are often outputs of an earlier run, and are converted back.
+  virtual void reportCounterparts(std::int64_t /*count*/) {}
   /// Inputs of a batch would be replaced by the outputs of others, such as `example`. `answer` says
   /// what is to become of them and starts the batch, at once or later; without it, nothing starts.
   virtual void confirmReplacingInputs(const NameClash& /*example*/,
@@ -76,6 +96,12 @@ class BatchDriver {
   /// program to end (catchInterrupts) does the same. Any thread.
   void stop() { stopped_ = true; }
 
+  /// The same for the files of the present run, which then ends with a status that says so. Files
+  /// given from now on are converted in a run of their own.
+  void stopRun() { stoppedRun_ = run_; }
+  /// Whether the present run has been stopped and has not ended yet.
+  bool isStoppingRun() const { return totalFiles_ > 0 && stoppedRun_ == run_; }
+
   /// Files accepted, and files finished, since the last run ended; both 0 between runs.
   std::int64_t totalFiles() const { return totalFiles_; }
   std::int64_t finishedFiles() const { return finishedFiles_; }
@@ -85,25 +111,39 @@ class BatchDriver {
  private:
   using Files = std::shared_ptr<const std::vector<AudioFile>>;
 
-  void start(const Files& files, const BatchOptions& options);
+  struct Batch {
+    Files files;
+    BatchOptions options;
+    std::int64_t run = 0;
+  };
+
+  void start(Batch batch);
 
   // On the work queue.
-  bool isStopped() const { return stopped_ || interruptStatus() != 0; }
-  void convertFiles(const std::vector<AudioFile>& files, const BatchOptions& options);
-  LogEntry convertFile(InputFolder& folder, const AudioFile& file, const BatchOptions& options,
-                       const BatchInputs& inputs);
+  bool endsAtOnce() const { return stopped_ || interruptStatus() != 0; }
+  bool isStopped(const Batch& batch) const { return endsAtOnce() || batch.run <= stoppedRun_; }
+  void convertFiles(const Batch& batch);
+  void convertFile(InputFolder& folder, const AudioFile& file, const Batch& batch,
+                   BatchNames& names, LogEntry& entry);
+  void convertInto(const OutputTarget& output, const InputFile& input, bool isAIFF,
+                   const Batch& batch, const AudioFile& file, LogEntry& entry);
   void reportProgress(double fraction);
-  void reportReason(const ConversionError& error);
+  void reportReason(const std::string& path, const std::string& reason);
 
   void fileFinished(const LogEntry& entry);
+  std::string finalStatus() const;
+  void runStopped(std::int64_t run);
 
   BatchView& view_;
   MainQueue& mainQueue_;
   std::int64_t totalFiles_ = 0;
   std::int64_t finishedFiles_ = 0;
   std::int64_t failedFiles_ = 0;
+  std::int64_t skippedFiles_ = 0;  ///< of the present run
+  std::int64_t run_ = 0;           ///< number of the present or last run
   std::atomic<bool> stopped_ = false;
-  SerialQueue workQueue_;  // last: its thread ends before the rest does
+  std::atomic<std::int64_t> stoppedRun_ = 0;  ///< this one and those before it
+  SerialQueue workQueue_;                     // last: its thread ends before the rest does
 };
 
 }  // namespace corvana

@@ -6,6 +6,14 @@
 #include "batch/output_url.hpp"
 
 namespace corvana {
+namespace {
+
+bool isNamedAIFF(const AudioFile& file) {
+  const char letter = file.path[file.path.rfind('.') + 1];
+  return letter == 'a' || letter == 'A';
+}
+
+}  // namespace
 
 BatchInputs::BatchInputs(const std::vector<AudioFile>& files) {
   filesOfName_.reserve(files.size());
@@ -21,20 +29,35 @@ bool BatchInputs::contains(const Folder& folder, const std::string& name) const 
   });
 }
 
-std::optional<NameClash> findNameClash(const std::vector<AudioFile>& files, bool useSubfolder) {
+bool BatchInputs::containName(const Folder& folder, const std::string& name) const {
+  const auto [first, last] = filesOfName_.equal_range(foldedName(name));
+  return std::any_of(first, last, [&](const auto& entry) {
+    if (entry.second->name() != name) return false;
+    const auto parent = identityOf(std::filesystem::path(entry.second->folder()) / ".");
+    return parent && FolderIdentity{parent->device, parent->inode} == folder.identity();
+  });
+}
+
+NameClashes findNameClashes(const std::vector<AudioFile>& files, bool useSubfolder) {
+  NameClashes clashes;
+  // Most libraries have one kind of files, and need no closer look.
+  const auto aiffs = std::count_if(files.begin(), files.end(), isNamedAIFF);
+  if (aiffs == 0 || aiffs == std::ssize(files)) return clashes;
   std::unordered_map<std::string, std::string_view> inputs;
+  inputs.reserve(files.size());
   for (const AudioFile& file : files)
     inputs.emplace(foldedName(file.path), file.name());
   for (const AudioFile& file : files) {
     const std::string_view name = file.name();
-    const bool isAIFF = foldedName(name.substr(name.rfind('.'))).starts_with(".a");
+    const bool isAIFF = isNamedAIFF(file);
     std::string output(file.path, 0, file.path.size() - name.size());
     if (useSubfolder) output += outputSubfolder(isAIFF, useSubfolder) + '/';
     output += outputName(name, isAIFF);
-    if (const auto other = inputs.find(foldedName(output)); other != inputs.end())
-      return NameClash{std::string(name), std::string(other->second)};
+    const auto other = inputs.find(foldedName(output));
+    if (other == inputs.end()) continue;
+    if (clashes.count++ == 0) clashes.first = {std::string(name), std::string(other->second)};
   }
-  return std::nullopt;
+  return clashes;
 }
 
 }  // namespace corvana

@@ -1,7 +1,7 @@
 // The inputs of one batch, asked whether a name of an output is one of theirs.
 #pragma once
 
-#include <optional>
+#include <cstdint>
 #include <string>
 #include <unordered_map>
 #include <vector>
@@ -19,6 +19,9 @@ class BatchInputs {
   /// Whether the file `name` is one of the inputs, by whatever way it was named.
   bool contains(const Folder& folder, const std::string& name) const;
 
+  /// Whether one of the inputs has this name in this folder, whatever it now leads to.
+  bool containName(const Folder& folder, const std::string& name) const;
+
  private:
   std::unordered_multimap<std::string, const AudioFile*> filesOfName_;  ///< by foldedName
 };
@@ -29,8 +32,13 @@ struct NameClash {
   std::string other;
 };
 
-/// The first case of it among `files`, as far as extensions tell. Rather one too many than none,
-/// since file systems differ in which names are the same (foldedName).
-std::optional<NameClash> findNameClash(const std::vector<AudioFile>& files, bool useSubfolder);
+struct NameClashes {
+  std::int64_t count = 0;
+  NameClash first;  ///< empty where there are none
+};
+
+/// The cases of it among `files`, as far as extensions tell. Rather one too many than none, since
+/// file systems differ in which names are the same (foldedName).
+NameClashes findNameClashes(const std::vector<AudioFile>& files, bool useSubfolder);
 
 }  // namespace corvana

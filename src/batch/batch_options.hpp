@@ -1,6 +1,8 @@
 // The settings of one batch.
 #pragma once
 
+#include <filesystem>
+
 namespace corvana {
 
 /// What happens to an input whose name another input's output would take with overwriting on.
@@ -22,7 +24,14 @@ struct BatchOptions {
   bool overwrite = false;     ///< replace existing files
   Direction direction = Direction::both;
   InputClash clash = InputClash::replace;
-  bool safe = false;  ///< OutputTarget::safe
+  bool safe = false;    ///< OutputTarget::safe
+  bool verify = false;  ///< read each output back and prove it against its input
+  /// The folder below which the tree of the inputs is built anew; empty: outputs stay beside them.
+  std::filesystem::path outputFolder = {};
+  bool preserveTimes = false;  ///< outputs get the times of their inputs
+  bool skipExisting = false;   ///< leave out inputs whose output is up to date (hasCurrentOutput)
+  /// Make nothing and touch nothing: the log tells what the run would do.
+  bool dryRun = false;
 };
 
 }  // namespace corvana

@@ -3,17 +3,40 @@
 #include <cerrno>
 #include <cstdint>
 
+#include "convert/detect_format.hpp"
 #include "platform/texts.hpp"
+#include "vocabulary/chunks.hpp"
 
 namespace corvana {
 namespace {
 
 std::string baseName(std::string_view inputName) {
-  return std::filesystem::path(inputName).stem().native();
+  const std::size_t dot = inputName.rfind('.');
+  return std::string(dot == 0 ? inputName : inputName.substr(0, dot));
 }
 
 std::string extension(bool isAIFF) {
   return isAIFF ? ".wav" : ".aif";
+}
+
+/// Opens as much of a path that the user has named as exists, and leaves the rest in it.
+Folder openNamedFolder(std::filesystem::path& path) {
+  std::filesystem::path existing = path;
+  for (path.clear();; existing = existing.parent_path()) {
+    try {
+      return Folder(existing);
+    } catch (const std::system_error& error) {
+      if (existing.empty() || error.code() != std::errc::no_such_file_or_directory)
+        failCreating(error.code().value(), existing);
+    }
+    path = path.empty() ? existing.filename() : existing.filename() / path;
+  }
+}
+
+/// Whether a file holds all that its header speaks of. A conversion that was cut short leaves less.
+bool isComplete(ByteView file, bool isAIFF) {
+  const Fields header(file, isAIFF ? ByteOrder::big : ByteOrder::little);
+  return detectFormat(file) == isAIFF && file.size() - chunkHeaderSize >= header.u32(4);
 }
 
 }  // namespace
@@ -21,31 +44,80 @@ std::string extension(bool isAIFF) {
 InputFolder::InputFolder(const AudioFile& file)
     : path_(file.folder()), folder_(openFoundFolder(path_, file.namedLength)) {}
 
-const Folder* InputFolder::subfolder(const std::string& name) {
-  if (subfolder_ && subfolder_->path().filename() == name) return &*subfolder_;
+InputFolder openFolderOf(const AudioFile& file) {
   try {
-    return &subfolder_.emplace(folder_.open(name));
-  } catch (const std::system_error&) {
-    return nullptr;
+    return InputFolder(file);
+  } catch (const std::system_error& error) {
+    throw FileError(error.code().value(), localised("Cannot read '%1$@': %2$@"), file.path,
+                    folderReason(error));
   }
 }
 
-OutputTarget makeOutputURL(InputFolder& folder, const InputFile& input, bool isAIFF,
-                           const BatchOptions& options, const BatchInputs& inputs) {
-  const std::string subfolder = outputSubfolder(isAIFF, options.useSubfolder);
-  const Folder* const place = subfolder.empty() ? &folder.folder() : folder.subfolder(subfolder);
-  OutputTarget target{.folder = place ? *place : folder.folder(),
-                      .missingFolders = place ? std::string() : subfolder,
+OutputPlace InputFolder::outputPlace(const AudioFile& file, bool isAIFF,
+                                     const BatchOptions& options) {
+  const bool isElsewhere = !options.outputFolder.empty();
+  if (!isElsewhere && !options.useSubfolder) return {folder_};
+  std::filesystem::path wanted(isElsewhere ? std::string(file.folderInTree())
+                                           : outputSubfolder(isAIFF, true));
+  if (!outputs_ || !missingFolders_.empty() || wanted.native() != wantedPath_.native()) {
+    wantedPath_ = wanted;
+    outputs_.reset();
+    missingFolders_.clear();
+    if (isElsewhere) {
+      missingFolders_ = options.outputFolder;
+      outputs_ = openNamedFolder(missingFolders_);
+    }
+    if (missingFolders_.empty()) {
+      missingFolders_ = std::move(wanted);
+      auto inner = openFolders(outputs_ ? *outputs_ : folder_, missingFolders_);
+      if (inner) outputs_ = std::move(inner);
+    } else if (!wanted.empty()) {
+      missingFolders_ /= wanted;
+    }
+  }
+  return {outputs_ ? *outputs_ : folder_, missingFolders_};
+}
+
+bool hasCurrentOutput(const OutputPlace& place, const InputFile& input, bool isAIFF,
+                      const BatchNames& names) {
+  const std::string name = outputName(input.identity().name, isAIFF);
+  if (!place.nameExists(name) || place.folder.mayLeadTo(name, input.identity()) ||
+      names.outputs.contain(place, name))
+    return false;
+  try {
+    const InputFile output(place.folder, name, place.folder.path() / name);
+    return output.identity().modified >= input.identity().modified &&
+           output.read([&](ByteView file) { return isComplete(file, !isAIFF); });
+  } catch (const std::exception&) {
+    return false;
+  }
+}
+
+OutputTarget makeOutputURL(const InputFolder& folder, const OutputPlace& place,
+                           const InputFile& input, bool isAIFF, const BatchNames& names) {
+  const BatchOptions& options = names.options;
+  OutputTarget target{.folder = place.folder,
+                      .missingFolders = place.missingFolders,
                       .name = outputName(input.identity().name, isAIFF),
                       .replaceExisting = options.overwrite,
                       .safe = options.safe,
                       .input = input.identity(),
                       .permissions = input.permissions()};
+  if (options.preserveTimes) target.times = input.times();
+  const auto isRehearsed = [&] {
+    return options.dryRun && names.outputs.contain(place, target.name);
+  };
   const auto mayReplace = [&] {
     if (!options.overwrite) return false;
-    if (place == &folder.folder() && target.name == input.identity().name) return false;
-    if (place->mayLeadTo(target.name, input.identity())) return false;
-    if (options.clash == InputClash::replace || !inputs.contains(*place, target.name)) return true;
+    const bool isBesideInput = &place.folder == &folder.folder() && place.missingFolders.empty();
+    if (isBesideInput && target.name == input.identity().name) return false;
+    const bool isOurs = isRehearsed();
+    if (!isOurs && place.folder.mayLeadTo(target.name, input.identity())) return false;
+    // An input that led nowhere has been replaced, and is an input still.
+    const bool isInput =
+        isOurs ? place.missingFolders.empty() && names.inputs.containName(place.folder, target.name)
+               : names.inputs.contains(place.folder, target.name);
+    if (options.clash == InputClash::replace || !isInput) return true;
     if (options.clash == InputClash::fail)
       throw FileError(EEXIST,
                       localised("'%1$@' is to be converted as well – use --to, --subfolder or "
@@ -53,7 +125,8 @@ OutputTarget makeOutputURL(InputFolder& folder, const InputFile& input, bool isA
                       target.name);
     return false;
   };
-  for (std::uint64_t n = 1; place && place->nameExists(target.name) && !mayReplace(); ++n)
+  const auto isTaken = [&] { return place.nameExists(target.name) || isRehearsed(); };
+  for (std::uint64_t n = 1; isTaken() && !mayReplace(); ++n)
     target.name =
         baseName(input.identity().name) + " (" + std::to_string(n) + ")" + extension(isAIFF);
   return target;

@@ -8,12 +8,13 @@
 
 #include "batch/batch_inputs.hpp"
 #include "batch/batch_options.hpp"
+#include "batch/run_outputs.hpp"
 #include "output/output_file.hpp"
 #include "platform/folder.hpp"
 
 namespace corvana {
 
-/// The folder of some inputs, open, with the subfolders of their outputs as far as they exist.
+/// The folder of some inputs, open, with that of their outputs as far as it exists.
 class InputFolder {
  public:
   /// Fails with a std::system_error.
@@ -22,22 +23,39 @@ class InputFolder {
   bool isOf(const AudioFile& file) const { return file.folder() == path_; }
   const Folder& folder() const { return folder_; }
 
-  /// Null while there is none, or none that can be used: who makes it learns why.
-  const Folder* subfolder(const std::string& name);
+  /// Where the output of `file`, one of its files, goes: beside it, into the subfolder "WAV" or
+  /// "AIFF", or to the same place of the tree below the output folder. Holds until the next call.
+  OutputPlace outputPlace(const AudioFile& file, bool isAIFF, const BatchOptions& options);
 
  private:
   std::string path_;
   Folder folder_;
-  std::optional<Folder> subfolder_;
+  std::optional<Folder> outputs_;  ///< the innermost that exists of wantedPath_
+  std::filesystem::path wantedPath_;
+  std::filesystem::path missingFolders_;
 };
 
-/// Where the output of `input`, a file of `folder`, goes: beside it or in the subfolder "WAV" or
-/// "AIFF", under the input's base name with the extension of the other format. Where that name is
-/// taken, the first free one of "name (1)", "name (2)" …; with overwriting a taken name is good,
-/// unless it leads to the input itself. `inputs` are those of the whole batch. Fails with a
-/// FileError.
-OutputTarget makeOutputURL(InputFolder& folder, const InputFile& input, bool isAIFF,
-                           const BatchOptions& options, const BatchInputs& inputs);
+/// Opens the folder of an input. Fails with a FileError.
+InputFolder openFolderOf(const AudioFile& file);
+
+/// What decides about the names of a batch.
+struct BatchNames {
+  BatchOptions options;
+  BatchInputs inputs;  ///< that are not to be replaced
+  RunOutputs outputs = {};
+};
+
+/// Whether `place` holds a complete output of `input` under its name without a number that is not
+/// older than the input. One that this batch has made is another input's.
+bool hasCurrentOutput(const OutputPlace& place, const InputFile& input, bool isAIFF,
+                      const BatchNames& names);
+
+/// What the output of `input`, a file of `folder`, is called in `place`: the input's base name with
+/// the extension of the other format. Where that name is taken, the first free one of "name (1)",
+/// "name (2)" …; with overwriting a taken name is good, unless it leads to the input itself. Fails
+/// with a FileError.
+OutputTarget makeOutputURL(const InputFolder& folder, const OutputPlace& place,
+                           const InputFile& input, bool isAIFF, const BatchNames& names);
 
 /// "AIFF" or "WAV", empty without subfolders.
 std::string outputSubfolder(bool isAIFF, bool useSubfolder);

@@ -1,5 +1,7 @@
 #include "output/convert_file.hpp"
 
+#include <utility>
+
 #include "convert/carry_out.hpp"
 #include "convert/plan_aiff_to_wav.hpp"
 #include "convert/plan_wav_to_aiff.hpp"
@@ -21,19 +23,29 @@ class InputFileSource : public ByteSource {
   const InputFile& file_;
 };
 
-ConversionResult convertFile(const ConversionPlan& plan, const InputFile& input,
+ConversionResult convertFile(ConversionPlan plan, const InputFile& input,
                              const OutputTarget& output, const ProgressHandler& progress) {
   OutputFile file(output);
   carryOut(plan, InputFileSource(input), file, progress);
   file.close();
 
-  ConversionResult result{output.url(), makeSummary(plan.summary, systemLanguage()), {}};
-  for (const Warning& warning : plan.warnings)
-    result.warnings.push_back(warningText(warning, systemLanguage()));
+  ConversionResult result = resultOf(std::move(plan), output);
+  result.timesError = file.timesError();
   return result;
 }
 
 }  // namespace
+
+ConversionResult resultOf(ConversionPlan plan, const OutputTarget& output) {
+  ConversionResult result{
+      output.url(), makeSummary(plan.summary, systemLanguage()), {}, plan.summary};
+  for (const Warning& warning : plan.warnings)
+    result.warnings.push_back(warningText(warning, systemLanguage()));
+  result.warningRecords = std::move(plan.warnings);
+  result.frames = plan.samples.frameCount;
+  result.bytes = plan.outputSize();
+  return result;
+}
 
 ConversionResult convertWAVToAIFF(const InputFile& input, const OutputTarget& output,
                                   const ProgressHandler& progress) {

@@ -1,13 +1,17 @@
 // Converts one file into one file.
 #pragma once
 
+#include <cstdint>
 #include <filesystem>
 #include <string>
 #include <vector>
 
+#include "convert/conversion_plan.hpp"
 #include "output/output_file.hpp"
 #include "platform/files.hpp"
+#include "vocabulary/messages.hpp"
 #include "vocabulary/streams.hpp"
+#include "vocabulary/warnings.hpp"
 
 namespace corvana {
 
@@ -16,7 +20,16 @@ struct ConversionResult {
   std::filesystem::path outputURL;    ///< the file that was written
   std::string summary;                ///< one line, from makeSummary
   std::vector<std::string> warnings;  ///< in the order in which they arose
+  // The same for programs.
+  Summary figures = {};
+  Warnings warningRecords = {};
+  std::uint32_t frames = 0;  ///< of the output
+  std::uint64_t bytes = 0;   ///< of the output
+  int timesError = 0;        ///< OutputFile::timesError
 };
+
+/// What the conversion of this plan comes to.
+ConversionResult resultOf(ConversionPlan plan, const OutputTarget& output);
 
 /// Fail with a ConversionError, or with a FileError from the file system. Nothing is written or
 /// removed before the whole input but its samples has been read and found convertible.

@@ -23,6 +23,17 @@ constexpr std::uint64_t minReservation = 1 << 20;
 
 }  // namespace
 
+void checkOutput(const OutputTarget& target) {
+  const Folder& folder = target.folder;
+  const bool isTaken = folder.nameExists(target.name);
+  const int obstacle = folder.obstacleToMaking(target.name);
+  if (obstacle != 0 && (target.safe || !isTaken))
+    throw ConversionError::writeFailed(target.url().native(), obstacle);
+  if (!isTaken) return;
+  folder.checkReplaceable(target.name);
+  if (obstacle != 0) failReplacing(obstacle, target.url());
+}
+
 template <typename Step>
 auto OutputFile::attempt(const Step& step) const {
   try {
@@ -116,6 +127,7 @@ void OutputFile::write(ByteView bytes) {
 
 void OutputFile::close() {
   write({});
+  if (target_.times) timesError_ = setTimes(file_, *target_.times);
   if (target_.safe) attempt([this] { syncFile(file_, target_.url()); });
   attempt([this] { closeFile(std::move(file_), target_.url()); });
   if (target_.safe) putInPlace();

@@ -26,9 +26,16 @@ struct OutputTarget {
   FileIdentity input = {};
   /// Who may read and write the new file, under the user's mask: as with the input.
   unsigned permissions = 0666;
+  /// What the complete file gets instead of the time at which it is written.
+  std::optional<FileTimes> times = {};
 
   std::filesystem::path url() const { return folder.path() / missingFolders / name; }
 };
+
+/// Fails as the making of the file would, as far as that shows without touching anything: names
+/// that cannot be made or replaced, folders that the user may not write to. A missing folder is
+/// not looked at.
+void checkOutput(const OutputTarget& target);
 
 /// A new file that is written from start to end. One that is not closed keeps what was written;
 /// a safe one is removed.
@@ -51,6 +58,9 @@ class OutputFile : public ByteSink {
   /// what it was given before.
   void close();
 
+  /// Why the closed file could not be given its times; 0 where it could, or was to have none.
+  int timesError() const { return timesError_; }
+
  private:
   const Folder& folder() const { return madeFolder_ ? *madeFolder_ : target_.folder; }
   /// A step of writing, whose failure is writeFailed.
@@ -72,6 +82,7 @@ class OutputFile : public ByteSink {
   std::uint64_t written_ = 0;
   std::uint64_t reserved_ = 0;
   std::uint64_t size_ = 0;  ///< announced
+  int timesError_ = 0;
 };
 
 }  // namespace corvana

@@ -1,5 +1,9 @@
 #include "platform/bundle_info.hpp"
 
+#ifdef __GLIBC__
+#include <gnu/libc-version.h>
+#endif
+
 namespace corvana {
 
 const BundleInfo& mainBundleInfo() {
@@ -10,6 +14,17 @@ const BundleInfo& mainBundleInfo() {
 std::string bundleValue(const BundleInfo& info, const std::string& key) {
   const auto found = info.find(key);
   return found == info.end() ? std::string() : found->second;
+}
+
+std::vector<std::string> systemLibraries() {
+  std::vector<std::string> libraries;
+#ifdef _GLIBCXX_RELEASE
+  libraries.push_back("GNU C++ Library " + std::to_string(_GLIBCXX_RELEASE));
+#endif
+#ifdef __GLIBC__
+  libraries.push_back(std::string("GNU C Library ") + gnu_get_libc_version());
+#endif
+  return libraries;
 }
 
 }  // namespace corvana

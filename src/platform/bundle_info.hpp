@@ -3,6 +3,7 @@
 
 #include <map>
 #include <string>
+#include <vector>
 
 namespace corvana {
 
@@ -17,5 +18,8 @@ const BundleInfo& mainBundleInfo();
 
 /// The value of `key`, empty when it is missing.
 std::string bundleValue(const BundleInfo& info, const std::string& key);
+
+/// Names and versions of the system's libraries below the program, where they tell.
+std::vector<std::string> systemLibraries();
 
 }  // namespace corvana

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <cerrno>
+#include <cstring>
 #include <fcntl.h>
 #include <limits>
 #include <sys/mman.h>
@@ -34,6 +35,11 @@ void failWriting(int errorNumber, const std::filesystem::path& path) {
   throw FileError(errorNumber, localised("Cannot write '%1$@': %2$@"), path);
 }
 
+std::string errorName(int errorNumber) {
+  const char* const name = ::strerrorname_np(errorNumber);
+  return name == nullptr ? "" : name;
+}
+
 FileIdentity identityOf(const struct stat& status, const std::string& name) {
   constexpr std::int64_t nanoseconds = 1'000'000'000;
   return {status.st_dev, status.st_ino, status.st_size,
@@ -47,10 +53,12 @@ std::optional<FileIdentity> identityOf(const std::filesystem::path& path) {
 }
 
 std::string foldedName(std::string_view name) {
-  std::string folded;
+  std::string folded(name.size(), '\0');
+  std::size_t size = 0;
   for (const char c : name)
     if (static_cast<unsigned char>(c) < 0x80)
-      folded += c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
+      folded[size++] = c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
+  folded.resize(size);
   return folded;
 }
 
@@ -75,6 +83,25 @@ int FileDescriptor::release() {
   return std::exchange(number_, -1);
 }
 
+FolderIdentity identityOf(const FileDescriptor& folder) {
+  struct stat status {};
+  if (::fstat(folder.number(), &status) != 0) return {};
+  return {status.st_dev, status.st_ino};
+}
+
+FileDescriptor makeMemoryFile(std::span<const std::uint8_t> head, std::uint64_t gap,
+                              std::span<const std::uint8_t> tail,
+                              const std::filesystem::path& path) {
+  FileDescriptor file(::memfd_create("", MFD_CLOEXEC));
+  if (file.number() < 0) failReading(errno, path);
+  if (::ftruncate(file.number(), static_cast<off_t>(head.size() + gap + tail.size())) != 0)
+    failReading(errno, path);
+  writeAll(file, head, {}, path);
+  ::lseek(file.number(), static_cast<off_t>(gap), SEEK_CUR);
+  writeAll(file, tail, {}, path);
+  return file;
+}
+
 namespace {
 
 /// The descriptor, or -1 with the reason in errno.
@@ -96,12 +123,22 @@ int openForReading(const Folder& folder, const std::string& name) {
   return open(0);
 }
 
+FileDescriptor openForReading(const Folder& folder, const std::string& name,
+                              const std::filesystem::path& path) {
+  FileDescriptor file(openForReading(folder, name));
+  if (file.number() < 0) failReading(errno, path);
+  return file;
+}
+
 }  // namespace
 
 InputFile::InputFile(const Folder& folder, const std::string& name,
                      const std::filesystem::path& path)
-    : path_(path), file_(openForReading(folder, name)) {
-  if (file_.number() < 0) failReading(errno, path);
+    : InputFile(openForReading(folder, name, path), name, path) {}
+
+InputFile::InputFile(FileDescriptor file, const std::string& name,
+                     const std::filesystem::path& path)
+    : path_(path), file_(std::move(file)) {
   struct stat status {};
   if (::fstat(file_.number(), &status) != 0) failReading(errno, path);
   if (S_ISDIR(status.st_mode)) failReading(EISDIR, path);
@@ -109,6 +146,7 @@ InputFile::InputFile(const Folder& folder, const std::string& name,
     throw FileError(EINVAL, localised("Cannot read '%1$@': %2$@"), path,
                     localised("Not a regular file"));
   identity_ = identityOf(status, name);
+  times_ = {status.st_atim, status.st_mtim};
   permissions_ = status.st_mode & 0666U;
   if (static_cast<std::uint64_t>(status.st_size) > std::numeric_limits<std::size_t>::max())
     failReading(EFBIG, path);
@@ -171,6 +209,10 @@ void reserveSpace(const FileDescriptor& file, std::uint64_t offset, std::uint64_
 void releaseSpace(const FileDescriptor& file) {
   const off_t end = ::lseek(file.number(), 0, SEEK_CUR);
   [[maybe_unused]] const int result = ::ftruncate(file.number(), end);
+}
+
+int setTimes(const FileDescriptor& file, const FileTimes& times) {
+  return ::futimens(file.number(), times.data()) == 0 ? 0 : errno;
 }
 
 void syncFile(const FileDescriptor& file, const std::filesystem::path& path) {

@@ -2,9 +2,11 @@
 // comes into being. Every failure is a FileError; a file URL is a std::filesystem::path.
 #pragma once
 
+#include <array>
 #include <atomic>
 #include <cerrno>
 #include <cstdint>
+#include <ctime>
 #include <filesystem>
 #include <functional>
 #include <optional>
@@ -38,6 +40,9 @@ class FileError : public std::system_error {
 [[noreturn]] void failReplacing(int errorNumber, const std::filesystem::path& path);
 [[noreturn]] void failWriting(int errorNumber, const std::filesystem::path& path);
 
+/// "ENOSPC" for example; empty where the system has no such error.
+std::string errorName(int errorNumber);
+
 /// A call of the system that a signal interrupted before it did anything is made again.
 template <typename Call>
 auto uninterrupted(const Call& call) {
@@ -63,6 +68,9 @@ FileIdentity identityOf(const struct stat& status, const std::string& name);
 /// Of the file that `path` leads to; absent where there is none.
 std::optional<FileIdentity> identityOf(const std::filesystem::path& path);
 
+/// When a file was last read and last written to.
+using FileTimes = std::array<timespec, 2>;
+
 /// What is left of a name when case and everything but ASCII is taken from it: equal for all names
 /// that any file system takes for one.
 std::string foldedName(std::string_view name);
@@ -86,12 +94,30 @@ class FileDescriptor {
   int number_ = -1;
 };
 
+/// What tells a folder from one that has taken its place.
+struct FolderIdentity {
+  dev_t device = 0;
+  ino_t inode = 0;
+  bool operator==(const FolderIdentity&) const = default;
+};
+
+/// Of an open folder.
+FolderIdentity identityOf(const FileDescriptor& folder);
+
+/// A file without a name and a disk, open for reading: `head`, `gap` zeros, which take no room, and
+/// `tail`. Fails with a FileError that names `path`.
+FileDescriptor makeMemoryFile(std::span<const std::uint8_t> head, std::uint64_t gap,
+                              std::span<const std::uint8_t> tail,
+                              const std::filesystem::path& path);
+
 /// A regular file, open for reading and mapped as a whole.
 class InputFile {
  public:
   /// Opens and maps the file `name` of a folder. Never waits for a writer: a pipe, device or
   /// folder is a FileError at once. `path` is for messages.
   InputFile(const Folder& folder, const std::string& name, const std::filesystem::path& path);
+  /// Maps a file that is open. `name` is its name in its folder.
+  InputFile(FileDescriptor file, const std::string& name, const std::filesystem::path& path);
   InputFile(InputFile&&) = delete;
   InputFile& operator=(InputFile&&) = delete;
   ~InputFile();
@@ -99,8 +125,8 @@ class InputFile {
   /// Hands the complete content (empty for an empty file) to `reader`, on the calling thread,
   /// and gives back what it returns. Other programs may cut the file short at any moment: where
   /// it has become shorter since it was opened, or its medium failed, a FileError takes the place
-  /// of what the reader made of it, its own exceptions included. Reads do not nest, and the
-  /// content is not to be touched outside of them.
+  /// of what the reader made of it, its own exceptions included. Reads of several files may nest.
+  /// The content is not to be touched outside of them.
   template <typename Reader>
   auto read(const Reader& reader) const {
     const std::span<const std::uint8_t> content(data_, size_);
@@ -115,6 +141,8 @@ class InputFile {
   }
 
   const FileIdentity& identity() const { return identity_; }
+  /// As they were when it was opened.
+  const FileTimes& times() const { return times_; }
   /// Who may read and write it (the bits of 0666).
   unsigned permissions() const { return permissions_; }
 
@@ -127,6 +155,7 @@ class InputFile {
   const std::uint8_t* data_ = nullptr;
   std::size_t size_ = 0;
   FileIdentity identity_;
+  FileTimes times_{};
   unsigned permissions_ = 0;
   mutable std::atomic<bool> lost_ = false;  ///< a part of the mapping no longer has a file
 };
@@ -142,6 +171,9 @@ void reserveSpace(const FileDescriptor& file, std::uint64_t offset, std::uint64_
 
 /// Gives back room that was reserved and not written to.
 void releaseSpace(const FileDescriptor& file);
+
+/// Gives an open file the times of another one. 0, or the system's error number.
+int setTimes(const FileDescriptor& file, const FileTimes& times);
 
 /// Waits until the disk has what was written.
 void syncFile(const FileDescriptor& file, const std::filesystem::path& path);

@@ -71,6 +71,10 @@ Folder Folder::open(const std::string& name) const {
 Folder Folder::make(const std::string& name) const {
   const int result = ::mkdirat(descriptor_.number(), name.c_str(), 0777);
   if (result != 0 && errno != EEXIST) failCreating(errno, path_ / name);
+  return openMade(name);
+}
+
+Folder Folder::openMade(const std::string& name) const {
   try {
     return open(name);
   } catch (const std::system_error& error) {
@@ -79,6 +83,21 @@ Folder Folder::make(const std::string& name) const {
     throw FileError(error.code().value(), localised("Cannot create '%1$@': %2$@"), path_ / name,
                     folderReason(error));
   }
+}
+
+void Folder::rehearseMaking(const std::string& name) const {
+  if (nameExists(name)) {
+    openMade(name);
+  } else if (const int errorNumber = obstacleToMaking(name); errorNumber != 0) {
+    failCreating(errorNumber, path_ / name);
+  }
+}
+
+int Folder::obstacleToMaking(const std::string& name) const {
+  struct stat status {};
+  if (::fstatat(number(), name.c_str(), &status, AT_SYMLINK_NOFOLLOW) != 0 && errno != ENOENT)
+    return errno;
+  return ::faccessat(number(), ".", W_OK | X_OK, AT_EACCESS) == 0 ? 0 : errno;
 }
 
 bool Folder::nameExists(const std::string& name) const {
@@ -157,6 +176,22 @@ Folder openFoundFolder(std::string_view path, std::size_t namedLength) {
     rest.remove_prefix(std::min(length + 1, rest.size()));
   }
   return folder;
+}
+
+std::optional<Folder> openFolders(const Folder& folder, std::filesystem::path& path) {
+  std::optional<Folder> innermost;
+  std::filesystem::path rest;
+  bool isOpen = true;
+  for (const std::filesystem::path& name : path) {
+    try {
+      if (isOpen) innermost = (innermost ? *innermost : folder).open(name.native());
+    } catch (const std::system_error&) {
+      isOpen = false;  // who makes it learns why
+    }
+    if (!isOpen) rest /= name;
+  }
+  path = std::move(rest);
+  return innermost;
 }
 
 Folder makeFolders(const Folder& folder, const std::filesystem::path& path) {

@@ -25,6 +25,12 @@ class Folder {
   /// The same, or a new folder where there is none of this name. Fails with a FileError.
   Folder make(const std::string& name) const;
 
+  /// Fails as make would, as far as that shows without making anything. What is already there may
+  /// be the folder.
+  void rehearseMaking(const std::string& name) const;
+
+  FolderIdentity identity() const { return identityOf(descriptor_); }
+
   /// For messages.
   const std::filesystem::path& path() const { return path_; }
   int number() const { return descriptor_.number(); }
@@ -37,6 +43,10 @@ class Folder {
   /// for case, with equal sizes and times. Who asks wants to spare the file.
   bool mayLeadTo(const std::string& name, const FileIdentity& file) const;
 
+  /// Why the user can make no file or folder `name`, as far as that shows without making it: the
+  /// system's error number, 0 where nothing is known to stand against it but a taken name.
+  int obstacleToMaking(const std::string& name) const;
+
   /// Makes a new empty file, open for writing, with these permission bits under the user's mask.
   /// Absent when the name is already taken; never opens what is there. Fails with a FileError.
   std::optional<FileDescriptor> createNewFile(const std::string& name, unsigned permissions) const;
@@ -44,6 +54,9 @@ class Folder {
   /// Removes a file, or a symbolic link as such. A folder or special file stays and is an error.
   /// Fails with a FileError.
   void removeFile(const std::string& name) const;
+
+  /// Refuses what removeFile refuses by its kind. Fails with a FileError.
+  void checkReplaceable(const std::string& name) const;
 
   /// Removes a file of this program's own. Never fails.
   void discard(const std::string& name) const;
@@ -62,7 +75,7 @@ class Folder {
  private:
   Folder(FileDescriptor descriptor, std::filesystem::path path);
 
-  void checkReplaceable(const std::string& name) const;
+  Folder openMade(const std::string& name) const;
 
   FileDescriptor descriptor_;
   std::filesystem::path path_;
@@ -72,6 +85,10 @@ class Folder {
 /// rest was found in a search; there a link that others made is refused. Fails with a
 /// std::system_error.
 Folder openFoundFolder(std::string_view path, std::size_t namedLength);
+
+/// Opens the folders of the relative `path`, one inside the other, as far as that is possible, and
+/// leaves in `path` those that remain. Absent where not even the first can be opened.
+std::optional<Folder> openFolders(const Folder& folder, std::filesystem::path& path);
 
 /// Makes the folders of the relative `path`, one inside the other, where they are missing. Fails
 /// with a FileError.

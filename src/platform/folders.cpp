@@ -30,19 +30,6 @@ struct Entry {
   bool isFolder;
 };
 
-/// What tells a folder from one that has taken its place.
-struct FolderIdentity {
-  dev_t device = 0;
-  ino_t inode = 0;
-  bool operator==(const FolderIdentity&) const = default;
-};
-
-FolderIdentity identityOf(const FileDescriptor& folder) {
-  struct stat status {};
-  if (::fstat(folder.number(), &status) != 0) return {};
-  return {status.st_dev, status.st_ino};
-}
-
 FileDescriptor openFolder(const FileDescriptor& parent, const char* name, int flags = 0) {
   return FileDescriptor(uninterrupted([&] {
     return ::openat(parent.number() < 0 ? AT_FDCWD : parent.number(), name,
@@ -122,6 +109,7 @@ class Search {
     if (folder.number() < 0) return visitor_.unreadable(path_, errno);
     Level level;
     level.identity = identityOf(folder);
+    if (!levels_.empty() && level.identity == visitor_.except) return;
     level.pathLength = path_.size();
     if (const int errorNumber = listVisible(folder, level.entries); errorNumber != 0)
       visitor_.unreadable(path_, errorNumber);

@@ -3,7 +3,10 @@
 
 #include <filesystem>
 #include <functional>
+#include <optional>
 #include <string_view>
+
+#include "platform/files.hpp"
 
 namespace corvana {
 
@@ -18,6 +21,8 @@ struct FolderVisitor {
   std::function<Descend(std::string_view name)> folder;
   /// A folder whose content is not, or not all, visited, and the system's reason.
   std::function<void(std::string_view path, int errorNumber)> unreadable;
+  /// A folder that is left out wherever the search comes across it.
+  std::optional<FolderIdentity> except = {};
 };
 
 /// Visits everything below `folder`, depth first, the entries of each folder in byte order of

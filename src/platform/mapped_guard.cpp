@@ -8,29 +8,26 @@
 namespace corvana {
 namespace {
 
-struct GuardedMapping {
-  std::uint8_t* begin = nullptr;
-  std::size_t size = 0;
-  std::atomic<bool>* lost = nullptr;
-};
-
 static_assert(std::atomic<bool>::is_always_lock_free, "set by a signal handler");
 
 // Plain data without a constructor, so that the signal handler may use it.
-constinit thread_local GuardedMapping guarded;
+constinit thread_local const GuardedMapping* innermost = nullptr;
 struct sigaction previousAction {};
 std::size_t pageSize = 0;
 
 /// Whether `address` lies in the mapping that this thread reads and now holds zeros.
 bool replaceLostPages(const void* address) {
-  const std::size_t offset =
-      reinterpret_cast<std::uintptr_t>(address) - reinterpret_cast<std::uintptr_t>(guarded.begin);
-  if (offset >= guarded.size) return false;
-  // First, so that no other reader of the mapping sees the zeros without seeing this.
-  guarded.lost->store(true);
-  const std::size_t kept = offset / pageSize * pageSize;
-  return ::mmap(guarded.begin + kept, guarded.size - kept, PROT_READ,
-                MAP_PRIVATE | MAP_ANONYMOUS | MAP_FIXED, -1, 0) != MAP_FAILED;
+  for (const GuardedMapping* guarded = innermost; guarded != nullptr; guarded = guarded->outer) {
+    const std::size_t offset = reinterpret_cast<std::uintptr_t>(address) -
+                               reinterpret_cast<std::uintptr_t>(guarded->begin);
+    if (offset >= guarded->size) continue;
+    // First, so that no other reader of the mapping sees the zeros without seeing this.
+    guarded->lost->store(true);
+    const std::size_t kept = offset / pageSize * pageSize;
+    return ::mmap(guarded->begin + kept, guarded->size - kept, PROT_READ,
+                  MAP_PRIVATE | MAP_ANONYMOUS | MAP_FIXED, -1, 0) != MAP_FAILED;
+  }
+  return false;
 }
 
 // Jumping out of the handler would skip the destructors between here and the reader. Repairing
@@ -57,16 +54,17 @@ bool installHandler() {
 
 }  // namespace
 
-MappedGuard::MappedGuard(std::span<const std::uint8_t> mapping, std::atomic<bool>& lost) {
+MappedGuard::MappedGuard(std::span<const std::uint8_t> mapping, std::atomic<bool>& lost)
+    : mapping_{const_cast<std::uint8_t*>(mapping.data()), mapping.size(), &lost, innermost} {
   [[maybe_unused]] static const bool installed = installHandler();
-  guarded = {const_cast<std::uint8_t*>(mapping.data()), mapping.size(), &lost};
+  innermost = &mapping_;
   // The handler runs on this thread: the record has to be in memory before the first read.
   std::atomic_signal_fence(std::memory_order_seq_cst);
 }
 
 MappedGuard::~MappedGuard() {
   std::atomic_signal_fence(std::memory_order_seq_cst);
-  guarded = {};
+  innermost = mapping_.outer;
 }
 
 }  // namespace corvana

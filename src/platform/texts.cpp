@@ -30,19 +30,6 @@ std::string languageOfEnvironment() {
   return {};
 }
 
-std::string groupedText(std::int64_t number) {
-  std::array<char, 64> text{};
-  // The apostrophe is POSIX: it groups digits as LC_NUMERIC says.
-#pragma GCC diagnostic push
-#pragma GCC diagnostic ignored "-Wformat"
-  const int length =
-      std::snprintf(text.data(), text.size(), "%'lld", static_cast<long long>(number));
-#pragma GCC diagnostic pop
-  const std::string grouped(text.data(), static_cast<std::size_t>(length));
-  // The separator comes in the locale's character set, the texts around it are in UTF-8.
-  return readableLine(grouped) == grouped ? grouped : std::to_string(number);
-}
-
 class SystemLanguage : public Language {
  public:
   std::string localised(const char* key) const override { return corvana::localised(key); }
@@ -93,6 +80,19 @@ std::filesystem::path runningProgramFolder() {
 
 std::string localised(const char* key, TextTable table) {
   return ::dgettext(domainOf(table), key);
+}
+
+std::string groupedText(std::int64_t number) {
+  std::array<char, 64> text{};
+  // The apostrophe is POSIX: it groups digits as LC_NUMERIC says.
+#pragma GCC diagnostic push
+#pragma GCC diagnostic ignored "-Wformat"
+  const int length =
+      std::snprintf(text.data(), text.size(), "%'lld", static_cast<long long>(number));
+#pragma GCC diagnostic pop
+  const std::string grouped(text.data(), static_cast<std::size_t>(length));
+  // The separator comes in the locale's character set, the texts around it are in UTF-8.
+  return readableLine(grouped) == grouped ? grouped : std::to_string(number);
 }
 
 std::string localisedCount(const char* singular, const char* plural, std::int64_t count) {

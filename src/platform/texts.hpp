@@ -30,10 +30,12 @@ std::filesystem::path runningProgramFolder();
 /// The user's language for `key`, or `key` itself (English) where no catalogue has it.
 std::string localised(const char* key, TextTable table = TextTable::corvana);
 
-/// A text that depends on a number: picks the plural form for `count` and puts `count`, with
-/// digits grouped as the user's locale does (not where it would do so with a character that is not
-/// in UTF-8), in place of "%ld". English uses `singular` for
-/// exactly 1, `plural` otherwise.
+/// The number with digits grouped as the user's locale does (not where it would do so with a
+/// character that is not in UTF-8).
+std::string groupedText(std::int64_t number);
+
+/// A text that depends on a number: picks the plural form for `count` and puts groupedText(`count`)
+/// in place of "%ld". English uses `singular` for exactly 1, `plural` otherwise.
 std::string localisedCount(const char* singular, const char* plural, std::int64_t count);
 
 /// The same for the texts of the engine's records.

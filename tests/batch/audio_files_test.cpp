@@ -15,7 +15,8 @@ fs::path outputOf(const fs::path& input, bool isAIFF, const BatchOptions& option
   const std::vector<AudioFile> files = {{input.native(), input.native().size()}};
   InputFolder folder(files[0]);
   const InputFile file = openFile(input);
-  return makeOutputURL(folder, file, isAIFF, options, BatchInputs(files)).url();
+  const OutputPlace place = folder.outputPlace(files[0], isAIFF, options);
+  return makeOutputURL(folder, place, file, isAIFF, {options, BatchInputs(files)}).url();
 }
 
 TEST(AudioFiles, CollectsInTheGivenOrder) {
@@ -105,8 +106,8 @@ TEST(AudioFiles, FindsInputsThatOutputsMayReplace) {
     for (const char* path : c.inputs)
       files.push_back({path});
     const auto found = [&](bool useSubfolder) {
-      const auto clash = findNameClash(files, useSubfolder);
-      return clash ? clash->input + " " + clash->other : "";
+      const NameClash clash = findNameClashes(files, useSubfolder).first;
+      return clash.input.empty() ? "" : clash.input + " " + clash.other;
     };
     EXPECT_EQ(found(false), c.beside) << c.inputs[0];
     EXPECT_EQ(found(true), c.inSubfolder) << c.inputs[0];

@@ -1,5 +1,6 @@
 #include "batch/batch_driver.hpp"
 
+#include <algorithm>
 #include <gtest/gtest.h>
 #include <thread>
 
@@ -65,6 +66,8 @@ TEST_F(Driver, ShowsAFileStepByStep) {
   EXPECT_EQ(view.last.outcome, Outcome::converted);
   EXPECT_EQ(fs::path(view.last.input), input);
   EXPECT_EQ(fs::path(view.last.output), folder / "loop.aif");
+  EXPECT_EQ(view.last.bytes, fs::file_size(folder / "loop.aif"));
+  EXPECT_EQ(std::get<std::int64_t>(view.last.warnings.at(2).values.at(1)), 1) << "the play count";
   EXPECT_EQ(driver.finishedFiles(), 0);
   EXPECT_EQ(driver.failedFiles(), 0);
 }
@@ -95,19 +98,26 @@ TEST_F(Driver, CountsThePartOfTheCurrentFile) {
   EXPECT_EQ(Events(b + 1, b + 3), (Events{"bar 0.75", "bar 1"}));
 }
 
-TEST_F(Driver, StopsAfterTheCurrentBlockForGood) {
+TEST_F(Driver, StopsARunAfterTheCurrentBlockOrForGood) {
   const fs::path big = folder.write("a.wav", wav({fmt({}), bytes("'data' FF FF FF 7F")}));
   fs::resize_file(big, 2'000'000'000);
-  driver.processURLs({big, writeWav("b.wav")});
+  const fs::path small = writeWav("b.wav");
+  driver.processURLs({big, small});
+  driver.processURLs({small});
   while (!fs::exists(folder / "a.aif"))
     std::this_thread::yield();
-  driver.stop();
-  run();
+  driver.stopRun();
+  driver.processURLs({small});
+  queue.runUntil([&] { return view.log.size() == 2; });
+  EXPECT_EQ(std::count(view.events.begin(), view.events.end(), "Stopped – 1 of 3 files processed."),
+            1);
   EXPECT_EQ(view.log,
-            (Events{"✗ a.wav: Stopped – '" + (folder / "a.aif").native() + "' is incomplete."}));
-  driver.processURLs({folder / "b.wav"});
+            (Events{"✗ a.wav: Stopped – '" + (folder / "a.aif").native() + "' is incomplete.",
+                    "b.wav => b.aif  [8-bit, mono, 44100 Hz]"}));
+  driver.stop();
+  driver.processURLs({small});
   run();
-  EXPECT_FALSE(fs::exists(folder / "b.aif"));
+  EXPECT_FALSE(fs::exists(folder / "b (1).aif"));
 }
 
 TEST_F(Driver, ASecondBatchJoinsTheRunningOneWithItsOwnOptions) {

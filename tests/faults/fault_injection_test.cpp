@@ -41,6 +41,7 @@ constexpr const char* unread = "Cannot read '%IN': Input/output error";
 const std::vector<std::string> subfolder = {"--subfolder"};
 const std::vector<std::string> overwrite = {"--overwrite"};
 const std::vector<std::string> safe = {"--safe"};
+const std::vector<std::string> verify = {"--verify"};
 const std::vector<std::string> safeOverwrite = {"--safe", "--overwrite"};
 
 const Case cases[] = {
@@ -58,7 +59,7 @@ const Case cases[] = {
     {"write:2:shrink", converted, ""},  // every sample has been read by then
 
     // The name is taken although the system could not say so: it is not used.
-    {"lstat:1:EIO", failed, unwritten, {}, "kept"},
+    {"lstat:1:EIO", converted, " (1)", {}, "kept"},
     {"stat:1:EIO", converted, " (1)", overwrite, "kept"},
     {"stat:2:EIO", failed, unwritten, overwrite, "kept"},
     {"lstat:2:EIO", failed, "Cannot replace '%OUT': Input/output error", overwrite, "kept"},
@@ -70,10 +71,10 @@ const Case cases[] = {
     {"folder:3:EACCES", failed, "Cannot create '%DIR': Permission denied", subfolder},
 
     // Another program makes a file or a link of this name in between.
-    {"create:1:steal", failed, unwritten},
+    {"create:1:steal", converted, " (1)"},
     {"create:2:steal", failed, unwritten, overwrite, "replaced"},
-    {"create:1:link:../a/a.%EXT", failed, unwritten},
-    {"create:1:link:nowhere", failed, unwritten},
+    {"create:1:link:../a/a.%EXT", converted, " (1)"},
+    {"create:1:link:nowhere", converted, " (1)"},
 
     {"write:1:ENOSPC", partial, unwritten},
     {"write:2+:ENOSPC", partial, unwritten},
@@ -91,9 +92,13 @@ const Case cases[] = {
     {"close:1:EIO", failed, unwritten, safeOverwrite, "kept"},
     {"rename:1:EINVAL", converted, "", safe},
     {"rename:1:EIO", failed, unwritten, safe},
-    {"rename:1:steal", failed, unwritten, safe},
+    {"rename:1:steal", converted, " (1)", safe},
     {"replace:1:EIO", failed, "Cannot replace '%OUT': Input/output error", safeOverwrite, "kept"},
     {"fsync:2:EIO", partial, unwritten, safe},
+
+    // The output is read back, with the input still there to be compared.
+    {"open:2:EACCES", partial, "Cannot read '%OUT': Permission denied", verify},
+    {"open:2:shrink", partial, unread, verify},
 };
 
 std::string replaceAll(std::string text, const std::string& place, const std::string& value) {
@@ -189,6 +194,18 @@ TEST_P(FaultInjection, CostsOneFileAndNothingElse) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Directions, FaultInjection, testing::Bool());
+
+TEST(FaultInjectionProof, FindsWhatTheDiskDidNotKeep) {
+  const TemporaryFolder folder;
+  folder.write("b.wav", instrument(/*isAIFF=*/false));
+  const Outcome outcome =
+      run(folder.path(), "write:1:flip", folder.path(), {"--verify", "--overwrite", "b.wav"});
+  EXPECT_EQ(outcome.output.substr(0, outcome.output.find(" (")),
+            "✗ b.wav: 'b.aif' is not as promised: Frame 1048575, channel 1: sample -127 instead of "
+            "-128");
+  EXPECT_EQ(outcome.status, 1);
+  EXPECT_TRUE(fs::exists(folder / "b.aif"));
+}
 
 /// What the search could not read is named, and the rest converted.
 TEST(FaultInjectionSearch, NamesWhatItCouldNotSearch) {

@@ -8,6 +8,7 @@
 // write, fsync, rename (to a free name), replace (rename over another file), or close (of a
 // file that was created). ACTION is the name of an error (ENOSPC), or
 //   short           write: only a part of the bytes
+//   flip            write: the last bit is another one
 //   untyped         readdir: the file system does not tell what an entry is
 //   shrink          cut the last opened input to nothing before the call
 //   steal, link:TO  create: another program makes a file, or a link to TO, of this name first
@@ -113,7 +114,7 @@ bool failsNow(std::string_view call, const std::string& path = {}) {
     std::ofstream(path) << "theirs";
   } else if (action.starts_with("link:")) {
     if (::symlink(action.c_str() + std::strlen("link:"), path.c_str()) != 0) std::abort();
-  } else if (action != "short" && action != "untyped") {
+  } else if (action != "short" && action != "flip" && action != "untyped") {
     errno = errorNumber(action);
     return true;
   }
@@ -228,6 +229,13 @@ ssize_t writev(int file, const iovec* parts, int count) {
                                         [](const iovec& some) { return some.iov_len != 0; });
       const std::size_t size = part.iov_len > 1 ? part.iov_len / 3 + 1 : part.iov_len;
       return NEXT(write)(file, part.iov_base, size);
+    }
+    if (fault().action == "flip" && calls == fault().nth) {
+      std::string bytes;
+      for (const iovec* part = parts; part != parts + count; ++part)
+        bytes.append(static_cast<const char*>(part->iov_base), part->iov_len);
+      bytes.back() = static_cast<char>(bytes.back() ^ 1);
+      return NEXT(write)(file, bytes.data(), bytes.size());
     }
   }
   return NEXT(writev)(file, parts, count);

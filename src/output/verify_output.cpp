@@ -1,0 +1,32 @@
+#include "output/verify_output.hpp"
+
+#include <optional>
+#include <system_error>
+
+#include "platform/folder.hpp"
+
+namespace corvana {
+
+Differences verifyOutput(const InputFile& input, const OutputTarget& output,
+                         const ProgressHandler& progress) {
+  std::optional<Folder> made;
+  try {
+    for (const std::filesystem::path& name : output.missingFolders)
+      made = (made ? *made : output.folder).open(name.native());
+  } catch (const std::system_error& error) {
+    failReading(error.code().value(), output.url());
+  }
+  const InputFile file(made ? *made : output.folder, output.name, output.url());
+  return verifyFiles(input, file, Producer::thisProgram, progress);
+}
+
+Differences verifyFiles(const InputFile& input, const InputFile& output, Producer producer,
+                        const ProgressHandler& progress) {
+  return input.read([&](ByteView inputBytes) {
+    return output.read([&](ByteView outputBytes) {
+      return proveConversion(inputBytes, outputBytes, producer, progress);
+    });
+  });
+}
+
+}  // namespace corvana

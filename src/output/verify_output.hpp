@@ -1,0 +1,20 @@
+// Reads an output back and proves it against its input.
+#pragma once
+
+#include "output/output_file.hpp"
+#include "platform/files.hpp"
+#include "verify/prove_conversion.hpp"
+
+namespace corvana {
+
+/// What the finished file that a conversion of `input` wrote to `output` holds otherwise than
+/// promised. Fails with a FileError. What `progress` throws ends the proof.
+Differences verifyOutput(const InputFile& input, const OutputTarget& output,
+                         const ProgressHandler& progress);
+
+/// The same for two files of whatever origin, both open. Fails with a FileError, or with a
+/// ConversionError where the input cannot be read.
+Differences verifyFiles(const InputFile& input, const InputFile& output, Producer producer,
+                        const ProgressHandler& progress);
+
+}  // namespace corvana
