@@ -5,6 +5,7 @@
 #include <filesystem>
 #include <sstream>
 #include <system_error>
+#include <utility>
 
 #include "vocabulary/screen_text.hpp"
 
@@ -28,6 +29,17 @@ std::string hint(const std::vector<std::string>& arguments) {
 }
 
 }  // namespace
+
+std::vector<std::string> protectBrackets(int count, char** arguments) {
+  std::vector<std::string> result;
+  for (int i = 1; i < count; ++i) {
+    std::string argument = arguments[i];
+    const std::size_t value = argument.starts_with("--") ? argument.find('=') + 1 : 0;
+    if (argument.compare(value, 1, "[") == 0) argument.insert(value, "./");
+    result.push_back(std::move(argument));
+  }
+  return result;
+}
 
 std::optional<int> parseCommandLine(CLI::App& app, const std::vector<std::string>& arguments) {
   try {

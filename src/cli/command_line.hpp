@@ -8,6 +8,11 @@
 
 namespace corvana {
 
+/// The arguments behind the program's name, fit for the parser. It takes "[a,b]" for a list; no
+/// option has such a value, so what starts with a bracket, as an argument or as the value of an
+/// option, is a path, and means the same with "./" in front.
+std::vector<std::string> protectBrackets(int count, char** arguments);
+
 /// Parses the arguments behind the program's name. Where the program is to end now, prints help or
 /// version on standard output or the mistake on standard error, and gives the exit status: 0, 1
 /// where standard output takes nothing, 2 for wrong usage.

@@ -4,8 +4,13 @@
 #include <array>
 #include <cmath>
 #include <cstdio>
+#include <cstdlib>
+#include <string_view>
 
+#include "cli/json_values.hpp"
+#include "cli/report.hpp"
 #include "platform/standard_streams.hpp"
+#include "platform/texts.hpp"
 #include "vocabulary/screen_text.hpp"
 
 namespace corvana {
@@ -14,6 +19,9 @@ namespace {
 constexpr std::chrono::milliseconds redrawInterval{50};
 constexpr int barWidth = 24;
 constexpr const char* eraseLine = "\r\x1b[K";
+constexpr const char* red = "\x1b[31m";
+constexpr const char* yellow = "\x1b[33m";
+constexpr const char* plain = "\x1b[0m";
 
 std::string progressBar(double fraction) {
   std::string bar(barWidth, '.');
@@ -23,11 +31,27 @@ std::string progressBar(double fraction) {
   return "[" + bar + "] " + percent.data() + " %  ";
 }
 
+bool wantsColour() {
+  const auto value = [](const char* name) {
+    const char* const text = std::getenv(name);
+    return std::string_view(text == nullptr ? "" : text);
+  };
+  return value("NO_COLOR").empty() && !value("TERM").empty() && value("TERM") != "dumb";
+}
+
+/// The sign is the first word of the line.
+std::string withSignIn(const char* colour, std::string line) {
+  const std::size_t start = std::min(line.find_first_not_of(' '), line.size());
+  line.insert(std::min(line.find(' ', start), line.size()), plain);
+  return line.insert(start, colour);
+}
+
 }  // namespace
 
 TerminalView::TerminalView(const TerminalOptions& options)
     : options_(options),
       logOnTerminal_(isTerminal(stdout)),
+      logInColour_(logOnTerminal_ && wantsColour()),
       drawsProgress_(!options.quiet && isTerminal(stderr)) {}
 
 void TerminalView::setStatus(const std::string& text) {
@@ -41,10 +65,27 @@ void TerminalView::setProgress(double fraction) {
 }
 
 void TerminalView::appendLog(const LogEntry& entry) {
+  if (entry.outcome == Outcome::skipped) return;
+  if (!entry.warnings.empty()) hasLosses_ = true;
+  if (options_.json && !entry.outcome) return report(entry.text());
   if (logOnTerminal_) erase();
-  const std::string text = (logOnTerminal_ ? entry.screenText() : entry.text()) + "\n";
+  const std::string text =
+      options_.json ? lineOf(jsonOf(entry, systemLanguage())) : logText(entry) + "\n";
   if (std::fwrite(text.data(), 1, text.size(), stdout) != text.size() || std::fflush(stdout) != 0)
     logIsComplete_ = false;
+}
+
+std::string TerminalView::logText(const LogEntry& entry) const {
+  if (!logOnTerminal_) return entry.text();
+  if (!logInColour_) return entry.screenText();
+  std::string text;
+  for (const std::string& line : entry.lines) {
+    const bool isFirst = &line == &entry.lines.front();
+    if (!isFirst) text += '\n';
+    const char* const colour = !isFirst ? yellow : entry.outcome == Outcome::failed ? red : nullptr;
+    text += colour == nullptr ? readableLine(line) : withSignIn(colour, readableLine(line));
+  }
+  return text;
 }
 
 void TerminalView::reportLeftOut(const LeftOut& leftOut) {
@@ -53,8 +94,12 @@ void TerminalView::reportLeftOut(const LeftOut& leftOut) {
 }
 
 void TerminalView::reportReason(const std::string& path, const std::string& reason) {
+  report(path + ": " + reason);
+}
+
+void TerminalView::report(const std::string& text) {
   erase();
-  std::fprintf(stderr, "corvana-cli: %s\n", readableLine(path + ": " + reason).c_str());
+  corvana::report(text);
 }
 
 void TerminalView::finish() {

@@ -13,6 +13,7 @@ namespace corvana {
 struct TerminalOptions {
   BatchOptions batch;
   bool quiet = false;  ///< no status, no progress
+  bool json = false;   ///< JSON in the place of the log's lines
 };
 
 class TerminalView : public BatchView {
@@ -35,16 +36,22 @@ class TerminalView : public BatchView {
   bool logIsComplete() const { return logIsComplete_; }
   /// Whether everything that was to be searched has been.
   bool searchIsComplete() const { return searchIsComplete_; }
+  /// Whether a file has a warning: its output lacks something that the input has.
+  bool hasLosses() const { return hasLosses_; }
 
  private:
+  std::string logText(const LogEntry& entry) const;
+  void report(const std::string& text);
   void draw();
 
   TerminalOptions options_;
   bool logOnTerminal_;
+  bool logInColour_;
   bool drawsProgress_;
   bool isDrawn_ = false;
   bool logIsComplete_ = true;
   bool searchIsComplete_ = true;
+  bool hasLosses_ = false;
   std::string status_;
   double progress_ = 0;
   std::chrono::steady_clock::time_point lastDrawn_;

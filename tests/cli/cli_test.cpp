@@ -6,12 +6,14 @@
 #include <csignal>
 #include <gtest/gtest.h>
 #include <pty.h>
+#include <regex>
 #include <sys/resource.h>
 #include <thread>
 #include <utmp.h>
 
 #include "platform/standard_streams.hpp"
 #include "support/audio_builder.hpp"
+#include "support/conversion.hpp"
 #include "support/program.hpp"
 
 namespace corvana {
@@ -36,6 +38,30 @@ class Program : public testing::Test {
   void writeHugeWav(const std::string& name) const {
     in.write(name, wav({fmt({}), bytes("'data' FF FF FF EF")}));
     fs::resize_file(in / name, 3'900'000'000);
+  }
+
+  /// What comes to a terminal of 60 columns. `watch` sees it whenever there is more.
+  std::string screenOf(const std::vector<std::string>& arguments, int status,
+                       const Prepare& prepare,
+                       const std::function<void(pid_t, const std::string&)>& watch = {}) const {
+    constexpr winsize window{25, 60, 0, 0};
+    int terminal = -1;
+    int inner = -1;
+    EXPECT_EQ(::openpty(&terminal, &inner, nullptr, nullptr, &window), 0);
+    const Process process = start(arguments, [&] {
+      prepare();
+      ::login_tty(inner);
+    });
+    ::close(inner);
+    std::string screen;
+    std::array<char, 4096> part{};
+    for (ssize_t length = 0; (length = ::read(terminal, part.data(), part.size())) > 0;) {
+      screen.append(part.data(), static_cast<std::size_t>(length));
+      if (watch) watch(process.id, screen);
+    }
+    ::close(terminal);
+    EXPECT_EQ(process.finish().status, status);
+    return screen;
   }
 
   const TemporaryFolder in;
@@ -67,7 +93,9 @@ TEST_F(Program, ExitStatusTellsWhetherAllWentWell) {
       {{"none.wav", "good.wav"}, 1, "good.wav => ", "corvana-cli: none.wav: No such file or dir"},
       {{"notes.txt"}, 1, "No WAV or AIFF files found.\n", "notes.txt: Not a WAV or AIFF"},
       {{"notes.txt", "good.wav"}, 0, "good.wav => ", "corvana-cli: notes.txt: Not a WAV or AIFF"},
-      {{}, 2, "", "PATH"},
+      {{}, 2, "", "PATH or --files-from"},
+      {{"-0", "good.wav"}, 2, "", "--null requires --files-from"},
+      {{"--files-from", "none"}, 2, "", "corvana-cli: Cannot read 'none': No such file"},
       {{"x", "-\x1b]0;\u202E\nforged"}, 2, "", ": -\uFFFD]0;\uFFFD\uFFFDforged\nRun with"},
       {{"no\x1b\nforged.wav"}, 1, "", "corvana-cli: no\uFFFD\uFFFDforged.wav: No such file"},
       {{"-dash.wav"}, 2, "", "is given as \"./-dash.wav\".\n"},
@@ -81,6 +109,120 @@ TEST_F(Program, ExitStatusTellsWhetherAllWentWell) {
     EXPECT_NE(outcome.output.find(c.output), std::string::npos) << outcome.output;
     EXPECT_NE(outcome.errors.find(c.errors), std::string::npos) << outcome.errors;
   }
+}
+
+TEST_F(Program, VerifyTellsWhetherOneFileHoldsWhatTheOtherPromises) {
+  writeWav("a.wav");
+  EXPECT_EQ(run({"--verify", "a.wav"}).output, "a.wav => a.aif" + summary);
+  in.write("b.aif", aiff({comm({.frames = 1}), patched(ssnd({2, 0}), 12, be(0, 4))}));
+  in.write("bad\xFF.wav", "");
+  const std::string difference = "Frame 0, channel 1: sample 512 instead of 513 (at byte 54).";
+  const struct {
+    std::vector<std::string> files;
+    int status;
+    std::string output, errors;  ///< parts of them; empty: all
+  } cases[] = {
+      {{"a.wav", "a.aif"}, 0, "", "corvana-cli: No differences.\n"},
+      {{"a.wav", "b.aif"}, 1, difference + "\n", ""},
+      {{"a.aif", "b.aif"}, 1, "", "'b.aif' is of the same format as the input"},
+      {{"a.wav", "none.aif"}, 1, "", "Cannot read 'none.aif': No such file"},
+      {{"a.wav", "."}, 1, "", "Is a directory"},
+      {{"bad\xFF.wav", "a.aif"}, 1, "", "': Unsupported format: file is too short"},
+      {{"a.wav"}, 2, "", "OUTPUT"},
+      {{"a.wav", "a.aif", "b.aif"}, 2, "", "b.aif"},
+      {{"--json", "a.wav", "b.aif"},
+       1,
+       R"({"schema":1,"input":"a.wav","output":"b.aif","direction":"wav-to-aiff",)"
+       R"("differenceCount":1,"differences":[{"code":"sample","frame":0,"channel":1,"offset":54,)"
+       R"("expected":513,"found":512,"text":")" +
+           difference + "\"}]}\n",
+       ""},
+      {{"--json", "bad\xFF.wav", "a.aif"},
+       1,
+       "{\"schema\":1,\"input\":\"bad\uFFFD.wav\",\"inputBytes\":\"626164ff2e776176\",\"output\":"
+       "\"a.aif\",\"error\":{\"code\":\"system-error\",\"values\":[],\"text\":\"Cannot",
+       ""},
+  };
+  for (const auto& c : cases) {
+    std::vector<std::string> arguments = c.files;
+    arguments.insert(arguments.begin(), "verify");
+    const Outcome outcome = run(arguments);
+    EXPECT_EQ(outcome.status, c.status) << c.output << c.errors;
+    EXPECT_TRUE(c.output.empty() ? outcome.output.empty() : outcome.output.starts_with(c.output))
+        << outcome.output;
+    EXPECT_NE(outcome.errors.find(c.errors), std::string::npos) << outcome.errors;
+  }
+}
+
+TEST_F(Program, TakesItsPathsFromAListAndMayBeStrict) {
+  const std::string loss = "   ⚠\uFE0E Incomplete last frame discarded.\n";
+  const auto done = [](const std::string& stem) {
+    return stem + ".wav => " + stem + ".aif" + summary;
+  };
+  for (const char* name : {"a.wav", "b.wav", "c\nd.wav"})
+    writeWav(name);
+  writeWav("lossy.wav", {1, 2, 3});
+  const struct {
+    std::string list;
+    std::vector<std::string> arguments;
+    int status;
+    std::string output, errors;  ///< errors: a part
+  } cases[] = {
+      {"a.wav\n\nb.wav", {"./b.wav", "--strict"}, 0, done("b") + done("a") + done("b"), "Done"},
+      {{"c\nd.wav\0\0a.wav\0", 15}, {"-0"}, 0, done("c\nd") + done("a"), "Done"},
+      {"lossy.wav\n", {}, 0, done("lossy") + loss, "Done"},
+      {"lossy.wav\n", {"--strict"}, 3, done("lossy") + loss, "Done"},
+      {"none.wav\nlossy.wav", {"--strict"}, 1, done("lossy") + loss, "none.wav: No such file"},
+      {"", {}, 1, "No WAV or AIFF files found.\n", ""},
+      {{"a.wav\0", 6}, {}, 2, "", "input: line 1 holds a NUL byte"},
+      {"a.wav\n" + std::string(70'000, 'x'), {}, 2, "", "line 2 is longer than any path\n"},
+      {std::string(70'000, 'x'), {"--null"}, 2, "", "path 1 is longer than any path; a list"},
+  };
+  for (auto c : cases) {
+    in.write("list", c.list);
+    c.arguments.insert(c.arguments.end(), {"--overwrite", "--files-from", "-"});
+    const Outcome outcome = run(c.arguments, [] { ::dup2(::open("list", O_RDONLY), 0); });
+    EXPECT_EQ(outcome.status, c.status) << outcome.errors;
+    EXPECT_EQ(outcome.output, c.output);
+    EXPECT_NE(outcome.errors.find(c.errors), std::string::npos) << outcome.errors;
+  }
+}
+
+TEST_F(Program, WritesItsLogInJson) {
+  const std::string name = "a\xFF\u202E";
+  writeWav(name + ".wav", {1, 2, 3});
+  in.write("b.wav", aiff({comm({.bits = 64}), ssnd({})}));
+  fs::create_symlink("gone", in / "c.wav");
+  in.write("d.aif", aiff({comm({.frames = 1}), inst(AiffInstrument{60, 5, 0, 0, 0, 0, 0, {}, {}}),
+                          ssnd({1, 2})}));
+  const Outcome outcome = run({"--json", "--strict", "."});
+  EXPECT_EQ(outcome.status, 1);
+  EXPECT_EQ(
+      std::regex_replace(outcome.output, std::regex(R"(,"seconds":[-.e\d]+\})"), "}"),
+      R"({"schema":1,"input":"./a)"
+      "\uFFFD\u202E"
+      R"(.wav","inputBytes":"2e2f61ffe280ae2e776176",)"
+      R"("output":"./a)"
+      "\uFFFD\u202E"
+      R"(.aif","outputBytes":"2e2f61ffe280ae2e616966",)"
+      R"("direction":"wav-to-aiff","format":"aiff","bits":16,"channels":1,"sampleRate":44100,)"
+      R"("loopCount":0,"markerCount":0,"cuePointCount":0,"frames":1,"bytes":56,"warnings":)"
+      R"([{"code":"incomplete-frame","values":[],"text":"Incomplete last frame discarded."}]})"
+      "\n"
+      R"({"schema":1,"input":"./b.wav","direction":"aiff-to-wav","warnings":[],"error":)"
+      R"({"code":"bit-depth","values":[64],"text":"Unsupported format: 64-bit"}})"
+      "\n"
+      R"({"schema":1,"input":"./c.wav","warnings":[],"error":{"code":"system-error","values":[],)"
+      R"("text":"Cannot read './c.wav': No such file or directory","errorName":"ENOENT",)"
+      R"("errorNumber":2}})"
+      "\n"
+      R"({"schema":1,"input":"./d.aif","output":"./d.wav","direction":"aiff-to-wav","format":"wav",)"
+      R"("bits":16,"channels":1,"sampleRate":44100,"rootKey":60,"fineTune":5,"loopCount":0,)"
+      R"("markerCount":0,"cuePointCount":0,"frames":1,"bytes":)" +
+          std::to_string(fs::file_size(in / "d.wav")) + ",\"warnings\":[]}\n");
+  in.write("notes.txt", "");
+  EXPECT_EQ(run({"--json", "notes.txt"}).output, "") << "objects only";
+  EXPECT_EQ(screenOf({"--json", name + ".wav"}, 0, [] {}).find("\u202E"), std::string::npos);
 }
 
 TEST_F(Program, SparesTheInputsOfItsOwnRun) {
@@ -112,6 +254,90 @@ TEST_F(Program, SparesTheInputsOfItsOwnRun) {
             "y.wav => y (1).aif" + summary + "y.wave => y (2).aif" + summary);
   EXPECT_EQ(run({"--overwrite", "y.wav", "y.wave"}).status, 0);
   EXPECT_EQ(readFile(in / "y.aif").back(), 3) << "the later one stays";
+}
+
+TEST_F(Program, ADryRunSaysWhatTheRunWouldDoAndTouchesNothing) {
+  const std::vector<std::vector<std::string>> runs = {
+      {},
+      {"--subfolder"},
+      {"--subfolder", "--overwrite", "--safe"},
+      {"--overwrite"},
+      {"--overwrite-inputs"},
+      {"--overwrite-inputs", "--skip-existing", "--preserve-times"},
+      {"--output", "new/Out/"},
+      {"--output", "kit/AIFF", "--overwrite"},
+  };
+  for (std::vector<std::string> arguments : runs) {
+    const TemporaryFolder folder;
+    for (const char* name : {"a.wav", "a.wave", "kit/a.wav", "kit/a.aif/b.wav", "c.aif"})
+      folder.write(name, wav({fmt({}), data({1, 2, 3}), cue({{1, 0}})}));
+    for (const char* name : {"a.aif", "kit/a.aiff", "kit/c.wav", "kit/AIFF/a.aif"})
+      folder.write(name, aiff({comm({.frames = 1}), ssnd({3, 4})}));
+    folder.write(std::string(250, 'x') + ".wav", wav({fmt({}), data({})}));
+    folder.write(std::string(250, 'x') + ".wave", wav({fmt({}), data({})}));
+    folder.write("broken.wav", "");
+    fs::create_symlink("gone", folder / "AIFF");
+    fs::create_symlink(".", folder / "WAV");
+    const auto start = [&] { return Process(folder.path(), arguments).finish(); };
+    const auto state = [&] {
+      std::string all;
+      for (const auto& entry : fs::recursive_directory_iterator(folder.path()))
+        if (!entry.is_symlink())
+          all += line(entry.path().native(), identityOf(entry.path())->inode, " ",
+                      entry.last_write_time().time_since_epoch().count(), "\n");
+      return all;
+    };
+    arguments.insert(arguments.begin(), CORVANA_CLI);
+    arguments.insert(arguments.end(), {"--dry-run", ".", "kit", "a.wav"});
+    SCOPED_TRACE(testing::PrintToString(arguments));
+    const std::string before = state();
+    const Outcome dry = start();
+    EXPECT_EQ(state(), before);
+    std::erase(arguments, "--dry-run");
+    const Outcome real = start();
+    EXPECT_EQ(dry.output, real.output);
+    EXPECT_EQ(dry.status, real.status);
+    EXPECT_NE(state(), before);
+  }
+}
+
+TEST_F(Program, BuildsTheTreeElsewhereAndBringsItUpToDate) {
+  for (const char* name : {"Kit/Low/a.wav", "Kit/a.wav", "Kit/Out/old.wav", "b.wav"})
+    writeWav(name);
+  const auto written = fs::file_time_type(std::chrono::nanoseconds(123'456'789));
+  fs::last_write_time(in / "Kit/a.wav", written);
+  const std::vector<std::string> update = {"--output", "Kit/Out",     "--skip-existing",  "--to",
+                                           "aiff",     "--overwrite", "--preserve-times", "Kit/",
+                                           "Kit/./",   "b.wav"};
+  const auto status = [](const char* done, const char* skipped) {
+    return "Done – " + std::string(done) + " processed. " + skipped + " skipped.\n";
+  };
+  EXPECT_EQ(run(update).errors, "Done – 5 files processed.\n");
+  for (const char* name : {"Kit/Low/a.aif", "Kit/a.aif", "Low/a.aif", "a.aif", "b.aif"})
+    EXPECT_TRUE(fs::exists(in / "Kit/Out" / name)) << name;
+  EXPECT_EQ(fs::last_write_time(in / "Kit/Out/a.aif"), written);
+  EXPECT_EQ(run(update).errors, status("0 files", "5 files")) << "its own folder is not searched";
+  fs::last_write_time(in / "Kit/Low/a.wav", fs::file_time_type::clock::now());
+  fs::resize_file(in / "Kit/Out/b.aif", 50);
+  EXPECT_EQ(run(update).errors, status("3 files", "2 files")) << "older or incomplete";
+  for (const char* contradiction : {"--subfolder", "--output=", "--output=b.wav"})
+    EXPECT_EQ(run({"--output", "x", contradiction, "b.wav"}).status, 2) << contradiction;
+}
+
+TEST_F(Program, TwoProgramsOnOneFolderTakeNothingFromEachOther) {
+  for (int i = 0; i < 100; ++i)
+    writeWav(std::to_string(i) + ".wav");
+  const Process first = start({"--subfolder", "."});
+  const Process second = start({"--subfolder", "."});
+  const std::string logs = first.finish().output + second.finish().output;
+  std::size_t outputs = 0;
+  for (const std::string& name : in.files()) {
+    if (!name.starts_with("AIFF/")) continue;
+    ++outputs;
+    EXPECT_EQ(readFile(in / name), readFile(in / "AIFF/0.aif"));
+    EXPECT_NE(logs.find(" => " + name.substr(5) + summary), std::string::npos) << name;
+  }
+  EXPECT_EQ(outputs, 200U);
 }
 
 TEST_F(Program, FindsFilesDeeperThanAnyPathIsLong) {
@@ -185,25 +411,17 @@ TEST_F(Program, KeepsItsLinesOnATerminal) {
   writeWav(hostile + ".wav");
   const std::string big = "x音音音音🎹🎹🎹🎹音音音音.wav";
   writeHugeWav(big);
-  constexpr winsize window{25, 60, 0, 0};
-  int terminal = -1;
-  int inner = -1;
-  ASSERT_EQ(::openpty(&terminal, &inner, nullptr, nullptr, &window), 0);
-  const Process process = start({hostile + ".wav", big}, [inner] {
-    ::setenv("LC_ALL", "C", 1);
-    ::login_tty(inner);
-  });
-  ::close(inner);
-  std::string screen;
   bool isStopped = false;
-  std::array<char, 4096> part{};
-  for (ssize_t length = 0; (length = ::read(terminal, part.data(), part.size())) > 0;) {
-    screen.append(part.data(), static_cast<std::size_t>(length));
-    if (!isStopped && screen.find("x音") != std::string::npos)
-      isStopped = ::kill(process.id, SIGINT) == 0;
-  }
-  ::close(terminal);
-  EXPECT_EQ(process.finish().status, 130);
+  const std::string screen = screenOf(
+      {hostile + ".wav", big}, 130,
+      [] {
+        ::setenv("LC_ALL", "C", 1);
+        ::setenv("NO_COLOR", "1", 1);
+      },
+      [&](pid_t id, const std::string& shown) {
+        if (!isStopped && shown.find("x音") != std::string::npos)
+          isStopped = ::kill(id, SIGINT) == 0;
+      });
 
   const std::string shown = "\uFFFD]0;pwn\uFFFD\uFFFD✗ forged";
   EXPECT_NE(screen.find("\x1b[K" + shown + ".wav => " + shown + ".aif  [16"), std::string::npos);
@@ -215,6 +433,28 @@ TEST_F(Program, KeepsItsLinesOnATerminal) {
     EXPECT_EQ(drawn.find('\x1b'), std::string::npos);
     EXPECT_TRUE(!drawn.starts_with('[') || drawn == firstColumns(drawn, 59)) << drawn;
     at = next;
+  }
+}
+
+TEST_F(Program, ColoursTheSignsOfTheLogOnATerminalOnly) {
+  writeWav("a.wav", {1, 2, 3});
+  in.write("b.wav", "");
+  const struct {
+    const char *terminal, *noColour;
+    bool isColoured;
+  } cases[] = {{"xterm", "", true}, {"xterm", "0", false}, {"dumb", "", false}, {"", "", false}};
+  for (const auto& c : cases) {
+    const Prepare prepare = [&c] {
+      ::setenv("TERM", c.terminal, 1);
+      ::setenv("NO_COLOR", c.noColour, 1);
+    };
+    const std::string screen = screenOf({"--quiet", "a.wav", "b.wav"}, 1, prepare);
+    const std::string shown =
+        "]\r\n   \x1b[33m⚠\uFE0E\x1b[0m Incomplete last frame discarded.\r\n"
+        "\x1b[31m✗\x1b[0m b.wav: ";
+    EXPECT_EQ(screen.find(shown) != std::string::npos, c.isColoured) << screen;
+    EXPECT_EQ(screen.find('\x1b') != std::string::npos, c.isColoured) << screen;
+    EXPECT_EQ(run({"a.wav"}, prepare).output.find('\x1b'), std::string::npos);
   }
 }
 
@@ -234,12 +474,14 @@ TEST_F(Program, StopsWithinASecond) {
     fs::remove(in / "big.aif");
   }
   in.write("big.aif", "older");
-  const Process process = start({"--safe", "--overwrite", "--to", "aiff", "big.wav"});
+  const Process process = start({"--json", "--safe", "--overwrite", "--to", "aiff", "big.wav"});
   while (in.files().size() < 4)
     std::this_thread::sleep_for(1ms);
   EXPECT_EQ(in.files()[0][0], '.') << "no search finds it";
   ::kill(process.id, SIGINT);
-  EXPECT_EQ(process.finish().output, "✗ big.wav: Stopped – 'big.aif' is not made.\n");
+  EXPECT_NE(process.finish().output.find(
+                R"({"code":"stopped","values":[],"text":"Stopped – 'big.aif' is not made."})"),
+            std::string::npos);
   EXPECT_EQ(fs::file_size(in / "big.aif"), 5U) << "the older one";
   EXPECT_EQ(in.files().size(), 3U);
 }
