@@ -1,5 +1,6 @@
-// window_pictures EXAMPLES OUT: pictures of the window, light and dark, while it converts the
-// example instruments of folder EXAMPLES (make_example_instruments) into subfolders beside them.
+// window_pictures EXAMPLES OUT LANGUAGE THEME...: pictures OUT/STATE-THEME[-LANGUAGE].png of the
+// window in the themes light, dark and contrast, while it converts the example instruments of
+// folder EXAMPLES (make_example_instruments) into subfolders beside them.
 
 #include <QApplication>
 #include <QDir>
@@ -24,25 +25,35 @@ QFont greyEdged(QFont font) {
   return font;
 }
 
-QPalette darkPalette() {
-  const QColor ground(0x2b, 0x2d, 0x30);
-  const QColor text(0xe4, 0xe4, 0xe6);
-  QColor secondary = text;
-  secondary.setAlphaF(0.5F);
+QPalette makePalette(const QColor& ground, const QColor& base, const QColor& text,
+                     const QColor& highlight, const QColor& highlightedText) {
   QPalette palette(ground.lighter(125), ground);
   for (const QPalette::ColorRole role :
-       {QPalette::WindowText, QPalette::Text, QPalette::ButtonText, QPalette::HighlightedText})
+       {QPalette::WindowText, QPalette::Text, QPalette::ButtonText})
     palette.setColor(role, text);
-  palette.setColor(QPalette::Base, ground.darker(130));
-  palette.setColor(QPalette::Highlight, QColor(0x3d, 0x7a, 0xb8));
-  palette.setColor(QPalette::PlaceholderText, secondary);
+  palette.setColor(QPalette::Base, base);
+  palette.setColor(QPalette::Highlight, highlight);
+  palette.setColor(QPalette::HighlightedText, highlightedText);
+  // As some desktops have it on every ground.
+  palette.setColor(QPalette::PlaceholderText, QColor(0, 0, 0, 128));
   return palette;
+}
+
+QPalette paletteOf(const QString& theme) {
+  const QColor ground(0x2b, 0x2d, 0x30);
+  const QColor text(0xe4, 0xe4, 0xe6);
+  if (theme == "dark")
+    return makePalette(ground, ground.darker(130), text, {0x3d, 0x7a, 0xb8}, text);
+  if (theme == "contrast")
+    return makePalette(Qt::black, {0x2a, 0x2a, 0x2a}, Qt::white, Qt::yellow, Qt::black);
+  return QApplication::style()->standardPalette();
 }
 
 class Pictures {
  public:
-  Pictures(std::filesystem::path examples, const QDir& folder, QString theme)
-      : examples_(std::move(examples)), folder_(folder), theme_(std::move(theme)) {}
+  /// `suffix` of the names.
+  Pictures(std::filesystem::path examples, const QDir& folder, QString suffix)
+      : examples_(std::move(examples)), folder_(folder), suffix_(std::move(suffix)) {}
 
   /// Whether all pictures could be written.
   bool take() {
@@ -64,6 +75,8 @@ class Pictures {
           corvana::fillText(corvana::localised("Converting %@ …"), {"Church Organ G3.aifc"}));
       controller.setProgress(4.5 / 8);
       controller.showChanges();
+      controller.stopButton->show();
+      controller.stopButton->defaultAction()->setEnabled(true);
       take(window, "running");
     }
     corvana::MainWindow window;
@@ -77,6 +90,8 @@ class Pictures {
   static void prepare(corvana::MainWindow& window) {
     corvana::ViewController& controller = window.controller();
     controller.logView->setFont(greyEdged(controller.logView->font()));
+    // The screen that there is not must not bound it.
+    window.resize(QSize(54, 42) * window.fontMetrics().height());
     window.show();
   }
 
@@ -100,37 +115,48 @@ class Pictures {
 
   void take(QWidget& window, const char* state) {
     QCoreApplication::processEvents();
-    const QString path = folder_.filePath(QString("%1-%2.png").arg(state, theme_));
+    const QString path = folder_.filePath(QString("%1-%2.png").arg(state, suffix_));
     if (!window.grab().save(path, "PNG", 0)) complete_ = false;
   }
 
   std::filesystem::path examples_;
   QDir folder_;
-  QString theme_;
+  QString suffix_;
   bool complete_ = true;
 };
 
 }  // namespace
 
 int main(int argumentCount, char** argumentValues) {
-  if (argumentCount != 3) {
-    std::fprintf(stderr, "Usage: window_pictures EXAMPLES OUT\n");
+  if (argumentCount < 5) {
+    std::fprintf(stderr, "Usage: window_pictures EXAMPLES OUT LANGUAGE THEME...\n");
     return 2;
   }
   qputenv("QT_QPA_PLATFORM", "offscreen");
+  qputenv("QT_LOGGING_RULES", "qt.qpa.*=false");
   if (!qEnvironmentVariableIsSet("QT_SCALE_FACTOR")) qputenv("QT_SCALE_FACTOR", "2");
+  const QByteArray language = argumentValues[3];
+  qputenv("LC_ALL", "C.UTF-8");
+  qputenv("LANGUAGE", language);
+  corvana::useSystemLanguage(CORVANA_PROGRAM_FOLDER);
   QApplication application(argumentCount, argumentValues);
   QApplication::setStyle("Fusion");
   QFont font = greyEdged(QApplication::font());
-  font.setPointSize(10);  // as on most desktops
+  bool hasSize = false;
+  const int points = qEnvironmentVariableIntValue("FONT_POINTS", &hasSize);
+  font.setPointSize(hasSize ? points : 10);  // as on most desktops
   QApplication::setFont(font);
   const QTemporaryDir preferences;
   QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, preferences.path());
   const QDir folder(QString::fromLocal8Bit(argumentValues[2]));
   if (!folder.mkpath(".")) return 1;
 
-  bool complete = Pictures(argumentValues[1], folder, "light").take();
-  QApplication::setPalette(darkPalette());
-  complete = Pictures(argumentValues[1], folder, "dark").take() && complete;
+  bool complete = true;
+  for (int i = 4; i < argumentCount; ++i) {
+    const QString theme = argumentValues[i];
+    QApplication::setPalette(paletteOf(theme));
+    const QString suffix = language == "en" ? theme : theme + "-" + language;
+    complete = Pictures(argumentValues[1], folder, suffix).take() && complete;
+  }
   return complete ? 0 : 1;
 }

@@ -7,7 +7,7 @@
 
 namespace corvana {
 
-ElidingLabel::ElidingLabel(QWidget* parent) : QLabel(parent) {
+ElidingLabel::ElidingLabel(QWidget* parent) : NewsLabel(parent) {
   setTextFormat(Qt::PlainText);
   setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Fixed);
 }
@@ -17,7 +17,7 @@ QSize ElidingLabel::minimumSizeHint() const {
 }
 
 bool ElidingLabel::event(QEvent* event) {
-  if (event->type() != QEvent::ToolTip) return QLabel::event(event);
+  if (event->type() != QEvent::ToolTip) return NewsLabel::event(event);
   const bool isWhole = visibleText() == text();
   // Marked as rich text, so that it is escaped text in any case: a file name could be markup.
   const QString tip = QStringLiteral("<qt>%1</qt>").arg(text().toHtmlEscaped());

@@ -1,12 +1,12 @@
 // A line of text that gives way in the middle where the window is too narrow for it.
 #pragma once
 
-#include <QLabel>
+#include "update_window/news_label.hpp"
 
 namespace corvana {
 
 /// `text()` is always the whole text; the tool tip shows it where it is not to be seen whole.
-class ElidingLabel : public QLabel {
+class ElidingLabel : public NewsLabel {
   Q_OBJECT
  public:
   explicit ElidingLabel(QWidget* parent = nullptr);

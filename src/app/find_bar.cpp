@@ -4,16 +4,19 @@
 #include <QKeyEvent>
 #include <QPushButton>
 
+#include "app/isolates.hpp"
 #include "app/qt_values.hpp"
 #include "platform/texts.hpp"
+#include "update_window/news_label.hpp"
 
 namespace corvana {
 
 FindBar::FindBar(QPlainTextEdit& log, QWidget* parent)
-    : QWidget(parent), log_(log), text_(new QLineEdit), missing_(new QLabel) {
+    : QWidget(parent), log_(log), text_(new QLineEdit), missing_(new NewsLabel) {
   text_->setPlaceholderText(qtText(localised("Find in the log")));
   text_->setAccessibleName(qtText(localised("Find in the log")));
   text_->setClearButtonEnabled(true);
+  text_->setAcceptDrops(false);  // files are for the window
   missing_->setText(qtText(localised("Not found")));
   QSizePolicy keepsItsPlace = missing_->sizePolicy();
   keepsItsPlace.setRetainSizeWhenHidden(true);
@@ -75,12 +78,13 @@ void FindBar::findWhileTyping() {
 void FindBar::find(QTextDocument::FindFlags direction) {
   if (text_->text().isEmpty()) return open();
   const QTextDocument& document = *log_.document();
-  QTextCursor found = document.find(text_->text(), log_.textCursor(), direction);
+  const QRegularExpression text = findingText(text_->text());
+  QTextCursor found = document.find(text, log_.textCursor(), direction);
   if (found.isNull()) {
     QTextCursor edge = log_.textCursor();
     edge.movePosition(direction == QTextDocument::FindBackward ? QTextCursor::End
                                                                : QTextCursor::Start);
-    found = document.find(text_->text(), edge, direction);
+    found = document.find(text, edge, direction);
   }
   missing_->setVisible(found.isNull());
   if (found.isNull()) return;

@@ -17,8 +17,10 @@
 #include <utility>
 
 #include "app/file_manager.hpp"
+#include "app/isolates.hpp"
 #include "app/log_layout.hpp"
 #include "app/qt_values.hpp"
+#include "app/quiet_colour.hpp"
 #include "platform/texts.hpp"
 #include "vocabulary/text_format.hpp"
 
@@ -29,8 +31,8 @@ constexpr int minZoom = -5;
 constexpr int maxZoom = 25;
 
 /// A text of the document, whose lines have another separator.
-QString withLineFeeds(QString text) {
-  return text.replace(QChar::ParagraphSeparator, QLatin1Char('\n'));
+QString exactText(QString text) {
+  return withoutIsolates(text.replace(QChar::ParagraphSeparator, QLatin1Char('\n')));
 }
 
 /// A path for a tool tip, which may break after every folder.
@@ -80,12 +82,12 @@ void LogView::append(const LogEntry& entry) {
   paths_ += input;
   paths_.append(differ.second, output.end());
   lines_ += static_cast<int>(entry.lines.size());
-  appended_ += entry.screenText() + '\n';
+  appended_ += isolatedText(entry, layoutDirection()) + QLatin1Char('\n');
 }
 
 void LogView::showAppended() {
-  if (appended_.empty()) return;
-  QString text = qtText(std::exchange(appended_, {}));
+  if (appended_.isEmpty()) return;
+  QString text = std::exchange(appended_, {});
   // The document takes these for its own marks, at which a line ends.
   for (const char16_t mark : {u'\uFDD0', u'\uFDD1'})
     text.replace(QChar(mark), QChar(QChar::ReplacementCharacter));
@@ -102,6 +104,10 @@ void LogView::showAppended() {
     setTextCursor(chosen);
   }
   scrollToEnd();
+}
+
+QString LogView::text() const {
+  return exactText(document()->toRawText());
 }
 
 std::vector<std::filesystem::path> LogView::chosenFiles() const {
@@ -145,8 +151,8 @@ void LogView::saveAs() {
 
 void LogView::saveTo(const QString& path) {
   QSaveFile file(path);
-  const QByteArray text = withLineFeeds(document()->toRawText()).toUtf8();
-  if (file.open(QIODevice::WriteOnly) && file.write(text) == text.size() && file.commit()) return;
+  const QByteArray bytes = text().toUtf8();
+  if (file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size() && file.commit()) return;
   auto* failure =
       new QMessageBox(QMessageBox::Warning, qtText(localised("Save Log")),
                       screenLine(fillText(localised("Writing failed: %@"), {path.toStdString()})),
@@ -173,6 +179,8 @@ void LogView::resetZoom() {
 void LogView::changeEvent(QEvent* event) {
   QPlainTextEdit::changeEvent(event);
   if (event->type() == QEvent::LayoutDirectionChange) followInterfaceDirection();
+  if (event->type() == QEvent::PaletteChange || event->type() == QEvent::ParentChange)
+    followTheme();
 }
 
 void LogView::contextMenuEvent(QContextMenuEvent* event) {
@@ -191,7 +199,7 @@ void LogView::contextMenuEvent(QContextMenuEvent* event) {
 
 QMimeData* LogView::createMimeDataFromSelection() const {
   auto* content = new QMimeData;
-  content->setText(withLineFeeds(textCursor().selectedText()));
+  content->setText(exactText(textCursor().selectedText()));
   if (!drags_) return content;
   QList<QUrl> urls;
   const auto [first, last] = chosenEntries();
@@ -294,6 +302,16 @@ void LogView::followInterfaceDirection() {
   option.setTextDirection(layoutDirection());
   option.setAlignment(QStyle::visualAlignment(layoutDirection(), Qt::AlignLeft));
   document()->setDefaultTextOption(option);
+}
+
+void LogView::followTheme() {
+  const QPalette theme = parentWidget() ? parentWidget()->palette() : QApplication::palette(this);
+  const QColor quiet =
+      quietColour(theme, QPalette::Text, {theme.color(QPalette::Active, QPalette::Base)});
+  if (palette().color(QPalette::PlaceholderText) == quiet) return;
+  QPalette ours;
+  ours.setColor(QPalette::PlaceholderText, quiet);
+  setPalette(ours);
 }
 
 bool LogView::isAtEnd() const {

@@ -38,6 +38,9 @@ class LogView : public QPlainTextEdit {
   /// Shows what was taken in and scrolls to the end. The selection stays as it is.
   void showAppended();
 
+  /// Exactly what it says, a line feed after each entry.
+  QString text() const;
+
   /// What a user looks for of the entries that are selected or have the cursor: the written file,
   /// or the one that could not be converted.
   std::vector<std::filesystem::path> chosenFiles() const;
@@ -97,13 +100,14 @@ class LogView : public QPlainTextEdit {
   QString toolTipAt(const QPoint& position) const;
   void saveTo(const QString& path);
   void followInterfaceDirection();
+  void followTheme();
   bool isAtEnd() const;
   void scrollToEnd();
 
   Entries entries_;
   std::string paths_;  // of all entries: texts of their own would take several times the memory
   int lines_ = 0;      // of all entries
-  std::string appended_;
+  QString appended_;
   RunCounts counts_;
   std::vector<std::ptrdiff_t> problems_;  // entries of the run that failed or have warnings
   int zoom_ = 0;

@@ -5,6 +5,7 @@
 #include <QIcon>
 #include <QLibraryInfo>
 #include <QTranslator>
+#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 #include <string_view>
@@ -49,9 +50,20 @@ void translateToolkit(QTranslator& translator) {
     QCoreApplication::installTranslator(&translator);
 }
 
+[[noreturn]] void endForMistake(const QString& mistake) {
+  const QString text = QCoreApplication::applicationName() + ": " + mistake;
+  std::fprintf(stderr, "%s\n", corvana::readableLine(text.toStdString()).c_str());
+  std::exit(EXIT_FAILURE);  // as after the help
+}
+
+/// Whose options the command line may hold.
+enum class Options { ours, toolkitsToo };
+
 /// Ends the program where the command line asks for its help or version, or is wrong.
-void checkOptions(const QStringList& arguments) {
+void checkOptions(const QStringList& arguments, Options options) {
   QCommandLineParser parser;
+  // As the toolkit writes its own: "-platform" is not "-p" and so on.
+  parser.setSingleDashWordOptionMode(QCommandLineParser::ParseAsLongOptions);
   parser.setApplicationDescription(corvana::qtText(
       corvana::localised("Converts sampled instruments between WAV and AIFF in a window. "
                          "corvana-cli does the same in a terminal.")));
@@ -60,12 +72,37 @@ void checkOptions(const QStringList& arguments) {
   parser.addPositionalArgument(QStringLiteral("PATH"),
                                corvana::qtText(corvana::localised("Files and folders to convert")),
                                QStringLiteral("[PATH...]"));
-  if (!parser.parse(arguments)) {
-    const QString text = QCoreApplication::applicationName() + ": " + parser.errorText();
-    std::fprintf(stderr, "%s\n", corvana::readableLine(text.toStdString()).c_str());
-    std::exit(EXIT_FAILURE);  // as after the help
-  }
+  const bool isRight = parser.parse(arguments);
+  if (options == Options::toolkitsToo && (!isRight || parser.isSet(QStringLiteral("help-all"))))
+    return;  // the toolkit knows
+  if (!isRight) endForMistake(parser.errorText());
   parser.process(arguments);
+}
+
+/// As far as can be told without trying: where there is none, the toolkit only aborts.
+bool hasDisplay(int count, char** arguments) {
+  const bool isNamed = std::any_of(arguments, arguments + count, [](std::string_view argument) {
+    const std::string_view name = argument.substr(argument.starts_with("--") ? 1 : 0);
+    return name == "-platform" || name == "-display";
+  });
+  for (const char* variable : {"DISPLAY", "WAYLAND_DISPLAY", "WAYLAND_SOCKET", "QT_QPA_PLATFORM"})
+    if (!qEnvironmentVariableIsEmpty(variable)) return true;
+  return isNamed || qgetenv("XDG_SESSION_TYPE") == "wayland";
+}
+
+/// What can be done before there is a window, or without one.
+void answerOptions(int count, char** arguments) {
+  const bool showsWindow = hasDisplay(count, arguments);
+  const bool hasOptions = std::any_of(arguments + 1, arguments + count,
+                                      [](const char* argument) { return argument[0] == '-'; });
+  if (showsWindow && !hasOptions) return;
+  const QCoreApplication application(count, arguments);
+  QTranslator toolkitTexts;
+  translateToolkit(toolkitTexts);
+  checkOptions(QCoreApplication::arguments(), showsWindow ? Options::toolkitsToo : Options::ours);
+  if (!showsWindow)
+    endForMistake(corvana::qtText(corvana::localised(
+        "There is no screen to show a window on. corvana-cli converts without one.")));
 }
 
 /// Files and folders of the command line, absolute, as paths or file URLs. From the bytes of
@@ -90,12 +127,13 @@ std::vector<fs::path> filesOfCommandLine(int count, char** arguments) {
 int run(int argumentCount, char** argumentValues) {
   corvana::useSystemLanguage(corvana::runningProgramFolder());
   describeProgram();
+  answerOptions(argumentCount, argumentValues);
   const QVariantMap launchTokens = corvana::launchTokens();
   corvana::Application application(argumentCount, argumentValues);
   QApplication::setWindowIcon(programIcon());
   QTranslator toolkitTexts;
   translateToolkit(toolkitTexts);
-  checkOptions(QCoreApplication::arguments());
+  checkOptions(QCoreApplication::arguments(), Options::ours);
 
   corvana::AppDelegate delegate;
   const std::vector<fs::path> files = filesOfCommandLine(argumentCount, argumentValues);

@@ -3,14 +3,16 @@
 
 #include <QApplication>
 #include <QMainWindow>
+#include <QPointer>
 
 #include "app/file_manager.hpp"
 #include "app/find_bar.hpp"
+#include "app/quit_question.hpp"
 #include "app/view_controller.hpp"
 
 namespace corvana {
 
-/// Closing it ends the program; a running conversion stops.
+/// Closing it ends the program; during a run it asks first.
 class MainWindow : public QMainWindow {
   Q_OBJECT
  public:
@@ -23,13 +25,16 @@ class MainWindow : public QMainWindow {
 
  private:
   void makeViews();
-  QWidget* makeInvitation();
   void makeMenus();
   void makeLogMenus();
-  void showAbout();
+  void askBeforeQuitting();
+  void runEnded();
 
   const LastInput lastInput_{qApp};
   FindBar* findBar_ = nullptr;
+  QPointer<QuitQuestion> quitQuestion_;
+  bool isQuitting_ = false;  // the run is being stopped for it
+  bool quitsUnasked_ = false;
   ViewController controller_;
 };
 

@@ -2,12 +2,13 @@
 
 #include <QDir>
 #include <QFontDatabase>
-#include <QSettings>
 #include <cmath>
+#include <cstdio>
 #include <utility>
 
 #include "app/clash_question.hpp"
 #include "app/open_panel.hpp"
+#include "app/preferences.hpp"
 #include "app/qt_values.hpp"
 #include "platform/bundle_info.hpp"
 #include "platform/texts.hpp"
@@ -42,16 +43,6 @@ std::string countsText(const RunCounts& counts) {
   return text;
 }
 
-void restoreCheckboxState(QCheckBox& checkbox, const char* key) {
-  checkbox.setChecked(QSettings().value(QLatin1String(key), false).toBool());
-}
-
-void storeCheckboxState(const QCheckBox& sender, const char* key) {
-  QSettings settings;
-  settings.setValue(QLatin1String(key), sender.isChecked());
-  settings.sync();
-}
-
 }  // namespace
 
 ViewController::ViewController(AppDelegate* appDelegate)
@@ -65,8 +56,8 @@ void ViewController::viewDidLoad() {
   dropView->delegate = this;
   // The text colour stays the palette's, so that it follows the theme.
   logView->setFont(logFont);
-  restoreCheckboxState(*subfolderCheckbox, subfolderKey);
-  restoreCheckboxState(*overwriteCheckbox, overwriteKey);
+  subfolderCheckbox->setChecked(preference(subfolderKey));
+  overwriteCheckbox->setChecked(preference(overwriteKey));
   progressIndicator->setRange(0, progressSteps);
   progressIndicator->setValue(0);
   statusLabel->setText(qtText(localised("Ready.")));
@@ -99,6 +90,16 @@ void ViewController::stop() {
   driver_.stop();
 }
 
+void ViewController::stopToQuit() {
+  isQuitting_ = true;
+  stopRun();
+}
+
+void ViewController::stopRun() {
+  driver_.stopRun();
+  showChanges();
+}
+
 QWidget* ViewController::window() const {
   return dropView->window();
 }
@@ -110,6 +111,7 @@ BatchOptions ViewController::options() const {
 
 void ViewController::runStarted() {
   logView->startRun();
+  showHint({});
   changes_.counts = true;
 }
 
@@ -124,6 +126,17 @@ void ViewController::setProgress(double fraction) {
 void ViewController::appendLog(const LogEntry& entry) {
   logView->append(entry);
   changes_.counts = true;
+  if (isQuitting_ && entry.outcome == Outcome::failed)
+    std::fprintf(stderr, "corvana: %s\n", entry.screenText().c_str());
+}
+
+void ViewController::reportCounterparts(std::int64_t count) {
+  showHint(qtText(localisedCount(
+      "%ld file lies beside one of the same name in the other format, perhaps an earlier output, "
+      "and is converted as well. You can stop the run; outputs in subfolders stay apart.",
+      "%ld files lie beside one of the same name in the other format, perhaps an earlier output, "
+      "and are converted as well. You can stop the run; outputs in subfolders stay apart.",
+      count)));
 }
 
 void ViewController::confirmReplacingInputs(const NameClash& example,
@@ -146,7 +159,15 @@ void ViewController::showChanges() {
     progressIndicator->setValue(static_cast<int>(std::lround(*changes.progress * progressSteps)));
   logView->showAppended();
   announceRun();
-  if (!changes.counts) return;
+  if (changes.counts) showCounts();
+  if (changes.status) readAloud();
+  const bool isRunning = driver_.totalFiles() > 0;
+  stopButton->setVisible(isRunning);
+  stopButton->defaultAction()->setEnabled(isRunning && !driver_.isStoppingRun());
+  if (std::exchange(showsRun_, isRunning) && !isRunning) emit runEnded();
+}
+
+void ViewController::showCounts() {
   const RunCounts& counts = logView->counts();
   countsButton->setText(qtText(countsText(counts)));
   countsButton->setVisible(!countsButton->text().isEmpty());
@@ -159,6 +180,16 @@ void ViewController::showChanges() {
   countsButton->setFont(font);
 }
 
+/// The start and the end of a run; in between the progress bar speaks for itself.
+void ViewController::readAloud() {
+  const bool isRunning = driver_.totalFiles() > 0;
+  const bool isNews = !isRunning || !startWasRead_;
+  startWasRead_ = isRunning;
+  if (!isNews) return;
+  statusLabel->setAccessibleDescription(isRunning ? QString() : countsButton->text());
+  statusLabel->announce();
+}
+
 void ViewController::announceRun() {
   announcer_.update(*window(), {.isRunning = driver_.totalFiles() > 0,
                                 .progress = progressIndicator->value() / double{progressSteps},
@@ -167,12 +198,24 @@ void ViewController::announceRun() {
                                 .withWarnings = logView->counts().withWarnings});
 }
 
+void ViewController::storeCheckboxState(const QCheckBox& sender, const char* key) {
+  const QString trouble = storePreference(key, sender.isChecked());
+  if (!trouble.isEmpty() && !std::exchange(saidNotStored_, true)) showHint(trouble);
+}
+
 void ViewController::subfolderChanged() {
   storeCheckboxState(*subfolderCheckbox, subfolderKey);
 }
 
 void ViewController::overwriteChanged() {
   storeCheckboxState(*overwriteCheckbox, overwriteKey);
+}
+
+void ViewController::showHint(QString hint) {
+  // A path is to have places to break at.
+  hint.replace(QLatin1Char('/'), QStringLiteral("/\u200B"));
+  hintLabel->setText(hint);
+  hintLabel->setVisible(!hint.isEmpty());
 }
 
 void ViewController::openDocument() {

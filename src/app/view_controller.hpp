@@ -4,7 +4,6 @@
 
 #include <QCheckBox>
 #include <QFont>
-#include <QLabel>
 #include <QPointer>
 #include <QProgressBar>
 #include <QToolButton>
@@ -17,6 +16,7 @@
 #include "app/qt_main_queue.hpp"
 #include "app/run_announcer.hpp"
 #include "batch/batch_driver.hpp"
+#include "update_window/news_label.hpp"
 
 namespace corvana {
 
@@ -32,8 +32,10 @@ class ViewController : public DropViewDelegate, public BatchView {
   QPointer<QCheckBox> subfolderCheckbox;
   QPointer<QCheckBox> overwriteCheckbox;
   QPointer<QProgressBar> progressIndicator;
-  QPointer<QLabel> statusLabel;
+  QPointer<NewsLabel> statusLabel;
+  QPointer<QToolButton> stopButton;    ///< seen during a run; its action stops it
   QPointer<QToolButton> countsButton;  ///< what became of the files of the last run
+  QPointer<QLabel> hintLabel;          ///< hidden while it has nothing to say
   QPointer<LogView> logView;
 
   /// Font of every log line.
@@ -49,8 +51,11 @@ class ViewController : public DropViewDelegate, public BatchView {
   /// Lets the user choose files and folders, and converts them.
   void showOpenPanel();
 
-  /// No further file is started.
+  /// No further file is started, for good (BatchDriver::stop).
   void stop();
+  /// Stops the present run, and says on standard error which file it leaves incomplete: of the
+  /// log, nobody will see the end.
+  void stopToQuit();
 
   /// The window that the views are in.
   QWidget* window() const;
@@ -64,6 +69,7 @@ class ViewController : public DropViewDelegate, public BatchView {
   void setStatus(const std::string& text) override;
   void setProgress(double fraction) override;
   void appendLog(const LogEntry& entry) override;
+  void reportCounterparts(std::int64_t count) override;
   /// Asks the user when the event loop runs next: a window that is just being made is shown then,
   /// and whoever handed the files over has been answered.
   void confirmReplacingInputs(const NameClash& example,
@@ -73,10 +79,16 @@ class ViewController : public DropViewDelegate, public BatchView {
   void showChanges();
 
  public slots:
+  /// Stops the present run (BatchDriver::stopRun).
+  void stopRun();
   void subfolderChanged();
   void overwriteChanged();
   void openDocument();
   void mnuCheckForUpdates();
+
+ signals:
+  /// The views show the end of the run.
+  void runEnded();
 
  private:
   /// What the views do not show yet.
@@ -86,11 +98,20 @@ class ViewController : public DropViewDelegate, public BatchView {
     bool counts = false;
   };
 
+  void showCounts();
   void announceRun();
+  void storeCheckboxState(const QCheckBox& sender, const char* key);
+  /// Until the next run starts.
+  void showHint(QString hint);
+  void readAloud();
 
   QPointer<AppDelegate> appDelegate_;
   Changes changes_;
+  bool showsRun_ = false;
+  bool isQuitting_ = false;
+  bool saidNotStored_ = false;
   RunAnnouncer announcer_;
+  bool startWasRead_ = false;
   QString openPanelFolder_;  // where the last panel of this run was
   QtMainQueue mainQueue_;
   BatchDriver driver_;  // last: its thread ends before its views and its queue do

@@ -17,6 +17,7 @@
 #include "update/text_search.hpp"
 #include "update/version_number.hpp"
 #include "update_window/fetch_version_file.hpp"
+#include "update_window/news_label.hpp"
 #include "update_window/spinning_wheel.hpp"
 #include "update_window/web_address.hpp"
 #include "vocabulary/text_format.hpp"
@@ -65,8 +66,9 @@ void showText(Control& control, double scale, const QString& text) {
     control.setText(control.fontMetrics().elidedText(text, Qt::ElideRight, control.width()));
 }
 
-QLabel* makeLabel(QWidget* parent, bool wraps, QFont::Weight weight) {
-  auto* label = new QLabel(parent);
+template <typename Label>
+Label* makeLabel(QWidget* parent, bool wraps, QFont::Weight weight) {
+  auto* label = new Label(parent);
   QFont font;
   font.setWeight(weight);
   label->setFont(font);
@@ -100,9 +102,9 @@ void offer(QPushButton& button, const char* toolTip, const std::u16string& addre
 
 VantorWindowController::VantorWindowController()
     : imgAppIcon(new QLabel(this)),
-      lblInfoBoldLine(makeLabel(this, false, QFont::Bold)),
-      lblInfoWithVersionNumbers(makeLabel(this, true, QFont::Normal)),
-      lblReleaseNotes(makeLabel(this, false, QFont::Bold)),
+      lblInfoBoldLine(makeLabel<NewsLabel>(this, false, QFont::Bold)),
+      lblInfoWithVersionNumbers(makeLabel<QLabel>(this, true, QFont::Normal)),
+      lblReleaseNotes(makeLabel<QLabel>(this, false, QFont::Bold)),
       scrollReleaseNotes(nullptr),
       txtDisplayReleaseNotes(new QPlainTextEdit(this)),
       progressWheel1(new SpinningWheel(this)),
@@ -162,6 +164,7 @@ void VantorWindowController::layoutControls() {
   txtDisplayReleaseNotes->setTabChangesFocus(true);
   txtDisplayReleaseNotes->setWordWrapMode(QTextOption::WrapAtWordBoundaryOrAnywhere);
   txtDisplayReleaseNotes->document()->setDocumentMargin(4);
+  txtDisplayReleaseNotes->setAccessibleName(windowTitle());
 }
 
 void VantorWindowController::startUpdateCheck(const QString& applicationName,
@@ -253,6 +256,8 @@ void VantorWindowController::showResult(const VantorErgebnis& result, int status
   }
   txtDisplayReleaseNotes->verticalScrollBar()->setValue(0);
   progressWheel1->stopAnimation();
+  lblInfoBoldLine->setAccessibleDescription(lblInfoWithVersionNumbers->text());
+  lblInfoBoldLine->announce();
 }
 
 void VantorWindowController::btnAskMeLaterPressed() {

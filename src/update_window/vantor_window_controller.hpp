@@ -16,6 +16,7 @@ class QPushButton;
 namespace corvana {
 
 class DataTask;
+class NewsLabel;
 class SpinningWheel;
 
 /// The window and what steers it. Made once, shown again at each check. Its controls carry the
@@ -58,7 +59,7 @@ class VantorWindowController : public QDialog {
   void fetch();
 
   QLabel* imgAppIcon;
-  QLabel* lblInfoBoldLine;
+  NewsLabel* lblInfoBoldLine;
   QLabel* lblInfoWithVersionNumbers;
   QLabel* lblReleaseNotes;
   QAbstractScrollArea* scrollReleaseNotes;  ///< here the text area scrolls itself: the same widget

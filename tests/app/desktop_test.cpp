@@ -3,12 +3,13 @@
 
 #include <QDBusArgument>
 #include <QDBusConnection>
+#include <QDBusMessage>
+#include <QDBusVirtualObject>
 #include <QProcess>
 #include <QTest>
 #include <gtest/gtest.h>
 
 #include "app/desktop_bus.hpp"
-#include "app/fake_desktop.hpp"
 #include "app/main_window.hpp"
 #include "app/run_announcer.hpp"
 #include "app/session_bus.hpp"
@@ -19,6 +20,28 @@ namespace corvana::test {
 namespace {
 
 constexpr int patience = 20'000;  // ms
+
+/// Takes every call that it is given, and the news of task bars.
+class FakeDesktop : public QDBusVirtualObject {
+  Q_OBJECT
+ public:
+  static constexpr uint notification = 7;  ///< every one is it
+
+  QString introspect(const QString&) const override { return {}; }
+  bool handleMessage(const QDBusMessage& message, const QDBusConnection& bus) override {
+    calls << message;
+    return bus.send(message.createReply(notification));
+  }
+
+  QList<QDBusMessage> calls;
+  std::vector<std::pair<double, bool>> progress;
+
+ public slots:
+  void updateTaskBar(const QString& application, const QVariantMap& news) {
+    EXPECT_EQ(application, "application://example.corvana.Corvana.desktop");
+    progress.emplace_back(news["progress"].toDouble(), news["progress-visible"].toBool());
+  }
+};
 
 class Desktop : public testing::Test {
  protected:
@@ -37,9 +60,7 @@ class Desktop : public testing::Test {
 
   void start(QProcess& program, const QStringList& arguments,
              const QList<std::pair<QString, QString>>& variables = {}) {
-    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-    environment.insert("DBUS_SESSION_BUS_ADDRESS", bus.address());
-    environment.insert("XDG_CONFIG_HOME", (folder / "config").c_str());
+    QProcessEnvironment environment = environmentOn(bus, folder);
     for (const auto& [name, value] : variables)
       environment.insert(name, value);
     program.setProcessEnvironment(environment);
@@ -65,8 +86,7 @@ class Desktop : public testing::Test {
     }
   }
 
-  template <typename Condition>
-  static void waitFor(Condition condition) {
+  static void waitFor(const std::function<bool()>& condition) {
     EXPECT_TRUE(QTest::qWaitFor(condition, patience));
   }
 
@@ -167,3 +187,5 @@ TEST_F(Desktop, TheProgramShowsItsRunsInTheTaskBar) {
 
 }  // namespace
 }  // namespace corvana::test
+
+#include "desktop_test.moc"

@@ -8,13 +8,12 @@
 #include <filesystem>
 #include <vector>
 
-#include "app/drop_view.hpp"
 #include "app/qt_values.hpp"
 
 namespace corvana::test {
 
 /// Whether the view takes the drag.
-inline bool enter(DropView& view, const QMimeData& data,
+inline bool enter(QWidget& view, const QMimeData& data,
                   Qt::DropActions actions = Qt::CopyAction | Qt::MoveAction) {
   QDragEnterEvent event(view.rect().center(), actions, &data, Qt::LeftButton, Qt::NoModifier);
   QApplication::sendEvent(&view, &event);
@@ -23,7 +22,7 @@ inline bool enter(DropView& view, const QMimeData& data,
 }
 
 /// Whether the view takes the movement of a drag and the drop after it.
-inline bool drop(DropView& view, const QMimeData& data) {
+inline bool drop(QWidget& view, const QMimeData& data) {
   const QPoint end = view.rect().center();
   const Qt::DropActions actions = Qt::CopyAction | Qt::MoveAction;
   QDragMoveEvent move(end, actions, &data, Qt::LeftButton, Qt::NoModifier);
@@ -36,7 +35,7 @@ inline bool drop(DropView& view, const QMimeData& data) {
   return move.isAccepted() && drop.isAccepted();
 }
 
-inline void dragAndDrop(DropView& view, const std::vector<std::filesystem::path>& paths) {
+inline void dragAndDrop(QWidget& view, const std::vector<std::filesystem::path>& paths) {
   QMimeData data;
   QList<QUrl> urls;
   for (const std::filesystem::path& path : paths)

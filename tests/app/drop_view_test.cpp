@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include "app/drags.hpp"
+#include "app/quiet_colour.hpp"
 
 namespace corvana::test {
 namespace {
@@ -60,23 +61,63 @@ TEST(DropView, OutlivesItsDelegate) {
   QCoreApplication::processEvents();
 }
 
-TEST(DropView, DrawsItsFrameAndTheTintOfADragItTakes) {
-  DropView view;
-  view.resize(200, 100);
-  QPalette theme(Qt::black, Qt::black);
-  theme.setColor(QPalette::PlaceholderText, Qt::green);
-  theme.setColor(QPalette::Highlight, Qt::red);
-  view.setPalette(theme);
-  const QImage resting = view.grab().toImage();
-  EXPECT_EQ(resting.pixelColor(100, 50), QColor(Qt::black));
-  const auto inFrame = [&](int x) { return resting.pixelColor(x, DropView::inset).green() > 0; };
-  EXPECT_TRUE(inFrame(20) || inFrame(26)) << "dashed";
-  QMimeData data;
-  data.setUrls({QUrl("file:///tmp/a.wav")});
-  EXPECT_FALSE(enter(view, data, Qt::MoveAction)) << "the other program would delete the file";
-  EXPECT_EQ(view.grab().toImage(), resting);
-  enter(view, data);
-  EXPECT_GT(view.grab().toImage().pixelColor(100, 50).red(), 0);
+TEST(DropView, TakesDropsForItsWindowAndSeesASourceDie) {
+  QWidget window;
+  auto* view = new DropView(&window);
+  Receiver receiver;
+  view->delegate = &receiver;
+  view->takeDropsOn(window);
+  window.show();
+  QMimeData files;
+  files.setUrls({QUrl("file:///tmp/a.wav")});
+  EXPECT_TRUE(enter(window, files));
+  EXPECT_TRUE(view->isHighlighted());
+  QEnterEvent pointerIsFree({}, {}, {});
+  QApplication::sendEvent(window.windowHandle(), &pointerIsFree);
+  EXPECT_FALSE(view->isHighlighted());
+  EXPECT_TRUE(drop(window, files)) << "the next drag begins with a movement";
+  QCoreApplication::processEvents();
+  EXPECT_EQ(receiver.received.size(), 1U);
+}
+
+TEST(DropView, CanBeSeenInEveryTheme) {
+  const QColor faint(0, 0, 0,
+                     128);  // what some desktops have as placeholder colour on every ground
+  const struct {
+    QColor ground, text, placeholder, highlight;
+  } themes[] = {{Qt::white, Qt::black, faint, Qt::blue},
+                {{0x2b, 0x2d, 0x30}, {0xe4, 0xe4, 0xe6}, faint, {0x3d, 0x7a, 0xb8}},
+                {Qt::black, Qt::white, Qt::black, Qt::yellow},
+                {Qt::gray, Qt::black, Qt::gray, Qt::darkGray},
+                {Qt::black, Qt::white, Qt::green, Qt::red}};
+  for (const auto& [ground, text, placeholder, highlight] : themes) {
+    SCOPED_TRACE(ground.name().toStdString() + placeholder.name().toStdString());
+    QPalette theme(ground, ground);
+    theme.setColor(QPalette::WindowText, text);
+    theme.setColor(QPalette::PlaceholderText, placeholder);
+    theme.setColor(QPalette::Highlight, highlight);
+    DropView view;
+    view.resize(200, 100);
+    view.setPalette(theme);
+    const auto frameContrast = [](const QImage& picture, QPoint beside) {
+      double best = 1;  // of a dash or a gap
+      for (int x = 20; x < 40; ++x)
+        best = std::max(
+            best, contrast(picture.pixelColor(x, DropView::inset), picture.pixelColor(beside)));
+      return best;
+    };
+    const QImage resting = view.grab().toImage();
+    EXPECT_GE(frameContrast(resting, {100, 50}), 3);
+    QMimeData data;
+    data.setUrls({QUrl("file:///tmp/a.wav")});
+    EXPECT_FALSE(enter(view, data, Qt::MoveAction)) << "the other program would delete the file";
+    EXPECT_EQ(view.grab().toImage(), resting);
+    enter(view, data);
+    const QImage highlighted = view.grab().toImage();
+    EXPECT_NE(highlighted.pixelColor(100, 50), ground);
+    EXPECT_GE(frameContrast(highlighted, {100, 50}), 3);
+    EXPECT_GE(frameContrast(highlighted, {100, 1}), 3);
+  }
 }
 
 }  // namespace

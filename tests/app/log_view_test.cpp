@@ -15,12 +15,15 @@
 #include <QToolTip>
 #include <gtest/gtest.h>
 
+#include "app/isolates.hpp"
 #include "app/main_window.hpp"
 #include "support/audio_builder.hpp"
 #include "support/temporary_folder.hpp"
 
 namespace corvana::test {
 namespace {
+
+using namespace std::string_literals;
 
 constexpr int patience = 20'000;  // ms
 
@@ -126,43 +129,34 @@ TEST_F(Log, CountsARunAndLeadsThroughItsProblems) {
   EXPECT_EQ(selected(), c);
 }
 
-TEST_F(Log, CountsTheFilesOfTheDriver) {
+TEST_F(Log, KnowsTheFilesOfTheDriver) {
   const TemporaryFolder folder;
   folder.write("a.wav", wav({fmt({}), data(ByteBuffer(8))}));
-  folder.write("b.wav", "something else");
-  for (int run = 0; run < 2; ++run) {
-    window.controller().processURLs({folder / "a.wav", folder / "b.wav"});
-    EXPECT_TRUE(
-        QTest::qWaitFor([&] { return window.controller().driver().totalFiles() == 0; }, patience));
-    EXPECT_EQ(counts.text(), "1 converted · 1 failed");
-  }
-  const auto files = [&](int line) {
-    choose(line);
-    return log.chosenFiles();
-  };
-  EXPECT_EQ(files(0), std::vector{folder / "a.aif"});
-  EXPECT_EQ(files(1), std::vector{folder / "b.wav"}) << "there is no output";
-  EXPECT_EQ(files(2), std::vector{folder / "a (1).aif"});
+  folder.write("a.aif", "something else");
+  window.controller().processURLs({folder / "a.aif", folder / "a.wav"});
+  EXPECT_TRUE(QTest::qWaitFor([&] { return log.document()->blockCount() == 3; }, patience));
+  log.selectAll();
+  EXPECT_EQ(log.chosenFiles(), (std::vector{folder / "a.aif", folder / "a (1).aif"}));
 }
 
 TEST_F(Log, SelectionStaysAndTheEndIsShownWhenTheLogGrows) {
   for (int i = 0; i < 100; ++i)
     add({converted("entry")});
-  const auto isKept = [&](int anchor, int position) {
-    QTextCursor selection = log.textCursor();
-    selection.setPosition(anchor);
-    selection.setPosition(position, QTextCursor::KeepAnchor);
-    log.setTextCursor(selection);
-    add({converted("last")});
-    EXPECT_EQ(log.textCursor().anchor(), anchor);
-    EXPECT_EQ(log.textCursor().position(), position);
-    EXPECT_TRUE(isAtEnd());
-  };
-  isKept(0, 5);
-  log.selectAll();
-  isKept(0, log.textCursor().position());
-  log.selectAll();
-  isKept(log.textCursor().position(), 0);
+  for (const bool isWhole : {false, true}) {
+    for (const bool isBackward : {false, true}) {
+      QTextCursor selection(log.document());
+      selection.movePosition(isWhole ? QTextCursor::End : QTextCursor::EndOfWord);
+      const int start = isBackward ? selection.position() : 0;
+      const int end = selection.position() - start;
+      selection.setPosition(start);
+      selection.setPosition(end, QTextCursor::KeepAnchor);
+      log.setTextCursor(selection);
+      add({converted("last")});
+      EXPECT_EQ(std::pair(log.textCursor().anchor(), log.textCursor().position()),
+                std::pair(start, end));
+      EXPECT_TRUE(isAtEnd());
+    }
+  }
 }
 
 TEST_F(Log, NoNameAddsALine) {
@@ -190,15 +184,38 @@ TEST_F(Log, WrapsWarningsBelowTheirText) {
   EXPECT_LT(line(1, 1).width(), line(1, 0).width());
 }
 
-TEST_F(Log, NamesDoNotTurnAnEntryAround) {
-  add({converted("תוף"), converted("drum")});
-  const auto start = [&](int block) {
-    const QTextBlock line = laidOut(block);
-    return line.layout()->lineAt(0).cursorToX(static_cast<int>(line.text().indexOf('[')));
-  };
-  EXPECT_GT(start(0), 50);
-  window.setLayoutDirection(Qt::RightToLeft);
-  EXPECT_GT(start(1), log.viewport()->width() / 2) << "begins at the right";
+TEST_F(Log, PartsOfAnEntryKeepTheirOrderAndTheTextHasNoMarks) {
+  std::string text;
+  for (const auto direction : {Qt::LeftToRight, Qt::RightToLeft}) {
+    window.setLayoutDirection(direction);
+    for (const std::string name : {"תוף 2", "2 طبل 12", "drum"}) {
+      const LogEntry entry = converted(name, {"1"});
+      add({entry});
+      text += entry.lines[0] + '\n' + entry.lines[1] + '\n';
+      const QTextBlock block = laidOut(log.document()->blockCount() - 3);
+      const QTextLine line = block.layout()->lineAt(0);
+      int end = 0;
+      qreal edge = -10;  // of the parts before, from where the line begins
+      for (const std::string& part : {name + ".wav", "=>"s, name + ".aif", "[16-bit]"s}) {
+        const int start = static_cast<int>(block.text().indexOf(part.c_str(), end));
+        end = start + static_cast<int>(QString(part.c_str()).size());
+        std::vector<qreal> edges;
+        for (int i = start; i < end; ++i)
+          for (const auto side : {QTextLine::Leading, QTextLine::Trailing})
+            edges.push_back(std::abs(line.cursorToX(i, side) -
+                                     (direction == Qt::LeftToRight ? 0 : line.width())));
+        const auto [nearest, furthest] = std::minmax_element(edges.begin(), edges.end());
+        EXPECT_GE(*nearest, std::exchange(edge, *furthest) - 0.5) << part << " in " << text;
+      }
+    }
+  }
+  EXPECT_EQ(log.text().toStdString(), text);
+  log.selectAll();
+  log.copy();
+  EXPECT_EQ(clipboard().toStdString(), text);
+  press(Qt::Key_F, Qt::ControlModifier);
+  QTest::keyClicks(window.findChild<FindBar*>()->findChild<QLineEdit*>(), "12.aif  [16");
+  EXPECT_EQ(withoutIsolates(selected()), "12.aif  [16");
 }
 
 TEST_F(Log, EndStaysInSightWhenTheWindowChanges) {
@@ -299,12 +316,13 @@ TEST_F(Log, FindsTexts) {
   QTest::keyClick(field, Qt::Key_Backspace);
   const auto line = [&] { return log.textCursor().blockNumber(); };
   EXPECT_EQ(line(), 2);
-  for (const int expected : {2, 0, 0, 2}) {  // each name stands twice in its line
-    QTest::keyClick(field, Qt::Key_Return);
-    EXPECT_EQ(line(), expected);
+  for (const auto& [modifier, expected] : {std::pair(Qt::NoModifier, 2),
+                                           {Qt::NoModifier, 0},
+                                           {Qt::NoModifier, 0},
+                                           {Qt::ShiftModifier, 0}}) {
+    QTest::keyClick(field, Qt::Key_Return, modifier);
+    EXPECT_EQ(line(), expected) << "each name stands twice in its line";
   }
-  QTest::keyClick(field, Qt::Key_Return, Qt::ShiftModifier);
-  EXPECT_EQ(line(), 0);
   QTest::keyClicks(field, "x");
   EXPECT_TRUE(bar->findChild<QLabel*>()->isVisible());
   QTest::keyClick(field, Qt::Key_Escape);

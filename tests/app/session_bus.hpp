@@ -4,6 +4,8 @@
 #include <QProcess>
 #include <QStandardPaths>
 
+#include "support/temporary_folder.hpp"
+
 namespace corvana::test {
 
 /// Ends with the object.
@@ -31,5 +33,14 @@ class SessionBus {
   QProcess daemon_;
   QString address_ = "disabled:";
 };
+
+/// For a program on that bus, in English, with preferences of its own.
+inline QProcessEnvironment environmentOn(const SessionBus& bus, const TemporaryFolder& folder) {
+  QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+  environment.insert("DBUS_SESSION_BUS_ADDRESS", bus.address());
+  environment.insert("XDG_CONFIG_HOME", (folder / "config").c_str());
+  environment.insert("LANGUAGE", "en");
+  return environment;
+}
 
 }  // namespace corvana::test

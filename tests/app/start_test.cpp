@@ -20,11 +20,7 @@ class Start : public testing::Test {
  protected:
   void start(QProcess& program, const QStringList& arguments,
              const QString& executable = CORVANA_PROGRAM) {
-    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-    environment.insert("DBUS_SESSION_BUS_ADDRESS", bus.address());
-    environment.insert("XDG_CONFIG_HOME", (folder / "config").c_str());
-    environment.insert("LANGUAGE", "en");
-    program.setProcessEnvironment(environment);
+    program.setProcessEnvironment(environmentOn(bus, folder));
     program.setWorkingDirectory(folder.path().c_str());
     program.start(executable, arguments);
     ASSERT_TRUE(program.waitForStarted(patience));
@@ -87,13 +83,21 @@ TEST_F(Start, EveryStartHasAWindowWithoutASessionBus) {
 
 TEST_F(Start, AnswersOptions) {
   const std::string version = bundleValue(mainBundleInfo(), bundleVersionKey);
-  for (const auto& [option, status, output] :
-       {std::tuple("--version", 0, "Corvana " + version + "\n"),
-        {"--help", 0, "Usage: "},
-        {"--x\x1b\n", 1, "Corvana: Unknown option 'x\uFFFD\uFFFD'.\n"}}) {
+  const char* withScreen = "QT_QPA_PLATFORM=offscreen";
+  const char* withoutScreen = "QT_QPA_PLATFORM=";
+  for (const auto& [screen, option, status, output] :
+       {std::tuple(withScreen, "--version", 0, "Corvana " + version + "\n"),
+        {withScreen, "--help-all", 0, "--platform "},
+        {withScreen, "--x\x1b\n", 1, "Corvana: Unknown option 'x\uFFFD\uFFFD'.\n"},
+        {withoutScreen, "-v", 0, "Corvana " + version + "\n"},
+        {withoutScreen, "--help", 0, "Usage: "},
+        {withoutScreen, "--x", 1, "Corvana: Unknown option 'x'.\n"},
+        {withoutScreen, "1.wav", 1, "Corvana: There is no screen to show a window on."}}) {
     QProcess program;
     program.setProcessChannelMode(QProcess::MergedChannels);
-    start(program, {option});
+    start(program,
+          {"-uDISPLAY", "-uWAYLAND_DISPLAY", "-uXDG_SESSION_TYPE", screen, CORVANA_PROGRAM, option},
+          "env");
     EXPECT_TRUE(program.waitForFinished(patience));
     EXPECT_EQ(program.exitCode(), status) << option;
     EXPECT_TRUE(program.readAll().contains(output.c_str())) << option;

@@ -3,14 +3,16 @@
 #include <QClipboard>
 #include <QElapsedTimer>
 #include <QFileDialog>
+#include <QMessageBox>
 #include <QPushButton>
 #include <QSettings>
 #include <gtest/gtest.h>
 #include <optional>
 
-#include "app/clash_question.hpp"
 #include "app/drags.hpp"
+#include "app/help_window.hpp"
 #include "app/main_window.hpp"
+#include "app/paste_files.hpp"
 #include "support/audio_builder.hpp"
 #include "support/temporary_folder.hpp"
 #include "update_window/check_for_updates.hpp"
@@ -52,7 +54,7 @@ class Window : public testing::Test {
   void waitForEnd() {
     EXPECT_TRUE(QTest::qWaitFor([&] { return controller().driver().totalFiles() == 0; }, patience));
   }
-  QList<ClashQuestion*> questions() { return window->findChildren<ClashQuestion*>(); }
+  QList<QMessageBox*> questions() { return window->findChildren<QMessageBox*>(); }
   void waitForQuestions(int count) {
     ASSERT_TRUE(QTest::qWaitFor([&] { return questions().size() == count; }, patience));
   }
@@ -80,13 +82,15 @@ TEST_F(Window, ConvertsADroppedFolder) {
   folder.write("Set/c.txt", "no sound");
   folder.write("Set/Deep/<b>\x1B[2J\nd\xFF.wav", shortWav());
   makeWindow();
+  const int highDropView = controller().dropView->height();
   controller().processURLs({folder / "Set/c.txt"});
   EXPECT_EQ(log(), "No WAV or AIFF files found.\n");
-  dragAndDrop(*controller().dropView, {folder / "Set"});
+  dragAndDrop(*controller().logView->viewport(), {folder / "Set"});
   QCoreApplication::processEvents();
   waitForEnd();
   EXPECT_TRUE(log().contains("\n<b>\uFFFD[2J\uFFFDd\uFFFD.wav => <b>\uFFFD[2J"));
   EXPECT_TRUE(log().endsWith("\na.WAV => a.aif  [16-bit, mono, 44100 Hz]\n"));
+  EXPECT_LT(controller().dropView->height(), highDropView);
   EXPECT_EQ(controller().statusLabel->textFormat(), Qt::PlainText);
   EXPECT_EQ(controller().statusLabel->minimumSizeHint().width(), 0)
       << "a long name must not widen the window";
@@ -109,6 +113,29 @@ TEST_F(Window, ShowsTheRunAndReadsItsOptionsAtEachDrop) {
   EXPECT_TRUE(fs::exists(folder / "1.aif") && fs::exists(folder / "AIFF/1 (1).aif"));
 }
 
+TEST_F(Window, PastesCopiedFiles) {
+  makeWindow();
+  window->activateWindow();
+  ASSERT_TRUE(QTest::qWaitForWindowActive(&*window, patience));
+  const QByteArray url = urlTextOfPath(folder.write("a b\xFF.wav", shortWav())).toUtf8();
+  int pasted = 0;
+  for (const auto& [format, data, areFiles] :
+       {std::tuple("text/plain", url, false),
+        {"text/uri-list", "https://www.corvana.example/a.wav\r\n", false},
+        {"text/uri-list", url + "\r\n", true},
+        {"x-special/gnome-copied-files", "cut\n" + url, true}}) {
+    auto* copied = new QMimeData;
+    copied->setData(format, data);
+    QGuiApplication::clipboard()->setMimeData(copied);
+    EXPECT_EQ(window->findChild<PasteFilesAction*>()->isEnabled(), areFiles) << data.constData();
+    QTest::keyClick(controller().logView, Qt::Key_V, Qt::ControlModifier);
+    waitForEnd();
+    pasted += areFiles ? 1 : 0;
+    EXPECT_EQ(log().count("=>"), pasted);
+  }
+  EXPECT_TRUE(fs::exists(folder / "a b\xFF.wav")) << "cut or not";
+}
+
 TEST_F(Window, KeepsItsOptions) {
   for (const auto& [checkbox, key] :
        {std::pair(&ViewController::subfolderCheckbox, "UseAIFFSubfolder"),
@@ -123,6 +150,28 @@ TEST_F(Window, KeepsItsOptions) {
       EXPECT_EQ((controller().*checkbox)->isChecked(), checked) << key;
     }
   }
+}
+
+TEST_F(Window, HintsOnceAtOptionsThatAreLostAndAtFilesConvertedBack) {
+  makeWindow();
+  const QLabel& hint = *controller().hintLabel;
+  const QString preferences = QFileInfo(QSettings().fileName()).dir().filePath("..");
+  QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope,
+                     folder.write("file", "").c_str());
+  click(*controller().overwriteCheckbox);
+  EXPECT_TRUE(hint.text().contains("Corvana.conf”: Not a directory")) << hint.text().toStdString();
+
+  folder.write("Set/a.wav", shortWav());
+  folder.write("Set/a.aif", shortWav());
+  click(*controller().overwriteCheckbox);
+  controller().processURLs({folder / "Set", folder.write("b.wav", shortWav())});
+  EXPECT_TRUE(hint.isVisible() && hint.text().startsWith("2 files lie beside"));
+  waitForEnd();
+  controller().processURLs({folder / "b.wav"});
+  click(*controller().subfolderCheckbox);
+  EXPECT_FALSE(hint.isVisible());
+  waitForEnd();
+  QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, preferences);
 }
 
 TEST_F(Window, AsksBeforeInputsAreReplaced) {
@@ -188,18 +237,68 @@ TEST_F(Window, EachBatchHasAQuestionOfItsOwn) {
   EXPECT_FALSE(fs::exists(folder / "3 (1).aif"));
 }
 
-TEST_F(Window, EndsWithinASecondWhileConverting) {
+TEST_F(Window, StopsARunAndTakesFilesAgain) {
   const fs::path first = writeLongWav(folder, "1.wav", 1 << 30);
   makeWindow();
-  controller().processURLs({first, writeLongWav(folder, "2.wav", 1 << 30)});
+  QToolButton& stop = *controller().stopButton;
+  const QRect place = controller().logView->geometry();
+  EXPECT_FALSE(stop.isVisible() || stop.defaultAction()->isEnabled());
+  controller().processURLs({first});
   ASSERT_TRUE(QTest::qWaitFor([&] { return fs::exists(folder / "1.aif"); }, patience));
-  QElapsedTimer clock;
-  clock.start();
-  window->close();
-  window.reset();
-  EXPECT_LT(clock.elapsed(), 1000);
-  QCoreApplication::processEvents();
-  EXPECT_FALSE(fs::exists(folder / "2.aif"));
+  EXPECT_TRUE(stop.isVisible());
+  EXPECT_EQ(controller().logView->geometry(), place);
+  stop.click();
+  EXPECT_FALSE(stop.defaultAction()->isEnabled()) << "once is enough";
+  waitForEnd();
+  EXPECT_EQ(status(), "Stopped – 1 of 1 file processed.");
+  EXPECT_FALSE(stop.isVisible());
+  controller().processURLs({folder.write("2.wav", shortWav())});
+  waitForEnd();
+  EXPECT_EQ(status(), "Done – 1 file processed.");
+}
+
+TEST_F(Window, AsksBeforeItQuitsDuringARun) {
+  const fs::path input = writeLongWav(folder, "1.wav", 512 << 20);
+  const fs::path brief = folder.write("2.wav", shortWav());
+  const struct {
+    const char* answer;  ///< none: the run ends, or else the session
+    bool sessionEnds;
+    std::string status;
+    const char* said;
+  } cases[] = {
+      {"&Stop and quit", false, "Stopped – 1 of 2 files processed.", "1.aif' is incomplete.\n"},
+      {"&Continue", false, "Done – 2 files processed.", ""},
+      {nullptr, false, "Done – 2 files processed.", ""},
+      {nullptr, true, "Converting 1.wav …", ""},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.status);
+    makeWindow();
+    controller().processURLs({input, brief});
+    ASSERT_TRUE(QTest::qWaitFor([&] { return progress() > 0; }, patience));
+    if (c.sessionEnds) {
+      void* nothing[] = {nullptr, nullptr};
+      QMetaObject::activate(
+          qApp, qApp->metaObject()->indexOfSignal("commitDataRequest(QSessionManager&)"), nothing);
+    }
+    window->close();
+    window->close();
+    EXPECT_EQ(window->isVisible(), !c.sessionEnds);
+    EXPECT_EQ(questions().size(), c.sessionEnds ? 0 : 1);
+    testing::internal::CaptureStderr();
+    QElapsedTimer clock;
+    clock.start();
+    if (c.answer != nullptr) answer(c.answer);
+    if (!c.sessionEnds) waitForEnd();
+    waitForQuestions(0);
+    EXPECT_TRUE(QString::fromStdString(testing::internal::GetCapturedStderr()).contains(c.said));
+    EXPECT_EQ(status(), c.status.c_str());
+    EXPECT_EQ(window->isVisible(), c.answer == QString("&Continue"));
+    EXPECT_TRUE(log().contains(c.said));
+    window.reset();
+    EXPECT_TRUE(clock.elapsed() < 1000 || c.said[0] == 0);
+    fs::remove(folder / "1.aif");
+  }
 }
 
 TEST_F(Window, IsUsableByKeyboardAndMenu) {
@@ -218,8 +317,19 @@ TEST_F(Window, IsUsableByKeyboardAndMenu) {
   press(Qt::Key_C);
   EXPECT_EQ(QGuiApplication::clipboard()->text(), "entry\n");
   for (QAction* action : window->findChildren<QAction*>())
-    if (action->text().contains("Check for &Updates")) action->trigger();
+    if (action->text().contains("Check for &Updates") || action->text() == "&About Corvana")
+      action->trigger();
   EXPECT_EQ(VantorWindowController::sharedController().isVisible(), offersUpdateCheck());
+  const QString about = QApplication::activeModalWidget()->findChildren<QLabel*>().last()->text();
+  EXPECT_TRUE(about.contains(qVersion()) && about.contains("href=\"https://"))
+      << about.toStdString();
+  QApplication::activeModalWidget()->close();
+  QTest::keyClick(&*window, Qt::Key_F1);
+  auto& help = *window->findChild<HelpWindow*>();
+  EXPECT_TRUE(help.findChild<QTextBrowser*>()->toPlainText().contains("Shift+F3"));
+  QTest::keyClick(&help, Qt::Key_Escape);
+  EXPECT_FALSE(help.isVisible());
+  window->activateWindow();
   press(Qt::Key_O);
   window->findChild<QFileDialog*>()->reject();
   press(Qt::Key_Q);

@@ -1,3 +1,4 @@
+#include <QAccessible>
 #include <QDesktopServices>
 #include <QLabel>
 #include <QPlainTextEdit>
@@ -235,26 +236,32 @@ TEST_F(UpdateWindow, AsksTheServerAndGivesUpAtASecondCheckOrWhenClosed) {
   EXPECT_EQ(shown(), latest + "off|off");
 }
 
-/// The texts of all states in `language`. None may be cut off in its fixed frame.
-QStringList wholeTexts(const char* language) {
+/// The texts of all states in `language`, each with a name for screen readers. None may be cut off
+/// in its fixed frame.
+QStringList wholeTexts(const char* language, bool isUsualSize = true) {
   qputenv("LC_ALL", "C.UTF-8");
   qputenv("LANGUAGE", language);
   useSystemLanguage(CORVANA_PROGRAM_FOLDER);
   VantorWindowController window;
   window.startUpdateCheck("Corvana", "1.10.12", "https://127.0.0.1:1/");
+  EXPECT_EQ(window.findChild<QLabel*>("lblInfoBoldLine")->font().pixelSize() > 15,
+            QApplication::font().pointSize() > 10);
   QStringList texts = {window.windowTitle()};
+  const auto* area = window.findChild<QPlainTextEdit*>();
   const auto collect = [&] {
-    for (const auto* control : window.findChildren<QWidget*>()) {
+    for (auto* control : window.findChildren<QWidget*>()) {
       const QString text = control->property("text").toString();
       const int flags = control->property("wordWrap").toBool() ? Qt::TextWordWrap : 0;
       const QSize needed = control->fontMetrics().boundingRect(control->rect(), flags, text).size();
-      EXPECT_EQ(needed.boundedTo(control->size()), needed) << text.toStdString();
-      EXPECT_TRUE(text.isEmpty() || control->font().pixelSize() >= 10) << text.toStdString();
+      EXPECT_TRUE(text.isEmpty() || (needed.boundedTo(control->size()) == needed &&
+                                     (!isUsualSize || control->font().pixelSize() >= 10)))
+          << text.toStdString();
       EXPECT_FALSE(text.isEmpty() && control->inherits("QPushButton"));
+      const QString name = QAccessible::queryAccessibleInterface(control)->text(QAccessible::Name);
+      EXPECT_EQ(name.isEmpty(), text.isEmpty() && control != area) << text.toStdString();
       texts += {text, control->toolTip()};
     }
-    const auto* area = window.findChild<QPlainTextEdit*>();
-    EXPECT_EQ(area->verticalScrollBar()->maximum(), 0) << area->toPlainText().toStdString();
+    EXPECT_TRUE(!isUsualSize || area->verticalScrollBar()->maximum() == 0);
     texts += area->toPlainText().split('\n');
   };
   collect();
@@ -266,7 +273,15 @@ QStringList wholeTexts(const char* language) {
   return texts;
 }
 
-TEST(UpdateWindowTexts, AreWholeAndTranslated) {
+TEST(UpdateWindowTexts, AreWholeInEverySizeAndTranslated) {
+  const QFont usual = QApplication::font();
+  for (const int points : {8, 20}) {
+    QFont font = usual;
+    font.setPointSize(points);
+    QApplication::setFont(font);
+    wholeTexts("en", false);
+  }
+  QApplication::setFont(usual);
   const QStringList german = wholeTexts("de");
   const QStringList english = wholeTexts("en");
   ASSERT_EQ(english.size(), german.size());
