@@ -1,9 +1,8 @@
-# What the compiler's linker and the system have beyond POSIX. The answers go to the sources as
+# What the linker and the system have beyond POSIX. The answers go to the sources as
 # definitions CORVANA_HAS_…; without the thing each of them has a way in POSIX alone. Names that
 # POSIX knows and that a system writes differently are mended here too.
 option(CORVANA_POSIX_ONLY "Take no way but that of POSIX, as if every check had failed" OFF)
 include(CheckCXXSourceCompiles)
-include(CheckCXXSymbolExists)
 include(CheckIncludeFileCXX)
 include(CheckLinkerFlag)
 include(CheckStructHasMember)
@@ -18,11 +17,11 @@ endif()
 
 add_library(corvana_system INTERFACE)
 
-# corvana_system_check(NAME CHECK ARGUMENT…): CHECK gets the arguments and the name of its result.
-function(corvana_system_check name check)
+# corvana_system_check(NAME PROGRAM): whether the program can be built.
+function(corvana_system_check name program)
   set(found 0)
   if(NOT CORVANA_POSIX_ONLY)
-    cmake_language(CALL ${check} ${ARGN} CORVANA_HAS_${name})
+    check_cxx_source_compiles("${program}" CORVANA_HAS_${name})
     if(CORVANA_HAS_${name})
       set(found 1)
     endif()
@@ -30,34 +29,39 @@ function(corvana_system_check name check)
   target_compile_definitions(corvana_system INTERFACE CORVANA_HAS_${name}=${found})
 endfunction()
 
-corvana_system_check(FALLOCATE check_cxx_source_compiles "
+corvana_system_check(FALLOCATE "
   #include <fcntl.h>
   int main() { return ::fallocate(0, FALLOC_FL_KEEP_SIZE, 0, 1); }")
-corvana_system_check(RENAMEAT2 check_cxx_source_compiles "
+corvana_system_check(RENAMEAT2 "
   #include <cstdio>
   int main() { return ::renameat2(0, \"\", 0, \"\", RENAME_NOREPLACE); }")
-# Open links and folders that are not to be read. Elsewhere O_PATH says less of links.
-corvana_system_check(O_PATH check_cxx_source_compiles "
-  #include <fcntl.h>
-  #ifndef __linux__
-  #error
-  #endif
-  int main() { return ::open(\"\", O_PATH | O_NOFOLLOW); }")
-corvana_system_check(MEMFD check_cxx_symbol_exists memfd_create sys/mman.h)
-corvana_system_check(ENTRY_TYPES check_cxx_source_compiles "
+corvana_system_check(MEMFD "
+  #include <sys/mman.h>
+  int main() { return ::memfd_create(\"\", MFD_CLOEXEC); }")
+corvana_system_check(ENTRY_TYPES "
   #include <dirent.h>
   int main() { return dirent{}.d_type == DT_UNKNOWN ? DT_DIR : 0; }")
-corvana_system_check(NAMED_THREADS check_cxx_source_compiles "
+corvana_system_check(NAMED_THREADS "
   #include <pthread.h>
   int main() { return ::pthread_setname_np(::pthread_self(), \"\"); }")
-corvana_system_check(ERROR_NAMES check_cxx_symbol_exists strerrorname_np cstring)
-corvana_system_check(LINK_TO_PROGRAM check_cxx_source_compiles "
-  #ifndef __linux__  // /proc/self/exe
-  #error
-  #endif
-  int main() {}")
-corvana_system_check(MEMORY_FAILURES check_cxx_symbol_exists BUS_MCEERR_AR csignal)
-corvana_system_check(GNU_C_LIBRARY check_cxx_symbol_exists gnu_get_libc_version gnu/libc-version.h)
+corvana_system_check(ERROR_NAMES "
+  #include <cstring>
+  int main() { return ::strerrorname_np(0) == nullptr; }")
+corvana_system_check(MEMORY_FAILURES "
+  #include <csignal>
+  int main() { return BUS_MCEERR_AR + BUS_MCEERR_AO; }")
+corvana_system_check(GNU_C_LIBRARY "
+  #include <gnu/libc-version.h>
+  int main() { return ::gnu_get_libc_version() == nullptr; }")
+# What others have under the name of O_PATH says less of links, and their /proc has another layout.
+foreach(linux O_PATH LINK_TO_PROGRAM)
+  corvana_system_check(${linux} "
+    #include <fcntl.h>
+    #ifndef __linux__
+    #error
+    #endif
+    int main() { return O_PATH; }")
+endforeach()
 
 # macOS.
 check_struct_has_member("struct stat" st_mtimespec sys/stat.h CORVANA_HAS_ST_MTIMESPEC LANGUAGE CXX)
