@@ -46,7 +46,7 @@ typedef enum corvana_status {
 /// Why a call failed. Filled where the status is CORVANA_BAD_ARGUMENT or above, else left alone.
 /// Wherever a function takes one it may be null.
 typedef struct corvana_error {
-  size_t struct_size;
+  size_t struct_size;  ///< of the caller's struct, in bytes
   /// "format-tag", "data-chunk-missing" and so on; "bad-argument", "out-of-memory", "stopped" or
   /// "internal-error" for what is not the file's fault.
   const char* code;
@@ -91,10 +91,10 @@ typedef struct corvana_file corvana_file;
 
 /// Format, key and tuning. Everything as the file states it, 0 where it states nothing usable.
 typedef struct corvana_file_info {
-  size_t struct_size;
-  uint32_t format;       ///< CORVANA_WAV or CORVANA_AIFF (AIFF-C too)
-  uint32_t sample_kind;  ///< CORVANA_SAMPLES_…
-  uint32_t channels;
+  size_t struct_size;         ///< of the caller's struct, in bytes
+  uint32_t format;            ///< CORVANA_WAV or CORVANA_AIFF (AIFF-C too)
+  uint32_t sample_kind;       ///< CORVANA_SAMPLES_…
+  uint32_t channels;          ///< samples in a frame
   uint32_t bits;              ///< that count, per sample
   uint32_t sample_bytes;      ///< that a sample takes; 0 where samples are not of equal size
   uint32_t is_big_endian;     ///< order of the bytes of a sample: 1 or 0
@@ -124,7 +124,7 @@ typedef struct corvana_file_info {
 
 /// A loop that is not switched off.
 typedef struct corvana_loop {
-  size_t struct_size;
+  size_t struct_size;    ///< of the caller's struct, in bytes
   int64_t start;         ///< first frame; CORVANA_NONE where the marker is missing
   int64_t end;           ///< last frame, inclusive in both formats; CORVANA_NONE likewise
   int64_t type;          ///< as in the file: loop type or play mode
@@ -140,9 +140,9 @@ typedef struct corvana_loop {
 
 /// A marker of an AIFF file, a cue point of a WAV file.
 typedef struct corvana_marker {
-  size_t struct_size;
-  int64_t id;
-  int64_t position;  ///< the frame that follows it
+  size_t struct_size;  ///< of the caller's struct, in bytes
+  int64_t id;          ///< not always unique
+  int64_t position;    ///< the frame that follows it
   int64_t length;  ///< of the stretch that it begins, in frames; CORVANA_NONE where it begins none
   const char* name;  ///< may be empty, and may hold whatever the file does, zeros included
   size_t name_size;  ///< bytes
@@ -178,22 +178,22 @@ typedef struct corvana_plan corvana_plan;
 
 /// What a conversion will make.
 typedef struct corvana_plan_info {
-  size_t struct_size;
-  uint32_t format;       ///< of the output
-  uint32_t sample_rate;  ///< of the output, in Hz
-  uint64_t output_size;  ///< bytes, of the whole output
-  uint64_t frames;
-  uint64_t warning_count;
-  const char* summary;  ///< "16-bit, stereo, 44100 Hz, root key 60 (+12 ct), 2 loops"
-  size_t summary_size;  ///< bytes
+  size_t struct_size;      ///< of the caller's struct, in bytes
+  uint32_t format;         ///< of the output
+  uint32_t sample_rate;    ///< of the output, in Hz
+  uint64_t output_size;    ///< bytes, of the whole output
+  uint64_t frames;         ///< that are converted
+  uint64_t warning_count;  ///< that corvana_plan_get_warning gives
+  const char* summary;     ///< "16-bit, stereo, 44100 Hz, root key 60 (+12 ct), 2 loops"
+  size_t summary_size;     ///< bytes
 } corvana_plan_info;
 
 /// Something that the output cannot keep exactly.
 typedef struct corvana_warning {
-  size_t struct_size;
-  const char* code;  ///< "loop-backward" for example
-  const char* text;  ///< what a person reads, in English
-  size_t text_size;  ///< bytes
+  size_t struct_size;  ///< of the caller's struct, in bytes
+  const char* code;    ///< "loop-backward" for example
+  const char* text;    ///< what a person reads, in English
+  size_t text_size;    ///< bytes
 } corvana_warning;
 
 /// Plans to convert the complete content of a WAV file into an AIFF file, or of an AIFF or AIFF-C
