@@ -1,6 +1,5 @@
 # Run by cpack when the files of all packages are in place: makes of them what Debian expects.
 set(here ${CPACK_CORVANA_SOURCES}/packaging/debian)
-include(${CPACK_CORVANA_SOURCES}/cmake/change_log.cmake)
 
 # "Copyright (c) HOLDER", an empty line, and the licence.
 file(READ ${CPACK_CORVANA_SOURCES}/LICENSE licence)
@@ -9,13 +8,13 @@ string(REGEX REPLACE "^.*Copyright [^\n]+\n\n(.*)\n$" "\\1" licence "${licence}"
 string(REPLACE "\n\n" "\n.\n" licence "${licence}")
 string(REPLACE "\n" "\n " licence " ${licence}")
 
-corvana_read_change_log(${CPACK_CORVANA_SOURCES} releases)
+file(STRINGS ${CPACK_CORVANA_SOURCES}/CHANGELOG.md releases REGEX "^## \\[[0-9]")
 set(changelog)
 foreach(release IN LISTS releases)
-  string(REPLACE "|" ";" release ${release})
-  list(GET release 0 version)
-  list(GET release 1 date)
-  execute_process(COMMAND ${CMAKE_COMMAND} -E env LC_ALL=C date --utc --rfc-email --date ${date}
+  string(REGEX MATCH "\\[(.*)\\] - (.*)" release "${release}")
+  set(version ${CMAKE_MATCH_1})
+  execute_process(
+    COMMAND ${CMAKE_COMMAND} -E env LC_ALL=C date --utc --rfc-email --date ${CMAKE_MATCH_2}
     OUTPUT_VARIABLE date OUTPUT_STRIP_TRAILING_WHITESPACE COMMAND_ERROR_IS_FATAL ANY)
   string(APPEND changelog "corvana (${version}-${CPACK_DEBIAN_PACKAGE_RELEASE}) unstable; "
     "urgency=medium\n\n  * Corvana ${version}.\n\n -- ${CPACK_PACKAGE_CONTACT}  ${date}\n\n")
@@ -28,7 +27,9 @@ foreach(component IN LISTS CPACK_COMPONENTS_ALL)
   set(documents ${files}/share/doc/${package})
   configure_file(${here}/copyright.in ${documents}/copyright @ONLY)
   file(WRITE ${documents}/changelog.Debian "${changelog}")
-  execute_process(COMMAND gzip -9 --no-name ${documents}/changelog.Debian COMMAND_ERROR_IS_FATAL ANY)
+  configure_file(${CPACK_CORVANA_SOURCES}/CHANGELOG.md ${documents}/changelog COPYONLY)
+  execute_process(COMMAND gzip -9 --no-name ${documents}/changelog.Debian ${documents}/changelog
+                  COMMAND_ERROR_IS_FATAL ANY)
   if(component STREQUAL "cli")
     # Of what is compiled into the program.
     foreach(library libcli11-dev nlohmann-json3-dev)
