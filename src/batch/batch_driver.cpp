@@ -40,10 +40,14 @@ std::string failureLine(const AudioFile& file, const Failure& failure) {
   return "✗ " + std::string(file.name()) + ": " + failure.text;
 }
 
-void setFailed(LogEntry& entry, const AudioFile& file, const std::exception& error) {
+void setFailed(LogEntry& entry, const AudioFile& file, Failure failure) {
   entry.outcome = Outcome::failed;
-  entry.failure = failureOf(error, systemLanguage());
-  entry.lines = {failureLine(file, entry.failure)};
+  entry.lines = {failureLine(file, failure)};
+  entry.failure = std::move(failure);
+}
+
+void setFailed(LogEntry& entry, const AudioFile& file, const std::exception& error) {
+  setFailed(entry, file, failureOf(error, systemLanguage()));
 }
 
 /// The output is not as its input promises. It stays, for somebody to look at.
@@ -192,6 +196,8 @@ void BatchDriver::convertFiles(const Batch& batch) {
         reportReason(std::get<std::string>(error.values().at(0)),
                      std::generic_category().message(reasonOf(error)));
       setFailed(entry, file, error);
+    } catch (const InputClashError& error) {
+      setFailed(entry, file, {"input-clash", {error.name()}, error.what()});
     } catch (const std::exception& error) {
       setFailed(entry, file, error);
     }
@@ -208,9 +214,12 @@ void BatchDriver::convertFile(InputFolder& folder, const AudioFile& file, const 
   const bool isAIFF = input.read(detectFormat);
   entry.direction = isAIFF ? Direction::toWAV : Direction::toAIFF;
   const auto place = [&] { return folder.outputPlace(file, isAIFF, options); };
-  if (options.skipExisting && hasCurrentOutput(place(), input, isAIFF, names)) {
-    entry.outcome = Outcome::skipped;
-    return;
+  if (options.skipExisting) {
+    if (const auto current = currentOutput(place(), input, isAIFF, names)) {
+      entry.outcome = Outcome::skipped;
+      entry.output = current->native();
+      return;
+    }
   }
   for (std::string triedName;;) {
     const OutputTarget output = makeOutputURL(folder, place(), input, isAIFF, names);

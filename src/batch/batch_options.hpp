@@ -29,7 +29,7 @@ struct BatchOptions {
   /// The folder below which the tree of the inputs is built anew; empty: outputs stay beside them.
   std::filesystem::path outputFolder = {};
   bool preserveTimes = false;  ///< outputs get the times of their inputs
-  bool skipExisting = false;   ///< leave out inputs whose output is up to date (hasCurrentOutput)
+  bool skipExisting = false;   ///< leave out inputs whose output is up to date (currentOutput)
   /// Make nothing and touch nothing: the log tells what the run would do.
   bool dryRun = false;
 };

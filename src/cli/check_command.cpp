@@ -33,7 +33,7 @@ constexpr const char* footer =
     "\n"
     "Examples:\n"
     "  corvana-cli check Samples/                  a whole folder\n"
-    "  corvana-cli check --json Samples/ | jq -r 'select(.errors > 0) | .input'\n"
+    "  corvana-cli check --json Samples/ | jq -r 'select(.errorCount > 0) | .input'\n"
     "                                              the files with errors\n"
     "  corvana-cli check --json Samples/ | jq -r '.findings[]?.code' | sort | uniq -c\n"
     "                                              what there is, and how often\n";
@@ -46,9 +46,9 @@ Json checkObject(const std::string& path, const std::vector<Finding>& findings) 
     ++counts[static_cast<std::size_t>(finding.severity)];
     list.push_back(jsonOf(finding, systemLanguage()));
   }
-  object["errors"] = counts[static_cast<std::size_t>(Severity::error)];
-  object["warnings"] = counts[static_cast<std::size_t>(Severity::warning)];
-  object["notes"] = counts[static_cast<std::size_t>(Severity::note)];
+  object["errorCount"] = counts[static_cast<std::size_t>(Severity::error)];
+  object["warningCount"] = counts[static_cast<std::size_t>(Severity::warning)];
+  object["noteCount"] = counts[static_cast<std::size_t>(Severity::note)];
   object["findings"] = std::move(list);
   return object;
 }

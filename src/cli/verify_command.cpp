@@ -107,7 +107,7 @@ Verdict verify(const Arguments& arguments) {
                       localised("'%1$@' is of the same format as the input – one file has to be "
                                 "WAV, the other AIFF."),
                       arguments.output);
-    object["direction"] = fromAIFF ? "aiff-to-wav" : "wav-to-aiff";
+    object["direction"] = directionCode(fromAIFF ? Direction::toWAV : Direction::toAIFF);
     const Differences differences =
         verifyFiles(input.content(), output.content(), Producer::anyProgram, {});
     return verdictOf(differences, object, arguments.json);

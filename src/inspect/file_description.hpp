@@ -125,6 +125,9 @@ struct FileDescription {
 inline constexpr std::size_t maxTexts = 1'000;
 inline constexpr std::size_t maxTextSize = 4'096;
 
+/// Reads the body of a fmt or COMM chunk; absent where it is too short.
+std::optional<SoundFormat> describeFormatChunk(ByteView body, Container container);
+
 /// Reads whatever can be read of the complete content of a file. Never fails.
 FileDescription describeFile(ByteView file);
 

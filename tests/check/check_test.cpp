@@ -63,6 +63,7 @@ TEST(CheckFile, FindsEveryMadeFault) {
       {firstBytes(good, 51), "error container-size @4, error chunk-beyond-file @36"},
       {join({wavWith(text("PAD")), {}}), "note trailing-bytes @60"},
       {wavWith(bytes("01 02 03 04 FF FF FF FF")), "warning chunk-id @60"},
+      {wavWith(bytes("01 02 03 04 01 00 00 00 05 'junk' 00 00 00 00")), "error chunk-id @60"},
       {wav({fmt({}), silence, smpl(60, 0), smpl(60, 0)}), "warning chunk-doubled @104"},
       {wavWith(wavChunk("smpl", ByteBuffer(35))), "error chunk-too-short @60"},
       {wavWith(wavChunk("inst", ByteBuffer(6))), "error chunk-too-short @60"},
@@ -81,6 +82,8 @@ TEST(CheckFile, FindsEveryMadeFault) {
       {wav({fmt({})}), "error data-chunk-missing"},
       {wav({fmt({.channels = 0}), silence}), "error format-chunk-damaged @12"},
       {wav({fmt({.channels = 3}), silence}), "error format-chunk-damaged @12"},
+      {wav({fmt({.channels = 3}), fmt({}), silence}),
+       "warning chunk-doubled @36, error format-chunk-damaged @12"},
       {wav({fmt({.bits = 24}), silence}), "warning frame-size @12"},
       {wav({fmt({}), data({1, 2, 3})}), "warning data-not-whole-frames @46 #1"},
       {aiff({ssnd({})}), "error common-chunk-missing"},
@@ -187,6 +190,11 @@ TEST(CheckFile, CountsWhatItDoesNotKeep) {
   EXPECT_EQ(findingText(findings.back(), english),
             line("Further findings: ", maxListed - maxFindings + 1, "."));
   EXPECT_TRUE(hasErrors(findings));
+
+  ByteBuffer chunks;
+  for (std::size_t i = 0; i < maxListed; ++i)
+    appendBytes(chunks, wavChunk("junk", {}));
+  EXPECT_EQ(findingsOf(wav({chunks, fmt({}), silence})), "note not-checked");
 }
 
 }  // namespace
