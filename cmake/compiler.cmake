@@ -18,7 +18,7 @@ if(CORVANA_HARDENING AND NOT CMAKE_CXX_FLAGS MATCHES "-fsanitize")
   include(CheckPIESupported)
   check_pie_supported(LANGUAGES CXX)
   set(CMAKE_POSITION_INDEPENDENT_CODE ON)
-  # Libraries here are linked into programs only: nobody can put another function in their place.
+  # Nobody can put another function in the place of ours.
   add_compile_options(-fno-semantic-interposition -fstack-protector-strong)
   add_link_options(-Wl,-z,relro,-z,now)
   # A distribution's choice stands, whether it is among the flags or the compiler's own.

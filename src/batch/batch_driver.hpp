@@ -128,6 +128,8 @@ class BatchDriver {
                    BatchNames& names, LogEntry& entry);
   void convertInto(const OutputTarget& output, const InputFile& input, bool isAIFF,
                    const Batch& batch, const AudioFile& file, LogEntry& entry);
+  /// Why the output has not got the times of its input, if there is a reason.
+  void reportTimes(const OutputTarget& output, int errorNumber);
   void reportProgress(double fraction);
   void reportReason(const std::string& path, const std::string& reason);
 

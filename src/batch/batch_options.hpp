@@ -3,6 +3,8 @@
 
 #include <filesystem>
 
+#include "platform/files.hpp"
+
 namespace corvana {
 
 /// What happens to an input whose name another input's output would take with overwriting on.
@@ -32,6 +34,9 @@ struct BatchOptions {
   bool skipExisting = false;   ///< leave out inputs whose output is up to date (currentOutput)
   /// Make nothing and touch nothing: the log tells what the run would do.
   bool dryRun = false;
+
+  /// What the batch does to those of the files that it reads.
+  AccessTime accessTime() const { return preserveTimes ? AccessTime::stays : AccessTime::changes; }
 };
 
 }  // namespace corvana

@@ -86,7 +86,7 @@ std::optional<std::filesystem::path> currentOutput(const OutputPlace& place, con
     return std::nullopt;
   std::filesystem::path path = place.folder.path() / name;
   try {
-    const InputFile output(place.folder, name, path);
+    const InputFile output(place.folder, name, path, names.options.accessTime());
     const bool isCurrent = output.identity().modified >= input.identity().modified &&
                            output.read([&](ByteView file) { return isComplete(file, !isAIFF); });
     return isCurrent ? std::optional(std::move(path)) : std::nullopt;
@@ -112,7 +112,6 @@ OutputTarget makeOutputURL(const InputFolder& folder, const OutputPlace& place,
                       .safe = options.safe,
                       .input = input.identity(),
                       .permissions = input.permissions()};
-  if (options.preserveTimes) target.times = input.times();
   const auto isRehearsed = [&] {
     return options.dryRun && names.outputs.contain(place, target.name);
   };
