@@ -34,7 +34,7 @@ using namespace test;
 const ByteBuffer guitar =
     wav({fmt({.rate = 48000, .blockAlign = 1, .bits = 8}), data(ByteBuffer(100, 3)),
          smpl(60, 0x40000000, {{9, 2, 5, 9, 0}, {0, 1, 10, 19, 3}, {0, 77, 10, 19, 0}}),
-         cue({{77, 1}, {5, 4}}), inst(InstrumentChunk{60, -25, -6, 1, 100, 2, 120}),
+         cue({{77, 1}, {5, 4}}), inst(InstrumentChunk{60, -20, -6, 1, 100, 2, 120}),
          bytes("'LIST' 12 00 00 00 'adtl' 'labl' 06 00 00 00 05 00 00 00 'X' 00")});
 const ByteBuffer pad =
     aiff({comm({.frames = 60}), ssnd(ByteBuffer(120, 4)),
@@ -62,12 +62,12 @@ std::string described(ByteView content) {
     return spaced(error.code, error.text);
   auto i = sized<corvana_file_info>();
   EXPECT_EQ(corvana_file_get_info(file, &i), CORVANA_OK);
-  std::string text =
-      spaced(i.format, i.sample_kind, i.channels, i.bits, i.sample_bytes, i.is_big_endian,
-             i.is_unsigned, i.sample_rate, i.frames, i.data_size, i.data_offset, i.loop_count,
-             i.marker_count, "| root", i.has_root_key, i.root_key, i.root_cents, "| smpl",
-             i.has_sampler, i.unity_note, i.pitch_fraction, "| inst", i.has_instrument, i.base_note,
-             i.detune, i.low_note, i.high_note, i.low_velocity, i.high_velocity, i.gain);
+  std::string text = spaced(
+      i.format, i.sample_kind, i.channels, i.bits, i.sample_bytes, i.is_big_endian, i.is_unsigned,
+      i.sample_rate, i.frames, i.data_size, i.data_offset, i.loop_count, i.marker_count, "| root",
+      i.has_root_key, i.root_key, i.root_cents, "| smpl", i.has_sampler, i.unity_note,
+      i.pitch_fraction, "| inst", i.has_instrument, i.base_note, i.detune, i.low_note, i.high_note,
+      i.low_velocity, i.high_velocity, i.gain, i.is_contradictory);
   auto l = sized<corvana_loop>();
   for (std::size_t k = 0; corvana_file_get_loop(file, k, &l) == CORVANA_OK; ++k)
     text += "| " + spaced(l.number, l.role, l.kind, l.type, l.start,
@@ -83,12 +83,12 @@ std::string described(ByteView content) {
 
 TEST(C, TellsWhatAFileHolds) {
   EXPECT_EQ(described(guitar),
-            "1 1 1 8 1 0 1 48000 100 100 44 3 2 | root 1 60 -25 | smpl 1 60 1073741824 "
-            "| inst 1 60 -25 1 100 2 120 -6 | 1 0 3 2 5 9 0 13 9 0 0 "
+            "1 1 1 8 1 0 1 48000 100 100 44 3 2 | root 1 60 -20 | smpl 1 60 1073741824 "
+            "| inst 1 60 -20 1 100 2 120 -6 1 | 1 0 3 2 5 9 0 13 9 0 0 "
             "| 2 0 2 1 10 19 3 13 0 0 0 | 3 0 0 77 10 19 0 13 0 0 0 | 77 1  0 1 | 5 4 X 0 1 ");
   EXPECT_EQ(described(pad),
             "2 1 1 16 2 1 0 44100 60 120 54 2 2 | root 1 62 3 | smpl 0 0 0 "
-            "| inst 1 62 3 0 127 1 127 300 | 0 1 1 1 0 49 0 0 0 1 2 | 0 2 2 2 0 none 0 0 0 1 7 "
+            "| inst 1 62 3 0 127 1 127 300 0 | 0 1 1 1 0 49 0 0 0 1 2 | 0 2 2 2 0 none 0 0 0 1 7 "
             "| 1 0 a 0 1 | 2 50 " +
                 std::string("b\0c", 3) + " 0 1 ");
   EXPECT_EQ(described({}), "file-too-short Unsupported format: file is too short ");
@@ -149,11 +149,13 @@ TEST(C, ConvertsWhateverIsLeftOfAFileLikeTheEngine) {
 TEST(C, RefusesBadArguments) {
   const void* in = guitar.data();
   const std::size_t size = guitar.size();
-  corvana_file* file = nullptr;
   corvana_plan* plan = nullptr;
   corvana_loop* none = nullptr;
   ByteBuffer room(2000);
   ASSERT_EQ(corvana_plan_make(in, size, &plan, nullptr), CORVANA_OK);
+  corvana_plan* unmade = plan;
+  auto* file = reinterpret_cast<corvana_file*>(plan);
+  EXPECT_EQ(corvana_plan_make(in, 36, &unmade, nullptr), CORVANA_UNSUITABLE);
   auto error = sized<corvana_error>();
   for (const corvana_status status :
        {corvana_file_read(nullptr, 5, &file, &error), corvana_file_read(in, size, nullptr, nullptr),
@@ -166,7 +168,7 @@ TEST(C, RefusesBadArguments) {
         corvana_plan_carry_out_to(plan, in, size, nullptr, nullptr, nullptr)})
     EXPECT_EQ(status, CORVANA_BAD_ARGUMENT);
   EXPECT_EQ(spaced(error.code, error.text), "bad-argument corvana_file_read: a pointer is null. ");
-  EXPECT_EQ(room, ByteBuffer(2000));
+  EXPECT_TRUE(unmade == nullptr && file == nullptr && room == ByteBuffer(2000));
   const auto refuse = [](void*, const void*, std::size_t) { return -1; };
   EXPECT_EQ(corvana_plan_carry_out_to(plan, in, size, refuse, nullptr, &error), CORVANA_STOPPED);
   EXPECT_STREQ(error.code, "stopped");
@@ -196,15 +198,16 @@ TEST(C, RunsOutOfMemoryAtAnyMoment) {
   for (auto status = CORVANA_NO_MEMORY; status == CORVANA_NO_MEMORY; ++allowed) {
     corvana_plan* plan = nullptr;
     corvana_file* file = nullptr;
+    auto error = sized<corvana_error>();
     ByteBuffer room(2000);
     allocationsLeft = allowed;
-    status = corvana_file_read(guitar.data(), guitar.size(), &file, nullptr);
-    if (file) status = corvana_plan_make(guitar.data(), guitar.size(), &plan, nullptr);
+    status = corvana_file_read(guitar.data(), guitar.size(), &file, &error);
+    if (file) status = corvana_plan_make(guitar.data(), guitar.size(), &plan, &error);
     if (plan)
       status =
-          corvana_plan_carry_out(plan, guitar.data(), guitar.size(), room.data(), 2000, nullptr);
+          corvana_plan_carry_out(plan, guitar.data(), guitar.size(), room.data(), 2000, &error);
     allocationsLeft = -1;
-    EXPECT_TRUE(status == CORVANA_NO_MEMORY || (status == CORVANA_OK && room[0] == 'F'));
+    EXPECT_TRUE(status == CORVANA_OK ? room[0] == 'F' : error.code == std::string("out-of-memory"));
     corvana_file_free(file);
     corvana_plan_free(plan);
   }
