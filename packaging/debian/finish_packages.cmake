@@ -28,13 +28,19 @@ foreach(component IN LISTS CPACK_COMPONENTS_ALL)
   configure_file(${here}/copyright.in ${documents}/copyright @ONLY)
   file(WRITE ${documents}/changelog.Debian "${changelog}")
   configure_file(${CPACK_CORVANA_SOURCES}/CHANGELOG.md ${documents}/changelog COPYONLY)
-  execute_process(COMMAND gzip -9 --no-name ${documents}/changelog.Debian ${documents}/changelog
-                  COMMAND_ERROR_IS_FATAL ANY)
+  file(GLOB_RECURSE manuals ${files}/share/man/*)
+  execute_process(
+    COMMAND gzip -9 --no-name ${documents}/changelog.Debian ${documents}/changelog ${manuals}
+    COMMAND_ERROR_IS_FATAL ANY)
   if(component STREQUAL "cli")
     # Of what is compiled into the program.
     foreach(library libcli11-dev nlohmann-json3-dev)
       configure_file(/usr/share/doc/${library}/copyright ${documents}/notices/${library} COPYONLY)
     endforeach()
+    # Where Debian's zsh looks for completions of packages.
+    if(EXISTS ${files}/share/zsh/site-functions)
+      file(RENAME ${files}/share/zsh/site-functions ${files}/share/zsh/vendor-completions)
+    endif()
   elseif(component STREQUAL "window")
     # What the system's folders hold KDE trusts as it is.
     file(CHMOD ${files}/share/kio/servicemenus/${CPACK_CORVANA_ID}.desktop
