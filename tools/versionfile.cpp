@@ -181,7 +181,7 @@ int main(int argumentCount, char** argumentValues) {
   try {
     corvana::reserveStandardStreams();
     corvana::ignoreWriteSignals();
-    corvana::useSystemLanguage(corvana::runningProgramFolder());
+    corvana::useSystemLanguage(corvana::runningProgramFolder(argumentValues[0]));
     return run(argumentCount, argumentValues);
   } catch (const FileFault& fault) {
     complain(fault.what());

@@ -14,7 +14,7 @@ int main(int argumentCount, char** argumentValues) {
   try {
     corvana::reserveStandardStreams();
     corvana::ignoreWriteSignals();
-    corvana::useSystemLanguage(corvana::runningProgramFolder());
+    corvana::useSystemLanguage(corvana::runningProgramFolder(argumentValues[0]));
     std::vector<std::string> arguments = corvana::protectBrackets(argumentCount, argumentValues);
     for (const corvana::Verb& verb : corvana::verbs()) {
       if (arguments.empty() || arguments.front() != verb.name) continue;

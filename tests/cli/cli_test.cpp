@@ -5,11 +5,10 @@
 #include <chrono>
 #include <csignal>
 #include <gtest/gtest.h>
-#include <pty.h>
 #include <regex>
+#include <sys/ioctl.h>
 #include <sys/resource.h>
 #include <thread>
-#include <utmp.h>
 
 #include "platform/standard_streams.hpp"
 #include "support/audio_builder.hpp"
@@ -45,12 +44,14 @@ class Program : public testing::Test {
                        const Prepare& prepare,
                        const std::function<void(pid_t, const std::string&)>& watch = {}) const {
     constexpr winsize window{25, 60, 0, 0};
-    int terminal = -1;
-    int inner = -1;
-    EXPECT_EQ(::openpty(&terminal, &inner, nullptr, nullptr, &window), 0);
+    const int terminal = ::posix_openpt(O_RDWR | O_NOCTTY);
+    EXPECT_EQ(::grantpt(terminal) | ::unlockpt(terminal), 0);
+    const int inner = ::open(::ptsname(terminal), O_RDWR | O_NOCTTY);
+    EXPECT_EQ(::ioctl(inner, TIOCSWINSZ, &window), 0);
     const Process process = start(arguments, [&] {
       prepare();
-      ::login_tty(inner);
+      for (const int stream : {0, 1, 2})
+        ::dup2(inner, stream);
     });
     ::close(inner);
     std::string screen;
@@ -295,7 +296,8 @@ TEST_F(Program, ADryRunSaysWhatTheRunWouldDoAndTouchesNothing) {
       for (const auto& entry : fs::recursive_directory_iterator(folder.path()))
         if (!entry.is_symlink())
           all += line(entry.path().native(), identityOf(entry.path())->inode, " ",
-                      entry.last_write_time().time_since_epoch().count(), "\n");
+                      static_cast<std::int64_t>(entry.last_write_time().time_since_epoch().count()),
+                      "\n");
       return all;
     };
     arguments.insert(arguments.begin(), CORVANA_CLI);
@@ -514,7 +516,7 @@ TEST_F(Program, EndsWhileNobodyTakesItsLog) {
   for (const auto& c : cases) {
     const Process process = start({"a.wav"}, [&c] {
       int ends[2];
-      if (::pipe2(ends, O_NONBLOCK) != 0) ::_exit(98);
+      if (::pipe(ends) != 0 || ::fcntl(ends[1], F_SETFL, O_NONBLOCK) != 0) ::_exit(98);
       while (::write(ends[1], std::string(4096, ' ').data(), 4096) > 0) {
       }
       ::fcntl(ends[1], F_SETFL, 0);

@@ -211,6 +211,12 @@ int renameat2(int from, const char* name, int to, const char* newName, unsigned 
   return NEXT(renameat2)(from, name, to, newName, flags);
 }
 
+int linkat(int from, const char* name, int to, const char* newName, int flags) noexcept {
+  const std::string path = pathOf(to, newName);
+  if (isConcerned(path) && failsNow("rename", path)) return -1;
+  return NEXT(linkat)(from, name, to, newName, flags);
+}
+
 int renameat(int from, const char* name, int to, const char* newName) noexcept {
   if (isConcerned(pathOf(to, newName)) && failsNow("replace")) return -1;
   return NEXT(renameat)(from, name, to, newName);
