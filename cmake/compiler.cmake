@@ -19,7 +19,7 @@ if(CORVANA_HARDENING AND NOT CMAKE_CXX_FLAGS MATCHES "-fsanitize")
   include(CheckPIESupported)
   check_pie_supported(LANGUAGES CXX)
   set(CMAKE_POSITION_INDEPENDENT_CODE ON)
-  # Libraries here are linked into programs only: nobody can put another function in their place.
+  # Nobody can put another function in the place of ours.
   check_cxx_compiler_flag(-fno-semantic-interposition CORVANA_BINDS_ITS_OWN)
   if(CORVANA_BINDS_ITS_OWN)
     add_compile_options(-fno-semantic-interposition)

@@ -2,9 +2,12 @@
 #pragma once
 
 #include <filesystem>
+#include <memory>
 #include <string>
 #include <string_view>
 #include <vector>
+
+#include "platform/files.hpp"
 
 namespace corvana {
 
@@ -22,6 +25,8 @@ bool hasAudioExtension(std::string_view path);
 struct AudioFile {
   std::string path;
   std::size_t namedLength = 0;  ///< how much of the path, folders only, the user has named
+  /// As they were before a look at the file may have changed them; null: nobody looked.
+  std::shared_ptr<const FileTimes> earlierTimes = {};
 
   std::string_view folder() const;  ///< of the path; empty for a file of the current folder
   std::string_view name() const;    ///< the last part of the path

@@ -40,10 +40,14 @@ std::string failureLine(const AudioFile& file, const Failure& failure) {
   return "✗ " + std::string(file.name()) + ": " + failure.text;
 }
 
-void setFailed(LogEntry& entry, const AudioFile& file, const std::exception& error) {
+void setFailed(LogEntry& entry, const AudioFile& file, Failure failure) {
   entry.outcome = Outcome::failed;
-  entry.failure = failureOf(error, systemLanguage());
-  entry.lines = {failureLine(file, entry.failure)};
+  entry.lines = {failureLine(file, failure)};
+  entry.failure = std::move(failure);
+}
+
+void setFailed(LogEntry& entry, const AudioFile& file, const std::exception& error) {
+  setFailed(entry, file, failureOf(error, systemLanguage()));
 }
 
 /// The output is not as its input promises. It stays, for somebody to look at.
@@ -78,11 +82,11 @@ std::string joinedLines(const std::vector<std::string>& lines, Shown shown) {
 }
 
 /// The file, or what would be in its place by now where the batch is only rehearsed.
-InputFile openInput(const Folder& folder, const AudioFile& file, const RunOutputs& outputs) {
+InputFile openInput(const Folder& folder, const AudioFile& file, const BatchNames& names) {
   const std::string name(file.name());
-  if (auto replaced = outputs.openReplaced(folder, name, file.path))
+  if (auto replaced = names.outputs.openReplaced(folder, name, file.path))
     return {std::move(*replaced), name, file.path};
-  return {folder, name, file.path};
+  return {folder, name, file.path, names.options.accessTime()};
 }
 
 /// Why the system could not write.
@@ -97,14 +101,24 @@ bool isTakenMeanwhile(const ConversionError& error) {
 
 /// Whether the file is of the format that the others are to be converted into. One that cannot be
 /// read is not: its error belongs in the log.
-bool isLeftAlone(const AudioFile& file, const BatchOptions& options) {
-  if (options.direction == Direction::both) return false;
+bool isLeftAlone(AudioFile& file, const BatchOptions& options) {
   try {
-    const InputFile input(openFolderOf(file).folder(), std::string(file.name()), file.path);
+    const InputFile input(openFolderOf(file).folder(), std::string(file.name()), file.path,
+                          options.accessTime());
+    if (options.preserveTimes) file.earlierTimes = std::make_shared<FileTimes>(input.times());
     return input.read(detectFormat) == (options.direction == Direction::toAIFF);
   } catch (const std::exception&) {
     return false;
   }
+}
+
+/// What is left of `files` where only some are to be converted.
+std::vector<AudioFile> chosenFiles(std::vector<AudioFile> files, const BatchOptions& options) {
+  if (options.direction == Direction::both) return files;
+  std::vector<AudioFile> chosen;
+  for (AudioFile& file : files)
+    if (!isLeftAlone(file, options)) chosen.push_back(std::move(file));
+  return chosen;
 }
 
 }  // namespace
@@ -129,7 +143,7 @@ void BatchDriver::processURLs(const std::vector<fs::path>& urls) {
   FoundFiles found = collectAudioFiles(urls, options.outputFolder);
   for (const LeftOut& leftOut : found.leftOut)
     view_.reportLeftOut(leftOut);
-  std::erase_if(found.files, [&](const AudioFile& file) { return isLeftAlone(file, options); });
+  found.files = chosenFiles(std::move(found.files), options);
   if (found.files.empty()) {
     view_.appendLog({{localised("No WAV or AIFF files found.")}});
     return;
@@ -192,6 +206,8 @@ void BatchDriver::convertFiles(const Batch& batch) {
         reportReason(std::get<std::string>(error.values().at(0)),
                      std::generic_category().message(reasonOf(error)));
       setFailed(entry, file, error);
+    } catch (const InputClashError& error) {
+      setFailed(entry, file, {"input-clash", {error.name()}, error.what()});
     } catch (const std::exception& error) {
       setFailed(entry, file, error);
     }
@@ -204,16 +220,21 @@ void BatchDriver::convertFiles(const Batch& batch) {
 void BatchDriver::convertFile(InputFolder& folder, const AudioFile& file, const Batch& batch,
                               BatchNames& names, LogEntry& entry) {
   const BatchOptions& options = batch.options;
-  const InputFile input = openInput(folder.folder(), file, names.outputs);
+  const InputFile input = openInput(folder.folder(), file, names);
   const bool isAIFF = input.read(detectFormat);
   entry.direction = isAIFF ? Direction::toWAV : Direction::toAIFF;
   const auto place = [&] { return folder.outputPlace(file, isAIFF, options); };
-  if (options.skipExisting && hasCurrentOutput(place(), input, isAIFF, names)) {
-    entry.outcome = Outcome::skipped;
-    return;
+  if (options.skipExisting) {
+    if (const auto current = currentOutput(place(), input, isAIFF, names)) {
+      entry.outcome = Outcome::skipped;
+      entry.output = current->native();
+      return;
+    }
   }
   for (std::string triedName;;) {
-    const OutputTarget output = makeOutputURL(folder, place(), input, isAIFF, names);
+    OutputTarget output = makeOutputURL(folder, place(), input, isAIFF, names);
+    if (options.preserveTimes)
+      output.times = file.earlierTimes ? *file.earlierTimes : input.times();
     if (options.dryRun) {
       ConversionPlan plan = input.read(isAIFF ? planAIFFToWAV : planWAVToAIFF);
       names.outputs.rehearse(output, plan);
@@ -243,18 +264,23 @@ void BatchDriver::convertInto(const OutputTarget& output, const InputFile& input
   };
   ConversionResult result = isAIFF ? convertAIFFToWAV(input, output, progress)
                                    : convertWAVToAIFF(input, output, progress);
-  if (result.timesError != 0)
-    reportReason(output.url().native(),
-                 fillText(localised("It has not got the times of its input: %@"),
-                          {std::generic_category().message(result.timesError)}));
+  reportTimes(output, result.timesError);
   if (batch.options.verify) {
-    const Differences differences = verifyOutput(input, output, [&](double) {
+    const OutputProof proof = verifyOutput(input, output, [&](double) {
       if (isStopped(batch))
         throw FileError(ECANCELED, localised("Stopped – '%1$@' is not verified."), output.url());
     });
-    if (differences.areThere()) return setDifferent(entry, file, output, differences);
+    if (result.timesError == 0) reportTimes(output, proof.timesError);
+    if (proof.differences.areThere()) return setDifferent(entry, file, output, proof.differences);
   }
   setConverted(entry, file, std::move(result));
+}
+
+void BatchDriver::reportTimes(const OutputTarget& output, int errorNumber) {
+  if (errorNumber == 0) return;
+  reportReason(output.url().native(),
+               fillText(localised("It has not got the times of its input: %@"),
+                        {std::generic_category().message(errorNumber)}));
 }
 
 void BatchDriver::reportReason(const std::string& path, const std::string& reason) {

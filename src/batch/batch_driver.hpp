@@ -28,7 +28,7 @@ namespace corvana {
 enum class Outcome {
   converted,
   failed,
-  skipped,  ///< BatchOptions::skipExisting; the log has no line of it
+  skipped,  ///< BatchOptions::skipExisting; `lines` is empty
 };
 
 /// What the log says of one finished file, or of a batch without files: lines for people, records
@@ -37,7 +37,8 @@ struct LogEntry {
   std::vector<std::string> lines;       ///< what became of the file; then one for each warning
   std::optional<Outcome> outcome = {};  ///< none for a batch without files
   std::string input = {};               ///< path, as given or found
-  std::string output = {};              ///< path of the file that was written; empty where none was
+  /// Path of the file that was written, or that stands for a skipped one; empty where none is.
+  std::string output = {};
   /// Never both; none where the format of the file is not known.
   std::optional<Direction> direction = {};
   Summary summary = {};      ///< where converted, as the next two
@@ -127,6 +128,8 @@ class BatchDriver {
                    BatchNames& names, LogEntry& entry);
   void convertInto(const OutputTarget& output, const InputFile& input, bool isAIFF,
                    const Batch& batch, const AudioFile& file, LogEntry& entry);
+  /// Why the output has not got the times of its input, if there is a reason.
+  void reportTimes(const OutputTarget& output, int errorNumber);
   void reportProgress(double fraction);
   void reportReason(const std::string& path, const std::string& reason);
 

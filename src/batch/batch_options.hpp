@@ -3,6 +3,8 @@
 
 #include <filesystem>
 
+#include "platform/files.hpp"
+
 namespace corvana {
 
 /// What happens to an input whose name another input's output would take with overwriting on.
@@ -29,9 +31,12 @@ struct BatchOptions {
   /// The folder below which the tree of the inputs is built anew; empty: outputs stay beside them.
   std::filesystem::path outputFolder = {};
   bool preserveTimes = false;  ///< outputs get the times of their inputs
-  bool skipExisting = false;   ///< leave out inputs whose output is up to date (hasCurrentOutput)
+  bool skipExisting = false;   ///< leave out inputs whose output is up to date (currentOutput)
   /// Make nothing and touch nothing: the log tells what the run would do.
   bool dryRun = false;
+
+  /// What the batch does to those of the files that it reads.
+  AccessTime accessTime() const { return preserveTimes ? AccessTime::stays : AccessTime::changes; }
 };
 
 }  // namespace corvana

@@ -78,20 +78,29 @@ OutputPlace InputFolder::outputPlace(const AudioFile& file, bool isAIFF,
   return {outputs_ ? *outputs_ : folder_, missingFolders_};
 }
 
-bool hasCurrentOutput(const OutputPlace& place, const InputFile& input, bool isAIFF,
-                      const BatchNames& names) {
+std::optional<std::filesystem::path> currentOutput(const OutputPlace& place, const InputFile& input,
+                                                   bool isAIFF, const BatchNames& names) {
   const std::string name = outputName(input.identity().name, isAIFF);
   if (!place.nameExists(name) || place.folder.mayLeadTo(name, input.identity()) ||
       names.outputs.contain(place, name))
-    return false;
+    return std::nullopt;
+  std::filesystem::path path = place.folder.path() / name;
   try {
-    const InputFile output(place.folder, name, place.folder.path() / name);
-    return output.identity().modified >= input.identity().modified &&
-           output.read([&](ByteView file) { return isComplete(file, !isAIFF); });
+    const InputFile output(place.folder, name, path, names.options.accessTime());
+    const bool isCurrent = output.identity().modified >= input.identity().modified &&
+                           output.read([&](ByteView file) { return isComplete(file, !isAIFF); });
+    return isCurrent ? std::optional(std::move(path)) : std::nullopt;
   } catch (const std::exception&) {
-    return false;
+    return std::nullopt;
   }
 }
+
+InputClashError::InputClashError(const std::string& name)
+    : FileError(EEXIST,
+                localised("'%1$@' is to be converted as well – use --to, --subfolder or "
+                          "--overwrite-inputs."),
+                name),
+      name_(name) {}
 
 OutputTarget makeOutputURL(const InputFolder& folder, const OutputPlace& place,
                            const InputFile& input, bool isAIFF, const BatchNames& names) {
@@ -103,7 +112,6 @@ OutputTarget makeOutputURL(const InputFolder& folder, const OutputPlace& place,
                       .safe = options.safe,
                       .input = input.identity(),
                       .permissions = input.permissions()};
-  if (options.preserveTimes) target.times = input.times();
   const auto isRehearsed = [&] {
     return options.dryRun && names.outputs.contain(place, target.name);
   };
@@ -118,11 +126,7 @@ OutputTarget makeOutputURL(const InputFolder& folder, const OutputPlace& place,
         isOurs ? place.missingFolders.empty() && names.inputs.containName(place.folder, target.name)
                : names.inputs.contains(place.folder, target.name);
     if (options.clash == InputClash::replace || !isInput) return true;
-    if (options.clash == InputClash::fail)
-      throw FileError(EEXIST,
-                      localised("'%1$@' is to be converted as well – use --to, --subfolder or "
-                                "--overwrite-inputs."),
-                      target.name);
+    if (options.clash == InputClash::fail) throw InputClashError(target.name);
     return false;
   };
   const auto isTaken = [&] { return place.nameExists(target.name) || isRehearsed(); };

@@ -45,15 +45,27 @@ struct BatchNames {
   RunOutputs outputs = {};
 };
 
-/// Whether `place` holds a complete output of `input` under its name without a number that is not
-/// older than the input. One that this batch has made is another input's.
-bool hasCurrentOutput(const OutputPlace& place, const InputFile& input, bool isAIFF,
-                      const BatchNames& names);
+/// The path of a complete output of `input` in `place`, under its name without a number, that is
+/// not older than the input; absent where there is none. One that this batch has made is another
+/// input's.
+std::optional<std::filesystem::path> currentOutput(const OutputPlace& place, const InputFile& input,
+                                                   bool isAIFF, const BatchNames& names);
+
+/// The name of an output is that of another input of its batch, which is not to be replaced.
+class InputClashError : public FileError {
+ public:
+  /// `name` is that of the other input, without its folder.
+  explicit InputClashError(const std::string& name);
+  const std::string& name() const { return name_; }
+
+ private:
+  std::string name_;
+};
 
 /// What the output of `input`, a file of `folder`, is called in `place`: the input's base name with
 /// the extension of the other format. Where that name is taken, the first free one of "name (1)",
 /// "name (2)" …; with overwriting a taken name is good, unless it leads to the input itself. Fails
-/// with a FileError.
+/// with a FileError, an InputClashError where the options say so.
 OutputTarget makeOutputURL(const InputFolder& folder, const OutputPlace& place,
                            const InputFile& input, bool isAIFF, const BatchNames& names);
 

@@ -226,6 +226,7 @@ Json jsonOf(const LogEntry& entry, const Language& language) {
     object["frames"] = entry.frames;
     object["bytes"] = entry.bytes;
   }
+  if (entry.outcome == Outcome::skipped) object["skipped"] = true;
   object["warnings"] = jsonOf(entry.warnings, language);
   if (entry.outcome == Outcome::failed) object["error"] = jsonOf(entry.failure);
   object["seconds"] = std::round(entry.seconds * 1e6) / 1e6;
@@ -253,7 +254,7 @@ void addDescription(Json& object, const FileDescription& file, int middleC) {
   if (file.format) addFormat(object, *file.format);
   if (file.frames) object["frames"] = *file.frames;
   if (file.declaredFrames) object["declaredFrames"] = *file.declaredFrames;
-  if (file.frames) object["seconds"] = file.seconds();
+  if (file.frames) object["duration"] = file.seconds();
   addKeys(object, file, middleC);
   object["loopCount"] = file.loopCount;
   object["loops"] = listOf(file.loops);

@@ -65,7 +65,7 @@ void TerminalView::setProgress(double fraction) {
 }
 
 void TerminalView::appendLog(const LogEntry& entry) {
-  if (entry.outcome == Outcome::skipped) return;
+  if (entry.outcome == Outcome::skipped && !options_.json) return;
   if (!entry.warnings.empty()) hasLosses_ = true;
   if (options_.json && !entry.outcome) return report(entry.text());
   if (logOnTerminal_) erase();

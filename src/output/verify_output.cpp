@@ -7,7 +7,7 @@
 
 namespace corvana {
 
-Differences verifyOutput(const InputFile& input, const OutputTarget& output,
+OutputProof verifyOutput(const InputFile& input, const OutputTarget& output,
                          const ProgressHandler& progress) {
   std::optional<Folder> made;
   try {
@@ -17,7 +17,9 @@ Differences verifyOutput(const InputFile& input, const OutputTarget& output,
     failReading(error.code().value(), output.url());
   }
   const InputFile file(made ? *made : output.folder, output.name, output.url());
-  return verifyFiles(input, file, Producer::thisProgram, progress);
+  OutputProof proof{verifyFiles(input, file, Producer::thisProgram, progress)};
+  if (output.times) proof.timesError = file.setTimes(*output.times);
+  return proof;
 }
 
 Differences verifyFiles(const InputFile& input, const InputFile& output, Producer producer,

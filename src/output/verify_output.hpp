@@ -7,9 +7,15 @@
 
 namespace corvana {
 
+struct OutputProof {
+  Differences differences;
+  int timesError = 0;  ///< why the output could not get its times back; 0: it could, or has none
+};
+
 /// What the finished file that a conversion of `input` wrote to `output` holds otherwise than
-/// promised. Fails with a FileError. What `progress` throws ends the proof.
-Differences verifyOutput(const InputFile& input, const OutputTarget& output,
+/// promised. The times that it was given outlast the reading. Fails with a FileError. What
+/// `progress` throws ends the proof.
+OutputProof verifyOutput(const InputFile& input, const OutputTarget& output,
                          const ProgressHandler& progress);
 
 /// The same for two files of whatever origin, both open. Fails with a FileError, or with a

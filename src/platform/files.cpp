@@ -119,11 +119,16 @@ FileDescriptor makeMemoryFile(std::span<const std::uint8_t> head, std::uint64_t 
 namespace {
 
 /// The descriptor, or -1 with the reason in errno.
-int openForReading(const Folder& folder, const std::string& name) {
-  const auto open = [&](int flags) {
+int openForReading(const Folder& folder, const std::string& name, AccessTime accessTime) {
+  const auto tryToOpen = [&](int flags) {
     return uninterrupted([&] {
       return ::openat(folder.number(), name.c_str(), O_RDONLY | O_CLOEXEC | O_NOCTTY | flags);
     });
+  };
+  const auto open = [&](int flags) {
+    if (accessTime == AccessTime::changes) return tryToOpen(flags);
+    const int descriptor = tryToOpen(flags | O_NOATIME);
+    return descriptor >= 0 || errno != EPERM ? descriptor : tryToOpen(flags);
   };
   // Opening a pipe without a writer would otherwise wait for one.
   const int descriptor = open(O_NONBLOCK);
@@ -138,8 +143,8 @@ int openForReading(const Folder& folder, const std::string& name) {
 }
 
 FileDescriptor openForReading(const Folder& folder, const std::string& name,
-                              const std::filesystem::path& path) {
-  FileDescriptor file(openForReading(folder, name));
+                              const std::filesystem::path& path, AccessTime accessTime) {
+  FileDescriptor file(openForReading(folder, name, accessTime));
   if (file.number() < 0) failReading(errno, path);
   return file;
 }
@@ -147,8 +152,8 @@ FileDescriptor openForReading(const Folder& folder, const std::string& name,
 }  // namespace
 
 InputFile::InputFile(const Folder& folder, const std::string& name,
-                     const std::filesystem::path& path)
-    : InputFile(openForReading(folder, name, path), name, path) {}
+                     const std::filesystem::path& path, AccessTime accessTime)
+    : InputFile(openForReading(folder, name, path, accessTime), name, path) {}
 
 InputFile::InputFile(FileDescriptor file, const std::string& name,
                      const std::filesystem::path& path)
@@ -173,6 +178,10 @@ InputFile::InputFile(FileDescriptor file, const std::string& name,
 
 InputFile::~InputFile() {
   if (data_ != nullptr) ::munmap(const_cast<std::uint8_t*>(data_), size_);
+}
+
+int InputFile::setTimes(const FileTimes& times) const {
+  return corvana::setTimes(file_, times);
 }
 
 void InputFile::guardedRead(const std::function<void()>& reader) const {

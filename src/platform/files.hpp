@@ -68,6 +68,12 @@ std::optional<FileIdentity> identityOf(const std::filesystem::path& path);
 /// When a file was last read and last written to.
 using FileTimes = std::array<timespec, 2>;
 
+/// What reading a file does to its access time.
+enum class AccessTime {
+  changes,
+  stays,  ///< where the system allows it: with files of the user's own, for the most part
+};
+
 /// What is left of a name when case and everything but ASCII is taken from it: equal for all names
 /// that any file system takes for one.
 std::string foldedName(std::string_view name);
@@ -112,7 +118,8 @@ class InputFile {
  public:
   /// Opens and maps the file `name` of a folder. Never waits for a writer: a pipe, device or
   /// folder is a FileError at once. `path` is for messages.
-  InputFile(const Folder& folder, const std::string& name, const std::filesystem::path& path);
+  InputFile(const Folder& folder, const std::string& name, const std::filesystem::path& path,
+            AccessTime accessTime = AccessTime::changes);
   /// Maps a file that is open. `name` is its name in its folder.
   InputFile(FileDescriptor file, const std::string& name, const std::filesystem::path& path);
   InputFile(InputFile&&) = delete;
@@ -140,6 +147,8 @@ class InputFile {
   const FileIdentity& identity() const { return identity_; }
   /// As they were when it was opened.
   const FileTimes& times() const { return times_; }
+  /// Gives it other ones. 0, or the system's error number.
+  int setTimes(const FileTimes& times) const;
   /// Who may read and write it (the bits of 0666).
   unsigned permissions() const { return permissions_; }
 

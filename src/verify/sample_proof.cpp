@@ -1,6 +1,7 @@
 #include "verify/sample_proof.hpp"
 
 #include <algorithm>
+#include <array>
 #include <bit>
 #include <cstring>
 
@@ -36,15 +37,18 @@ std::uint32_t valueOfFour(const std::uint8_t* sample, ByteOrder order) {
 template <std::size_t bytes, ByteOrder byteOrder>
 struct Layout {
   static constexpr std::size_t width = bytes;
+  static constexpr ByteOrder order = byteOrder;
+  static constexpr std::uint32_t bits = ~std::uint32_t{0} << (8 * (maxWidth - width));  ///< used
 
   static std::uint32_t value(const std::uint8_t* sample) {
     return valueOf(sample, width, byteOrder);
   }
-  /// The same where another sample follows: three bytes are quicker to read as four.
+  /// The same where another sample follows, but for the bits that are not used: three bytes are
+  /// quicker to read as four.
   static std::uint32_t valueAhead(const std::uint8_t* sample) {
-    if constexpr (width != 3) return value(sample);
+    if constexpr (width < 3) return value(sample);
     const std::uint32_t four = valueOfFour(sample, byteOrder);
-    return byteOrder == ByteOrder::big ? four & 0xFFFFFF00 : four << 8;
+    return width == 3 && byteOrder == ByteOrder::little ? four << 8 : four;
   }
 };
 
@@ -68,23 +72,92 @@ auto withLayoutOf(const SampleField& field, const Use& use) {
 template <typename Input, typename Output>
 bool areEqual(const std::uint8_t* input, const std::uint8_t* output, std::size_t count,
               Change change) {
-  std::uint32_t different = 0;
-  const std::size_t last = count - 1;
-  for (std::size_t i = 0; i < last; ++i)
-    different |= change.of(Input::valueAhead(input + i * Input::width)) ^
-                 Output::valueAhead(output + i * Output::width);
-  different |= change.of(Input::value(input + last * Input::width)) ^
-               Output::value(output + last * Output::width);
-  return different == 0;
+  change.kept &= Input::bits;
+  // With some widths, samples that need not wait for each other make it quicker.
+  constexpr std::size_t lanes = Output::width == 3 ? 4 : 1;
+  std::array<std::uint32_t, lanes> different{};
+  std::size_t i = 0;
+  for (; i + lanes < count; i += lanes)
+    for (std::size_t lane = 0; lane < lanes; ++lane)
+      different[lane] |= change.of(Input::valueAhead(input + (i + lane) * Input::width)) ^
+                         Output::valueAhead(output + (i + lane) * Output::width);
+  for (std::uint32_t& lane : different)
+    lane &= Output::bits;
+  for (; i < count; ++i)
+    different[0] |= change.of(Input::value(input + i * Input::width)) ^
+                    Output::value(output + i * Output::width);
+  return std::all_of(different.begin(), different.end(),
+                     [](std::uint32_t bits) { return bits == 0; });
+}
+
+using Word = std::uint64_t;
+
+Word wordAt(const std::uint8_t* bytes) {
+  Word word = 0;
+  std::memcpy(&word, bytes, sizeof word);
+  return word;
+}
+
+/// For each place of a byte in its sample: 0xFF where the bytes of words, one behind the other,
+/// have it.
+template <std::size_t width, std::size_t words>
+constexpr std::array<std::array<Word, words>, width> masksOfPlaces() {
+  std::array<std::array<Word, words>, width> masks{};
+  for (std::size_t word = 0; word < words; ++word)
+    for (std::size_t place = 0; place < width; ++place) {
+      std::array<std::uint8_t, sizeof(Word)> bytes{};
+      for (std::size_t i = 0; i < bytes.size(); ++i)
+        bytes[i] = (word * bytes.size() + i) % width == place ? 0xFF : 0;
+      masks[place][word] = std::bit_cast<Word>(bytes);
+    }
+  return masks;
+}
+
+/// The same of samples of one width that are kept whole, in either order of bytes. Eight bytes of
+/// the output are compared at once: those of a place in their samples with those of the opposite
+/// place in the input, which lie so many bytes further on.
+template <typename Input, typename Output>
+bool areMirrored(const std::uint8_t* input, const std::uint8_t* output, std::size_t count,
+                 Change change) {
+  constexpr std::size_t width = Input::width;
+  constexpr std::size_t words = width == 3 ? 3 : 1;  // until samples begin with a word again
+  constexpr std::size_t step = words * sizeof(Word) / width;
+  constexpr bool isReversed = Input::order != Output::order;
+  constexpr auto masks = masksOfPlaces<width, words>();
+  const Word turned = change.turned == 0 ? 0 : 0x8080'8080'8080'8080;
+  // Words reach into the samples before and behind them.
+  Word different = 0;
+  std::size_t done = std::min(count, step);
+  bool same = areEqual<Input, Output>(input, output, done, change);
+  for (; done + 2 * step <= count; done += step)
+    for (std::size_t word = 0; word < words; ++word) {
+      const std::size_t at = done * width + word * sizeof(Word);
+      Word expected = 0;
+      for (std::size_t place = 0; place < width; ++place)
+        expected |=
+            wordAt(input + at + (isReversed ? width - 1 - 2 * place : 0)) & masks[place][word];
+      different |= expected ^ turned ^ wordAt(output + at);
+    }
+  if (done < count)
+    same &=
+        areEqual<Input, Output>(input + done * width, output + done * width, count - done, change);
+  return same && different == 0;
 }
 
 using AreEqual = bool (*)(const std::uint8_t* input, const std::uint8_t* output, std::size_t count,
                           Change change);
 
-AreEqual comparisonOf(const SampleField& input, const SampleField& output) {
+AreEqual comparisonOf(const SampleField& input, const SampleField& output, Change change) {
   return withLayoutOf(input, [&](auto from) {
-    return withLayoutOf(
-        output, [&](auto to) -> AreEqual { return areEqual<decltype(from), decltype(to)>; });
+    return withLayoutOf(output, [&](auto to) -> AreEqual {
+      using Input = decltype(from);
+      using Output = decltype(to);
+      if constexpr (Input::width == Output::width) {
+        const bool isWhole = (change.kept & Input::bits) == Input::bits;
+        if (isWhole && (Input::width == 1 || change.turned == 0)) return areMirrored<Input, Output>;
+      }
+      return areEqual<Input, Output>;
+    });
   });
 }
 
@@ -109,7 +182,7 @@ void compareSamples(const SampleField& input, const SampleField& output, const S
   const std::uint32_t toSigned = output.isUnsigned ? topBit : 0;
   const std::uint32_t shownWidth = std::max(range.keptWidth, output.width);
   const std::uint64_t sampleCount = range.frames * range.channels;
-  const AreEqual areEqual = comparisonOf(input, output);
+  const AreEqual areEqual = comparisonOf(input, output, change);
 
   for (std::uint64_t done = 0; done < sampleCount; done += blockSamples) {
     if (progress && done % progressSamples == 0)

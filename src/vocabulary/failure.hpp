@@ -10,14 +10,18 @@
 
 namespace corvana {
 
+/// A failure without its exception.
 struct Failure {
-  /// An errorCode, "stopped", "not-as-promised" or "system-error". They never change.
+  /// An errorCode, "stopped", "input-clash", "not-as-promised" or "system-error". They never
+  /// change.
   std::string code;
-  std::vector<MessageValue> values = {};  ///< those of a ConversionError
-  std::string text = {};                  ///< what a person reads
-  int errorNumber = 0;                    ///< the system's, where it had a part in it
+  /// Those of a ConversionError; of an "input-clash" the name of the other input.
+  std::vector<MessageValue> values = {};
+  std::string text = {};  ///< what a person reads
+  int errorNumber = 0;    ///< the system's, where it had a part in it
 };
 
+/// Of a ConversionError, a std::system_error or any other exception.
 Failure failureOf(const std::exception& error, const Language& language);
 
 }  // namespace corvana

@@ -196,10 +196,13 @@ TEST_F(Program, WritesItsLogInJson) {
   fs::create_symlink("gone", in / "c.wav");
   in.write("d.aif", aiff({comm({.frames = 1}), inst(AiffInstrument{60, 5, 0, 0, 0, 0, 0, {}, {}}),
                           ssnd({1, 2})}));
+  const auto withoutTimes = [](const Outcome& outcome) {
+    return std::regex_replace(outcome.output, std::regex(R"(,"seconds":[-.e\d]+\})"), "}");
+  };
   const Outcome outcome = run({"--json", "--strict", "."});
   EXPECT_EQ(outcome.status, 1);
   EXPECT_EQ(
-      std::regex_replace(outcome.output, std::regex(R"(,"seconds":[-.e\d]+\})"), "}"),
+      withoutTimes(outcome),
       R"({"schema":1,"input":"./a)"
       "\uFFFD\u202E"
       R"(.wav","inputBytes":"2e2f61ffe280ae2e776176",)"
@@ -221,6 +224,14 @@ TEST_F(Program, WritesItsLogInJson) {
       R"("bits":16,"channels":1,"sampleRate":44100,"rootKey":60,"fineTune":5,"loopCount":0,)"
       R"("markerCount":0,"cuePointCount":0,"frames":1,"bytes":)" +
           std::to_string(fs::file_size(in / "d.wav")) + ",\"warnings\":[]}\n");
+  const Outcome again = run({"--json", "--overwrite", "--skip-existing", "./d.aif", "d.wav"});
+  EXPECT_EQ(withoutTimes(again),
+            R"({"schema":1,"input":"./d.aif","output":"./d.wav","direction":"aiff-to-wav",)"
+            R"("skipped":true,"warnings":[]})"
+            "\n"
+            R"({"schema":1,"input":"d.wav","direction":"wav-to-aiff","warnings":[],"error":)"
+            R"({"code":"input-clash","values":["d.aif"],"text":"'d.aif' is to be converted as )"
+            "well – use --to, --subfolder or --overwrite-inputs.\"}}\n");
   in.write("notes.txt", "");
   EXPECT_EQ(run({"--json", "notes.txt"}).output, "") << "objects only";
   EXPECT_EQ(screenOf({"--json", name + ".wav"}, 0, [] {}).find("\u202E"), std::string::npos);

@@ -135,7 +135,8 @@ TEST_F(Verbs, CheckWritesALineForEveryFinding) {
             "[loop-marker-missing]\n");
   EXPECT_EQ(run({"check", "Sub/good.wav"}).status, 0);
   EXPECT_EQ(run({"check", "--json", "Sub/good.wav"}).output,
-            R"({"schema":1,"input":"Sub/good.wav","errors":0,"warnings":0,"notes":0,"findings":[]})"
+            R"({"schema":1,"input":"Sub/good.wav","errorCount":0,"warningCount":0,"noteCount":0,)"
+            R"("findings":[]})"
             "\n");
 }
 
@@ -176,16 +177,28 @@ TEST_F(Verbs, JsonIsValidByItsSchema) {
   in.write("a.wav", floatingPointWav());
   in.write("b.aifc", littleEndianAiff());
   in.write("c.wav", "short");
-  in.write("d.aif", aiff({comm({.rate = "7F FF FF FF FF FF FF FF FF FF"})}));
+  in.write("d.aif", aiff({comm({.rate = "7F FF FF FF FF FF FF FF FF FF"}), ssnd({})}));
   in.write("\xFF.wav", wav({fmt({.tag = 85}), wavChunk("\xFF\0ab", {1})}));
+  in.write("f.wav", wav({fmt({}), test::data({1, 2}), smpl(60, 0, {{0, 0, 0, 0}})}));
+  in.write("f.aif", "");
   fs::create_symlink("gone", in / "e.wav");
-  const std::string validate = " | '" CORVANA_SOURCES "/tests/cli/valid-json' '" CORVANA_SOURCES;
-  for (const std::string schema : {"info", "check", "conversion"}) {
-    std::string command = CORVANA_CLI " ";
-    command.append(schema == "conversion" ? "--subfolder" : schema).append(" --json '");
-    command.append(in.path().native()).append("'").append(validate);
-    command.append("/docs/schemas/").append(schema).append(".schema.json'");
-    EXPECT_EQ(std::system(command.c_str()), 0);
+  const std::pair<std::string, std::string> runs[] = {
+      {"info", "info ."},
+      {"check", "check ."},
+      {"conversion", "--dry-run --overwrite ."},
+      {"conversion", "--subfolder ."},
+      {"conversion", "--subfolder --skip-existing ."},
+      {"verify", "verify f.wav AIFF/f.aif"},
+      {"verify", "verify f.wav f.aif"},
+      {"verify", "verify f.wav d.aif"},
+      {"verify", "verify '\xFF.wav' d.aif"},
+      {"verify", "verify gone.wav d.aif"},
+  };
+  for (const auto& [schema, arguments] : runs) {
+    const std::string line = "cd '" + in.path().native() + "' && '" CORVANA_CLI "' " + arguments +
+                             " --json | '" CORVANA_SOURCES "/tests/cli/valid-json' '" +
+                             CORVANA_SOURCES "/docs/schemas/" + schema + ".schema.json'";
+    EXPECT_EQ(std::system(line.c_str()), 0) << line;
   }
 }
 

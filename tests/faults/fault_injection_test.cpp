@@ -42,6 +42,8 @@ const std::vector<std::string> subfolder = {"--subfolder"};
 const std::vector<std::string> overwrite = {"--overwrite"};
 const std::vector<std::string> safe = {"--safe"};
 const std::vector<std::string> verify = {"--verify"};
+const std::vector<std::string> times = {"--preserve-times"};
+const std::vector<std::string> verifyTimes = {"--preserve-times", "--verify"};
 const std::vector<std::string> safeOverwrite = {"--safe", "--overwrite"};
 
 const Case cases[] = {
@@ -101,6 +103,11 @@ const Case cases[] = {
     // The output is read back, with the input still there to be compared.
     {"open:2:EACCES", partial, "Cannot read '%OUT': Permission denied", verify},
     {"open:2:shrink", partial, unread, verify},
+
+    // Times that cannot be set cost a warning, a file of somebody else's nothing.
+    {"times:1:EPERM", converted, "", times},
+    {"times:2:EROFS", converted, "", verifyTimes},
+    {"open:1:EPERM", converted, "", times},
 };
 
 std::string replaceAll(std::string text, const std::string& place, const std::string& value) {
@@ -159,8 +166,15 @@ class FaultInjection : public testing::TestWithParam<bool> {
     EXPECT_EQ(outcome.output, success("a") + said + success("c"));
     EXPECT_EQ(outcome.status, c.ending == converted ? 0 : 1);
     const std::string reason = "corvana-cli: " + outputOf("b").native() + ": ";
-    EXPECT_TRUE(c.message == unwritten ? outcome.errors.starts_with(reason)
-                                       : outcome.errors.empty());
+    if (c.fault.starts_with("times")) {
+      const char* const error = c.options == times ? "Operation not permitted" : "Read-only file";
+      EXPECT_TRUE(
+          outcome.errors.starts_with(reason + "It has not got the times of its input: " + error))
+          << outcome.errors;
+    } else {
+      EXPECT_TRUE(c.message == unwritten ? outcome.errors.starts_with(reason)
+                                         : outcome.errors.empty());
+    }
 
     std::size_t fileCount = 3 + 2;  // inputs, outputs of a and c
     for (const std::string name : {"a", "c"}) {
@@ -207,6 +221,28 @@ TEST(FaultInjectionProof, FindsWhatTheDiskDidNotKeep) {
             "-128");
   EXPECT_EQ(outcome.status, 1);
   EXPECT_TRUE(fs::exists(folder / "b.aif"));
+}
+
+/// Although looking at its format and proving the output read both files.
+TEST(FaultInjectionTimes, AreThoseFromBeforeTheRun) {
+  for (const std::string fault : {"open:1:EINTR", "open:1:EPERM"}) {  // the second: not our file
+    SCOPED_TRACE(fault);
+    const TemporaryFolder folder;
+    const fs::path input = folder.write("a.wav", instrument(/*isAIFF=*/false));
+    const FileTimes before = {timespec{1'000, 5}, timespec{2'000, 7}};
+    ASSERT_EQ(::utimensat(AT_FDCWD, input.c_str(), before.data(), 0), 0);
+    EXPECT_EQ(run(folder.path(), fault, folder.path(),
+                  {"--preserve-times", "--verify", "--to", "aiff", "a.wav"})
+                  .errors,
+              "");
+    for (const fs::path& file : {folder / "a.aif", input}) {
+      struct stat status {};
+      ASSERT_EQ(::stat(file.c_str(), &status), 0);
+      EXPECT_EQ(status.st_mtim.tv_sec * 1'000 + status.st_mtim.tv_nsec, 2'000'007);
+      if (file == input && fault == "open:1:EPERM") continue;
+      EXPECT_EQ(status.st_atim.tv_sec * 1'000 + status.st_atim.tv_nsec, 1'000'005);
+    }
+  }
 }
 
 /// What the search could not read is named, and the rest converted.

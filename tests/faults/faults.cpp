@@ -5,8 +5,8 @@
 //
 // CALL is folder (opening one), open (reading), create, fstat (of an input), stat and lstat (by
 // name), list and readdir (the beginning and the steps of a folder's listing), mmap, mkdir, unlink,
-// write, fsync, rename (to a free name), replace (rename over another file), or close (of a
-// file that was created). ACTION is the name of an error (ENOSPC), or
+// write, fsync, times (setting them), rename (to a free name), replace (rename over another file),
+// or close (of a file that was created). ACTION is the name of an error (ENOSPC), or
 //   short           write: only a part of the bytes
 //   flip            write: the last bit is another one
 //   untyped         readdir: the file system does not tell what an entry is
@@ -239,6 +239,11 @@ int renameat(int from, const char* name, int to, const char* newName) noexcept {
 int fsync(int file) {
   if (kindOf(file) != Kind::other && failsNow("fsync")) return -1;
   return NEXT(fsync)(file);
+}
+
+int futimens(int file, const timespec* times) noexcept {
+  if (kindOf(file) != Kind::other && failsNow("times")) return -1;
+  return NEXT(futimens)(file, times);
 }
 
 ssize_t writev(int file, const iovec* parts, int count) {

@@ -8,6 +8,7 @@
 #include "support/audio_builder.hpp"
 #include "support/conversion.hpp"
 #include "verify/difference_texts.hpp"
+#include "verify/sample_proof.hpp"
 
 namespace corvana {
 namespace {
@@ -179,6 +180,48 @@ TEST(Proof, OtherProgramsMayOrderAddAndWiden) {
   const ByteBuffer wide = data(bytes("00563412 01CDAB89"));
   EXPECT_EQ(proved(aiffFile, wav({wavChunk("LIST", {1}), wide, format})),
             "sample 1 1/-1985229567/-1985229568");
+}
+
+/// Samples are compared many at once, in steps of their own for each width.
+TEST(Proof, FindsOneBitAnywhere) {
+  constexpr std::uint32_t count = 61;
+  for (int form = 0; form < 4 * 4 * 4; ++form) {
+    const std::uint32_t width = form % 4 + 1;
+    const std::uint32_t inputWidth = form / 4 % 4 + 1;
+    if (inputWidth < width) continue;
+    const ByteOrder order = form / 16 % 2 == 0 ? ByteOrder::little : ByteOrder::big;
+    const bool isReversed = form / 32 == 0;
+    const bool isTurned = isReversed && width == 1;
+    ByteBuffer input(count * inputWidth);
+    ByteBuffer output(count * width);
+    for (std::size_t i = 0; i < input.size(); ++i)
+      input[i] = static_cast<std::uint8_t>(i * i * 7 >> 3);
+    // `place` counts from the most significant byte.
+    const auto at = [](std::uint32_t sample, std::uint32_t place, std::uint32_t size, bool isBig) {
+      return sample * size + (isBig ? place : size - 1 - place);
+    };
+    const bool isBig = order == ByteOrder::big;
+    for (std::uint32_t sample = 0; sample < count; ++sample)
+      for (std::uint32_t place = 0; place < width; ++place)
+        output[at(sample, place, width, isBig != isReversed)] = static_cast<std::uint8_t>(
+            input[at(sample, place, inputWidth, isBig)] ^ (isTurned && place == 0 ? 0x80 : 0));
+    const auto differences = [&](std::uint32_t first) {
+      const ByteOrder other = isBig != isReversed ? ByteOrder::big : ByteOrder::little;
+      Differences found;
+      compareSamples({input, first * inputWidth, inputWidth, order, isTurned},
+                     {output, first * width, width, other, false}, {count - first, 1, width}, found,
+                     {});
+      return found.areThere() ? line(found.count, " in ", *found.kept[0].frame) : "none";
+    };
+    SCOPED_TRACE(form);
+    for (std::uint32_t first = 0; first < count; ++first)
+      ASSERT_EQ(differences(first), "none");
+    for (std::size_t i = 0; i < output.size(); ++i) {
+      output[i] ^= 0x40;
+      ASSERT_EQ(differences(0), line(1, " in ", i / width));
+      output[i] ^= 0x40;
+    }
+  }
 }
 
 TEST(Proof, KeepsAThousandDifferencesAndCountsTheRest) {
