@@ -6,21 +6,28 @@ if(CORVANA_WARNINGS_AS_ERRORS)
   target_compile_options(corvana_compiler INTERFACE -Werror)
 endif()
 target_include_directories(corvana_compiler INTERFACE ${PROJECT_SOURCE_DIR}/src)
-# Files above 2 GB on 32-bit systems too.
+# Files above 2 GB and dates after 2038 on 32-bit systems too.
 if(CMAKE_SIZEOF_VOID_P EQUAL 4)
-  target_compile_definitions(corvana_compiler INTERFACE _FILE_OFFSET_BITS=64)
+  target_compile_definitions(corvana_compiler INTERFACE _FILE_OFFSET_BITS=64 _TIME_BITS=64)
 endif()
 
 # Hardening: programs load at random addresses, their tables of addresses become read-only before
 # main, and an overrun of a stack frame or of an object of known size ends the program. The
 # sanitizers bring sharper checks of their own. tests/hardening.cmake looks at the results.
 if(CORVANA_HARDENING AND NOT CMAKE_CXX_FLAGS MATCHES "-fsanitize")
+  include(CheckCXXCompilerFlag)
   include(CheckPIESupported)
   check_pie_supported(LANGUAGES CXX)
   set(CMAKE_POSITION_INDEPENDENT_CODE ON)
-  # Libraries here are linked into programs only: nobody can put another function in their place.
-  add_compile_options(-fno-semantic-interposition -fstack-protector-strong)
-  add_link_options(-Wl,-z,relro,-z,now)
+  # Nobody can put another function in the place of ours.
+  check_cxx_compiler_flag(-fno-semantic-interposition CORVANA_BINDS_ITS_OWN)
+  if(CORVANA_BINDS_ITS_OWN)
+    add_compile_options(-fno-semantic-interposition)
+  endif()
+  add_compile_options(-fstack-protector-strong)
+  if(CORVANA_LINKS_READ_ONLY_TABLES)
+    add_link_options(-Wl,-z,relro,-z,now)
+  endif()
   # A distribution's choice stands, whether it is among the flags or the compiler's own.
   include(CheckCXXSourceCompiles)
   string(TOUPPER "${CMAKE_BUILD_TYPE}" type)

@@ -21,6 +21,11 @@ foreach(catalogue ${catalogues})
     COMMAND ${MSGFMT} --check -o ${compiled} ${PROJECT_SOURCE_DIR}/po/${catalogue}
     DEPENDS ${PROJECT_SOURCE_DIR}/po/${catalogue} VERBATIM)
   list(APPEND compiled_catalogues ${compiled})
-  install(FILES ${compiled} DESTINATION ${CMAKE_INSTALL_LOCALEDIR}/${folder})
+  # The texts of the window alone, and those that it shares with the command line program.
+  if(NOT domain STREQUAL "Vantor")
+    install(FILES ${compiled} DESTINATION ${CMAKE_INSTALL_LOCALEDIR}/${folder} COMPONENT cli)
+  elseif(CORVANA_BUILDS_WINDOW)
+    install(FILES ${compiled} DESTINATION ${CMAKE_INSTALL_LOCALEDIR}/${folder} COMPONENT window)
+  endif()
 endforeach()
 add_custom_target(corvana_translations ALL DEPENDS ${compiled_catalogues})

@@ -165,7 +165,7 @@ void writeWavNote(const fs::path& path, const Note& note, const Zone& zone,
                                         .loops = loops,
                                         .unityNote = static_cast<std::uint32_t>(unityNote),
                                         .pitchFraction = static_cast<std::uint32_t>(
-                                            std::lround(fraction / 100.0 * 4294967296.0))}};
+                                            std::llround(fraction / 100.0 * 4294967296.0))}};
   writeFile(path, writeWav(content), render(note, ByteOrder::little));
 }
 

@@ -19,7 +19,7 @@
 #include "update/simple_encrypt_text.hpp"
 #include "update/text_search.hpp"
 #include "update/version_file.hpp"
-#include "update/version_number.hpp"
+#include "versionfile_line.hpp"
 #include "vocabulary/screen_text.hpp"
 #include "vocabulary/unicode.hpp"
 
@@ -29,37 +29,10 @@ namespace fs = std::filesystem;
 
 constexpr int statusFailed = 1;
 
-constexpr const char* description =
-    "Scrambles, unscrambles and checks the version file that the update check reads.";
-
-constexpr const char* footer =
-    "The plain file holds one record for each application and version:\n"
-    "\n"
-    "  $APP$:Corvana\n"
-    "  $VERMAC$ 1.1.0\n"
-    "  $INFOMAC$ Reads large files faster.#+#Names the chunk that is damaged.\n"
-    "  $URLMAC$ https://www.corvana.example/resources/downloads/Corvana-1.1.0.tar.xz\n"
-    "  $URLINFO$ https://www.corvana.example/\n"
-    "  $\n"
-    "\n"
-    "A value ends at the next \"$\". Line breaks in it do not count; \"#+#\" writes one. "
-    "\"scramble\"\n"
-    "refuses what would not come back: characters beyond the printable ASCII range, and known\n"
-    "names and addresses in another case (a line break inside one keeps its case). Versions have\n"
-    "three numbers: 1.1 would not be offered to somebody who has 1.0.0.\n"
-    "\n"
-    "Exit status: 0 done; 1 the file cannot be used; 2 wrong usage.\n";
-
 /// What is wrong with a file, for the person who made it.
 class FileFault : public std::runtime_error {
  public:
   using std::runtime_error::runtime_error;
-};
-
-struct Arguments {
-  fs::path file;
-  std::string application = "Corvana";
-  std::string installed;
 };
 
 std::u16string readText(const fs::path& path) {
@@ -98,10 +71,10 @@ std::string quoted(std::u16string_view text, std::size_t index) {
   return "\"" + corvana::readableLine(corvana::utf8FromUtf16(rest.substr(0, length))) + "\"";
 }
 
-void scramble(const Arguments& arguments) {
-  const std::u16string plain = readText(arguments.file);
+void scramble(const VersionFileLine& line) {
+  const std::u16string plain = readText(line.file);
   if (const auto index = corvana::firstUnsafeCharacter(plain)) {
-    const std::string place = placeOf(arguments.file, plain, *index);
+    const std::string place = placeOf(line.file, plain, *index);
     if (plain[*index] > corvana::maxScramblableCharacter)
       throw FileFault(place + quoted(plain, *index) + " begins with a character beyond ASCII");
     const std::u16string back =
@@ -157,23 +130,22 @@ void warnOfVersions(const fs::path& path, std::u16string_view plain,
   }
 }
 
-void unscramble(const Arguments& arguments) {
-  const std::u16string scrambled = readText(arguments.file);
+void unscramble(const VersionFileLine& line) {
+  const std::u16string scrambled = readText(line.file);
   const std::u16string plain = corvana::simpleEncryptText(scrambled, false);
   if (plain.empty() && !scrambled.empty()) {
-    const std::string reason = damage(arguments.file, scrambled);
-    throw FileFault(reason.empty() ? arguments.file.string() + ": is not a scrambled text"
-                                   : reason);
+    const std::string reason = damage(line.file, scrambled);
+    throw FileFault(reason.empty() ? line.file.string() + ": is not a scrambled text" : reason);
   }
   writeText(corvana::utf8FromUtf16(plain));
 }
 
 /// Prints what the update window would show.
-void check(const Arguments& arguments) {
+void check(const VersionFileLine& line) {
   constexpr int statusOk = 200;
-  const std::u16string application = corvana::utf16FromUtf8(arguments.application);
-  const std::u16string installed = corvana::utf16FromUtf8(arguments.installed);
-  const std::u16string scrambled = readText(arguments.file);
+  const std::u16string application = corvana::utf16FromUtf8(line.application);
+  const std::u16string installed = corvana::utf16FromUtf8(line.installed);
+  const std::u16string scrambled = readText(line.file);
   const corvana::VantorErgebnis ergebnis =
       corvana::parseVersionFile(scrambled, application, installed);
   const corvana::ResultTexts texts =
@@ -183,46 +155,23 @@ void check(const Arguments& arguments) {
                                     texts.caption + "\n"));
   writeText(corvana::readableText(texts.text) + "\n");
   if (!ergebnis.warDasEineGueltigeDatei) {
-    const std::string reason = damage(arguments.file, scrambled);
-    throw FileFault(reason.empty() ? arguments.file.string() + ": has no record of \"" +
-                                         arguments.application + "\""
-                                   : reason);
+    const std::string reason = damage(line.file, scrambled);
+    throw FileFault(reason.empty()
+                        ? line.file.string() + ": has no record of \"" + line.application + "\""
+                        : reason);
   }
   warnOfVersion("--installed", installed);
-  warnOfVersions(arguments.file, corvana::simpleEncryptText(scrambled, false), application);
+  warnOfVersions(line.file, corvana::simpleEncryptText(scrambled, false), application);
 }
 
 int run(int argumentCount, char** argumentValues) {
-  Arguments arguments;
-  CLI::App app(description, "corvana-versionfile");
-  app.footer(footer);
-  app.require_subcommand(1);
-  const auto command = [&](const char* name, const char* help) {
-    CLI::App* subcommand = app.add_subcommand(name, help);
-    subcommand->add_option("FILE", arguments.file)->required()->type_name("");
-    return subcommand;
-  };
-  const CLI::App* scrambling = command("scramble", "Scramble the plain FILE onto standard output");
-  const CLI::App* unscrambling = command("unscramble", "Unscramble FILE onto standard output");
-  CLI::App* checking =
-      command("check", "Print what a user is told who has a version installed and gets FILE");
-  checking->add_option("--app", arguments.application, "Name of the application")
-      ->capture_default_str()
-      ->type_name("NAME");
-  checking
-      ->add_option("--installed", arguments.installed, "The version that the user has installed")
-      ->required()
-      ->type_name("VERSION")
-      ->check([](const std::string& version) {
-        const bool usable = corvana::versionNumber(corvana::utf16FromUtf8(version)) > 0;
-        return usable ? std::string() : "not a version: " + version;
-      });
+  VersionFileLine line;
   if (const auto status = corvana::parseCommandLine(
-          app, std::vector<std::string>(argumentValues + 1, argumentValues + argumentCount)))
+          line.app, std::vector<std::string>(argumentValues + 1, argumentValues + argumentCount)))
     return *status;
-  if (scrambling->parsed()) scramble(arguments);
-  if (unscrambling->parsed()) unscramble(arguments);
-  if (checking->parsed()) check(arguments);
+  if (line.scramble->parsed()) scramble(line);
+  if (line.unscramble->parsed()) unscramble(line);
+  if (line.check->parsed()) check(line);
   return 0;
 }
 
@@ -232,7 +181,7 @@ int main(int argumentCount, char** argumentValues) {
   try {
     corvana::reserveStandardStreams();
     corvana::ignoreWriteSignals();
-    corvana::useSystemLanguage(corvana::runningProgramFolder());
+    corvana::useSystemLanguage(corvana::runningProgramFolder(argumentValues[0]));
     return run(argumentCount, argumentValues);
   } catch (const FileFault& fault) {
     complain(fault.what());

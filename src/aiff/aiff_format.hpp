@@ -25,9 +25,9 @@ struct AiffLoop {
 
 /// The known values of AiffLoop::playMode.
 namespace play_mode {
-inline constexpr std::int16_t none = 0;
-inline constexpr std::int16_t forward = 1;
-inline constexpr std::int16_t forwardBackward = 2;
+inline constexpr std::int16_t none = 0;             ///< the loop is switched off
+inline constexpr std::int16_t forward = 1;          ///< from begin to end, again and again
+inline constexpr std::int16_t forwardBackward = 2;  ///< to and fro
 }  // namespace play_mode
 
 /// The INST chunk, unchanged from the file.
@@ -39,21 +39,21 @@ struct AiffInstrument {
   std::int8_t lowVelocity = 0;   ///< MIDI velocity, 1 to 127 in well-formed files
   std::int8_t highVelocity = 0;  ///< MIDI velocity
   std::int16_t gain = 0;         ///< dB
-  AiffLoop sustainLoop;
-  AiffLoop releaseLoop;
+  AiffLoop sustainLoop;          ///< played while the key is held
+  AiffLoop releaseLoop;          ///< played once it is released
 };
 
 /// What the reader finds in an AIFF file.
 struct AiffInfo {
-  std::uint16_t channels = 0;       ///< 1 to 32767
-  std::uint32_t frameCount = 0;     ///< as declared; the sound data may hold fewer
-  std::uint16_t sampleSize = 0;     ///< bits, 1 to 32
-  double sampleRate = 0;            ///< Hz, at least 1 and below 4,000,000,000
-  bool littleEndian = false;        ///< compression type "sowt"
-  std::size_t soundOffset = 0;      ///< of the first sample byte in the file
-  std::uint64_t soundSize = 0;      ///< sample bytes that are there
-  std::vector<AiffMarker> markers;  ///< in file order, duplicate IDs included
-  std::optional<AiffInstrument> instrument;
+  std::uint16_t channels = 0;                ///< 1 to 32767
+  std::uint32_t frameCount = 0;              ///< as declared; the sound data may hold fewer
+  std::uint16_t sampleSize = 0;              ///< bits, 1 to 32
+  double sampleRate = 0;                     ///< Hz, at least 1 and below 4,000,000,000
+  bool littleEndian = false;                 ///< compression type "sowt"
+  std::size_t soundOffset = 0;               ///< of the first sample byte in the file
+  std::uint64_t soundSize = 0;               ///< sample bytes that are there
+  std::vector<AiffMarker> markers;           ///< in file order, duplicate IDs included
+  std::optional<AiffInstrument> instrument;  ///< absent without a usable INST chunk
 };
 
 /// Sizes of the chunk layouts, in bytes.

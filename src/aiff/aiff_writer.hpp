@@ -12,12 +12,12 @@ namespace corvana {
 
 /// Everything of an AIFF file but its samples.
 struct AiffContent {
-  std::uint16_t channels = 0;    ///< at most 32767
-  std::uint16_t sampleSize = 0;  ///< bits, 1 to 32
-  std::uint32_t sampleRate = 0;  ///< Hz
-  std::uint32_t frameCount = 0;
-  std::vector<AiffMarker> markers = {};
-  std::optional<AiffInstrument> instrument = {};
+  std::uint16_t channels = 0;                     ///< at most 32767
+  std::uint16_t sampleSize = 0;                   ///< bits, 1 to 32
+  std::uint32_t sampleRate = 0;                   ///< Hz
+  std::uint32_t frameCount = 0;                   ///< whole frames of samples
+  std::vector<AiffMarker> markers = {};           ///< empty: no MARK chunk
+  std::optional<AiffInstrument> instrument = {};  ///< absent: no INST chunk
 };
 
 /// The file around its samples. A sample takes as many bytes as its bits need. Fails with tooLarge.

@@ -10,10 +10,13 @@
 #include "app/qt_values.hpp"
 
 namespace corvana {
+
+const char* const desktopId = CORVANA_ID;
+
 namespace {
 
 /// desktopId as an object path.
-constexpr const char* objectPath = "/example/corvana/Corvana";
+constexpr const char* objectPath = CORVANA_OBJECT_PATH;
 constexpr const char* interfaceName = "org.freedesktop.Application";
 
 /// Keys of platform data.

@@ -12,8 +12,8 @@
 
 namespace corvana {
 
-/// Bus name of the program, and the name of its desktop entry and icon.
-inline constexpr const char* desktopId = "example.corvana.Corvana";
+/// Bus name of the program, and the name of its desktop entry and icon: the build's CORVANA_ID.
+extern const char* const desktopId;
 
 /// What the desktop asks of the running program: the interface org.freedesktop.Application.
 class DesktopAdaptor : public QDBusAbstractAdaptor {

@@ -125,7 +125,7 @@ std::vector<fs::path> filesOfCommandLine(int count, char** arguments) {
 }
 
 int run(int argumentCount, char** argumentValues) {
-  corvana::useSystemLanguage(corvana::runningProgramFolder());
+  corvana::useSystemLanguage(corvana::runningProgramFolder(argumentValues[0]));
   describeProgram();
   answerOptions(argumentCount, argumentValues);
   const QVariantMap launchTokens = corvana::launchTokens();

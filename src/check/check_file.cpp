@@ -92,9 +92,9 @@ class Checker {
   }
 
   /// Of a list that was cut.
-  void addNotChecked(std::uint64_t count, std::string_view id) {
+  void addNotChecked(std::uint64_t count, std::optional<std::uint64_t> offset) {
     if (count != 0)
-      add({FindingKind::notChecked, Severity::note, offsetOf(id), {}, {}, {valueOf(count)}});
+      add({FindingKind::notChecked, Severity::note, offset, {}, {}, {valueOf(count)}});
   }
 
   /// The last of its ID, which is the one that counts.
@@ -163,14 +163,24 @@ class Checker {
                        [&](const KnownChunk& one) { return one.id == entry.id; });
   }
 
+  bool isLast(const ChunkEntry& entry) const {
+    return entry.offset + chunkHeaderSize + entry.presentSize == file_.fileSize;
+  }
+
+  /// Whether readers find other chunks behind it than there are.
+  bool misleads(const ChunkEntry& entry) const {
+    return entry.padding == Padding::missing && !isLast(entry);
+  }
+
   void checkChunks() {
     std::set<std::string_view> seen;
     const auto& chunks = file_.chunks.chunks;
     for (auto at = chunks.begin(); at != chunks.end(); ++at) {
       const ChunkEntry& entry = *at;
       if (!isID(entry.id)) {
-        const bool hidesMore =
-            std::any_of(at, chunks.end(), [this](const ChunkEntry& one) { return isKnown(one); });
+        const bool hidesMore = std::any_of(at, chunks.end(), [this](const ChunkEntry& one) {
+          return isKnown(one) || misleads(one);
+        });
         add({FindingKind::chunkID,
              hidesMore ? Severity::error : Severity::warning,
              entry.offset,
@@ -194,6 +204,7 @@ class Checker {
           checkRecordCount(entry);
       }
     }
+    addNotChecked(file_.chunks.count - chunks.size(), {});
     if (const std::uint64_t trailing = file_.fileSize - file_.chunks.end; trailing != 0)
       add({FindingKind::trailingBytes,
            Severity::note,
@@ -204,9 +215,9 @@ class Checker {
   }
 
   void checkPadding(const ChunkEntry& entry) {
-    const bool isLast = entry.offset + chunkHeaderSize + entry.presentSize == file_.fileSize;
     if (entry.padding == Padding::missing)
-      addChunk(FindingKind::paddingMissing, isLast ? Severity::note : Severity::error, entry);
+      addChunk(FindingKind::paddingMissing, misleads(entry) ? Severity::error : Severity::note,
+               entry);
     if (entry.padding == Padding::other)
       addChunk(FindingKind::paddingNotZero, Severity::note, entry);
   }
@@ -231,21 +242,24 @@ class Checker {
   }
 
   void checkFormat() {
-    const std::string_view id = file_.isAIFF() ? "COMM" : "fmt ";
-    if (!file_.format) {
-      if (chunk(id) == nullptr)
-        addError(ConversionError(file_.isAIFF() ? Case::missingComm : Case::missingFormat));
+    const bool isAIFF = file_.isAIFF();
+    bool isThere = false;
+    // Each of them: a damaged one keeps readers from going on to the last, which counts.
+    listChunks(content_, [&](const ChunkEntry& entry, ByteView body) {
+      if (entry.id != (isAIFF ? "COMM" : "fmt ")) return;
+      isThere = true;
+      const auto format = describeFormatChunk(body, file_.chunks.container);
+      if (!format)
+        addError(ConversionError(isAIFF ? Case::missingComm : Case::badFormatChunk), entry.offset);
+      else if (isAIFF)
+        checkCommon(*format, entry.offset);
       else
-        addError(ConversionError(file_.isAIFF() ? Case::missingComm : Case::badFormatChunk),
-                 chunk(id)->offset);
-    } else if (file_.isAIFF()) {
-      checkCommon(*file_.format, chunk(id)->offset);
-    } else {
-      checkWavFormat(*file_.format, *chunk(id));
-    }
-    const bool needsSamples = !file_.isAIFF() || file_.declaredFrames.value_or(1) != 0;
+        checkWavFormat(*format, body, entry.offset);
+    });
+    if (!isThere) addError(ConversionError(isAIFF ? Case::missingComm : Case::missingFormat));
+    const bool needsSamples = !isAIFF || file_.declaredFrames.value_or(1) != 0;
     if (!file_.hasSamples && needsSamples)
-      addError(ConversionError(file_.isAIFF() ? Case::missingSound : Case::missingData));
+      addError(ConversionError(isAIFF ? Case::missingSound : Case::missingData));
   }
 
   void checkCommon(const SoundFormat& format, std::uint64_t offset) {
@@ -260,21 +274,21 @@ class Checker {
                offset);
   }
 
-  void checkWavFormat(const SoundFormat& format, const ChunkEntry& entry) {
-    const Fields fields(bodyOf(entry), format.order);
+  void checkWavFormat(const SoundFormat& format, ByteView body, std::uint64_t offset) {
+    const Fields fields(body, format.order);
     const std::uint32_t frameBytes = fields.u16(12);
     const std::uint32_t bits = fields.u16(14);
     const bool isCompressed = format.kind == SampleKind::compressed;
     if (format.channels == 0 || format.sampleRate == 0 || format.kind == SampleKind::unknown ||
         (!isCompressed && (bits == 0 || frameBytes % format.channels != 0))) {
-      addError(ConversionError(Case::badFormatChunk), entry.offset);
+      addError(ConversionError(Case::badFormatChunk), offset);
       return;
     }
     const std::uint32_t needed = bytesFor(bits) * format.channels;
     if (!isCompressed && frameBytes < needed)
       add({FindingKind::frameSize,
            Severity::warning,
-           entry.offset,
+           offset,
            {},
            {},
            {std::int64_t{frameBytes}, std::int64_t{needed}}});
@@ -345,7 +359,7 @@ class Checker {
              {},
              {marker.id, std::int64_t{marker.position}, valueOf(*file_.frames)}});
     }
-    addNotChecked(file_.markerCount - markers.size(), "cue ");
+    addNotChecked(file_.markerCount - markers.size(), offsetOf("cue "));
     for (const std::int64_t id : file_.strayLabels)
       add({FindingKind::strayLabel, Severity::warning, offsetOf("LIST"), {}, {}, {id}});
   }
@@ -412,7 +426,7 @@ class Checker {
     for (std::size_t i = 0; i < std::min(sound.size(), mostSeams); ++i)
       checkSeam(*sound[i]);
     checkOverlaps(std::move(sound));
-    addNotChecked(file_.loopCount - file_.loops.size(), "smpl");
+    addNotChecked(file_.loopCount - file_.loops.size(), offsetOf("smpl"));
   }
 
   /// Whether its frames are all there.

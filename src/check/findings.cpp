@@ -72,7 +72,7 @@ Form formOf(FindingKind kind) {
                            "most.")};
     case FindingKind::notChecked:
       return {"not-checked",
-              translatable("Further loops or markers, which were not looked at: %@.")};
+              translatable("Further chunks, loops or markers, which were not looked at: %@.")};
     case FindingKind::markerDoubled:
       return {"marker-id-doubled", translatable("More than one marker has the ID %@.")};
     case FindingKind::markerID:

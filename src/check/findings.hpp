@@ -54,7 +54,7 @@ enum class FindingKind {
   keyRange,         ///< low note, high note
   velocityRange,    ///< low velocity, high velocity
   // The report.
-  notChecked,    ///< how many loops, or markers
+  notChecked,    ///< how many chunks, loops, or markers
   moreFindings,  ///< how many there were beyond maxFindings
 };
 

@@ -1,8 +1,8 @@
 #include "check/seam.hpp"
 
 #include <algorithm>
-#include <bit>
 #include <cmath>
+#include <cstring>
 
 namespace corvana {
 namespace {
@@ -12,6 +12,15 @@ constexpr std::uint64_t longestCycle = 4096;  // frames
 constexpr std::uint32_t mostChannels = 32;
 constexpr double standsOut = 4;  // times the largest step around
 constexpr double inaudible = 1.0 / 1024;
+
+/// As std::bit_cast, which not every standard library has: Debian 12's Emscripten brings none.
+template <typename Number, typename Bits>
+double numberOf(Bits bits) {
+  static_assert(sizeof(Number) == sizeof(Bits));
+  Number number = 0;
+  std::memcpy(&number, &bits, sizeof number);
+  return number;
+}
 
 /// Samples in parts of full scale.
 class Samples {
@@ -38,8 +47,8 @@ class Samples {
                                                  std::uint64_t{channel} * format_.sampleBytes);
     const Fields fields(data_.subspan(offset, format_.sampleBytes), format_.order);
     if (format_.kind == SampleKind::floatingPoint)
-      return format_.sampleBytes == 4 ? double{std::bit_cast<float>(fields.u32(0))}
-                                      : std::bit_cast<double>(fields.u64(0));
+      return format_.sampleBytes == 4 ? numberOf<float>(fields.u32(0))
+                                      : numberOf<double>(fields.u64(0));
     std::uint32_t value = 0;  // left-justified
     for (std::uint32_t i = 0; i < format_.sampleBytes; ++i)
       value |=

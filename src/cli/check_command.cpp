@@ -3,7 +3,6 @@
 #include "check/check_file.hpp"
 #include "cli/command_line.hpp"
 #include "cli/json_values.hpp"
-#include "cli/look_at_files.hpp"
 #include "platform/standard_streams.hpp"
 #include "platform/texts.hpp"
 #include "vocabulary/screen_text.hpp"
@@ -55,17 +54,19 @@ Json checkObject(const std::string& path, const std::vector<Finding>& findings) 
 
 }  // namespace
 
-int runCheck(const std::vector<std::string>& arguments) {
-  LookOptions options;
-  CLI::App app(description, "corvana-cli check");
+CheckLine::CheckLine() : app(description, "corvana-cli check") {
   app.footer(footer);
   addLookOptions(app, options);
-  if (const auto status = parseCommandLine(app, arguments)) return *status;
+}
+
+int runCheck(const std::vector<std::string>& arguments) {
+  CheckLine line;
+  if (const auto status = parseCommandLine(line.app, arguments)) return *status;
 
   const bool onTerminal = isTerminal(stdout);
-  return lookAtFiles(options, [&](const std::string& path, ByteView content) -> Look {
+  return lookAtFiles(line.options, [&](const std::string& path, ByteView content) -> Look {
     const std::vector<Finding> findings = checkFile(content, describeFile(content));
-    if (options.json) return {lineOf(checkObject(path, findings)), hasErrors(findings)};
+    if (line.options.json) return {lineOf(checkObject(path, findings)), hasErrors(findings)};
     const std::string name = onTerminal ? readableLine(path) : path;
     std::string lines;
     for (const Finding& finding : findings)

@@ -1,11 +1,8 @@
 #include "cli/info_command.hpp"
 
-#include <map>
-
 #include "cli/command_line.hpp"
 #include "cli/info_text.hpp"
 #include "cli/json_values.hpp"
-#include "cli/look_at_files.hpp"
 #include "platform/standard_streams.hpp"
 #include "platform/texts.hpp"
 #include "vocabulary/screen_text.hpp"
@@ -54,29 +51,27 @@ Json infoObject(const std::string& path, const FileDescription& file, const Pros
 
 }  // namespace
 
-int runInfo(const std::vector<std::string>& arguments) {
-  LookOptions options;
-  int middleC = 4;
-  CLI::App app(description, "corvana-cli info");
+InfoLine::InfoLine() : app(description, "corvana-cli info") {
   app.footer(footer);
   addLookOptions(app, options);
-  app.add_option("--middle-c", middleC, "What note 60 is called: C3, C4 (the default) or C5")
-      ->transform(CLI::CheckedTransformer(
-                      std::map<std::string, int>{{"C3", 3}, {"C4", 4}, {"C5", 5}}, CLI::ignore_case)
-                      .description(""))
-      ->type_name("NAME");
-  if (const auto status = parseCommandLine(app, arguments)) return *status;
+  addChoice<int>(app, "--middle-c", middleC, {{"C3", 3}, {"C4", 4}, {"C5", 5}},
+                 "What note 60 is called, C4 by default");
+}
+
+int runInfo(const std::vector<std::string>& arguments) {
+  InfoLine line;
+  if (const auto status = parseCommandLine(line.app, arguments)) return *status;
 
   const bool onTerminal = isTerminal(stdout);
   bool isFirst = true;
-  return lookAtFiles(options, [&](const std::string& path, ByteView content) -> Look {
+  return lookAtFiles(line.options, [&](const std::string& path, ByteView content) -> Look {
     const FileDescription file = describeFile(content);
     const Prospect prospect = prospectOf(content);
-    if (options.json) return {lineOf(infoObject(path, file, prospect, middleC))};
+    if (line.options.json) return {lineOf(infoObject(path, file, prospect, line.middleC))};
     const std::string gap = isFirst ? "" : "\n";
     isFirst = false;
     const std::string name = onTerminal ? readableLine(path) : path;
-    return {gap + name + "\n" + infoText(file, prospect, middleC, systemLanguage())};
+    return {gap + name + "\n" + infoText(file, prospect, line.middleC, systemLanguage())};
   });
 }
 

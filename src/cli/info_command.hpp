@@ -1,10 +1,22 @@
 // corvana-cli info: what files hold.
 #pragma once
 
+#include <CLI/CLI.hpp>
 #include <string>
 #include <vector>
 
+#include "cli/look_at_files.hpp"
+
 namespace corvana {
+
+/// The command line of "info", and what it says once it is parsed.
+struct InfoLine {
+  InfoLine();
+
+  CLI::App app;
+  LookOptions options;
+  int middleC = 4;  ///< the octave that note 60 is the C of
+};
 
 /// Takes the arguments behind "info" and gives the exit status.
 int runInfo(const std::vector<std::string>& arguments);

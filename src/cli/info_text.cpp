@@ -6,9 +6,7 @@
 #include <string_view>
 #include <vector>
 
-#include "convert/detect_format.hpp"
-#include "convert/plan_aiff_to_wav.hpp"
-#include "convert/plan_wav_to_aiff.hpp"
+#include "convert/plan_conversion.hpp"
 #include "inspect/note_name.hpp"
 #include "vocabulary/messages.hpp"
 #include "vocabulary/screen_text.hpp"
@@ -393,7 +391,7 @@ class InfoWriter {
 
 Prospect prospectOf(ByteView file) {
   try {
-    return detectFormat(file) ? planAIFFToWAV(file) : planWAVToAIFF(file);
+    return planConversion(file);
   } catch (const ConversionError& error) {
     return error;
   }

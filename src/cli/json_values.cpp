@@ -5,7 +5,7 @@
 #include <string_view>
 
 #include "inspect/note_name.hpp"
-#include "platform/files.hpp"
+#include "platform/error_names.hpp"
 #include "platform/standard_streams.hpp"
 #include "verify/difference_texts.hpp"
 #include "vocabulary/unicode.hpp"

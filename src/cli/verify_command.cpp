@@ -39,12 +39,6 @@ constexpr const char* footer =
     "                                                  what kinds of differences there are\n"
     "  corvana-cli --verify piano.wav                  converts, and proves it at once\n";
 
-struct Arguments {
-  std::string input;
-  std::string output;
-  bool json = false;
-};
-
 /// Open for reading; fails with a FileError.
 class NamedFile {
  public:
@@ -95,49 +89,46 @@ Verdict verdictOf(const Differences& differences, Json& object, bool json) {
   return verdict;
 }
 
-Verdict verify(const Arguments& arguments) {
-  Json object = fileObject(arguments.input);
-  addPath(object, "output", arguments.output);
+Verdict verify(const VerifyLine& line) {
+  Json object = fileObject(line.input);
+  addPath(object, "output", line.output);
   try {
-    const NamedFile input(arguments.input);
-    const NamedFile output(arguments.output);
+    const NamedFile input(line.input);
+    const NamedFile output(line.output);
     const bool fromAIFF = input.isAIFF();
     if (output.isAIFF() == fromAIFF)
       throw FileError(EINVAL,
                       localised("'%1$@' is of the same format as the input – one file has to be "
                                 "WAV, the other AIFF."),
-                      arguments.output);
+                      line.output);
     object["direction"] = directionCode(fromAIFF ? Direction::toWAV : Direction::toAIFF);
     const Differences differences =
         verifyFiles(input.content(), output.content(), Producer::anyProgram, {});
-    return verdictOf(differences, object, arguments.json);
+    return verdictOf(differences, object, line.json);
   } catch (const ConversionError& error) {
     object["error"] = jsonOf(error, systemLanguage());
     const std::string text = errorDescription(error, systemLanguage());
-    return arguments.json ? Verdict{.output = lineOf(object)}
-                          : Verdict{.remark = arguments.input + ": " + text};
+    return line.json ? Verdict{.output = lineOf(object)}
+                     : Verdict{.remark = line.input + ": " + text};
   } catch (const std::system_error& error) {
     object["error"] = jsonOf(error, systemLanguage());
-    return arguments.json ? Verdict{.output = lineOf(object)} : Verdict{.remark = error.what()};
+    return line.json ? Verdict{.output = lineOf(object)} : Verdict{.remark = error.what()};
   }
 }
 
 }  // namespace
 
-int runVerify(const std::vector<std::string>& values) {
-  Arguments arguments;
-  CLI::App app(description, "corvana-cli verify");
+VerifyLine::VerifyLine() : app(description, "corvana-cli verify") {
   app.footer(footer);
-  app.add_flag("--json", arguments.json, "One JSON object with all differences");
-  app.add_option("INPUT", arguments.input, "The file that was converted")
-      ->required()
-      ->type_name("");
-  app.add_option("OUTPUT", arguments.output, "What it was converted into")
-      ->required()
-      ->type_name("");
-  if (const auto status = parseCommandLine(app, values)) return *status;
+  app.add_flag("--json", json, "One JSON object with all differences");
+  app.add_option("INPUT", input, "The file that was converted")->required()->type_name("");
+  app.add_option("OUTPUT", output, "What it was converted into")->required()->type_name("");
+}
 
-  Verdict verdict = verify(arguments);
+int runVerify(const std::vector<std::string>& arguments) {
+  VerifyLine line;
+  if (const auto status = parseCommandLine(line.app, arguments)) return *status;
+  Verdict verdict = verify(line);
   const std::string& output = verdict.output;
   if (std::fwrite(output.data(), 1, output.size(), stdout) != output.size() ||
       std::fflush(stdout) != 0) {

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <memory>
 #include <span>
+#include <utility>
 
 namespace corvana {
 namespace {
@@ -36,6 +37,12 @@ void carryOut(const ConversionPlan& plan, const ByteSource& source, ByteSink& si
   copySampleFrames(plan.samples, source, sink, progress);
   sink.append(plan.trailer);
   if (progress && plan.samples.frameCount == 0) progress(1.0);
+}
+
+ByteBuffer carryOutInMemory(const ConversionPlan& plan, ByteView input) {
+  MemorySink output;
+  carryOut(plan, MemorySource(input), output, {});
+  return std::move(output.bytes);
 }
 
 }  // namespace corvana

@@ -17,4 +17,8 @@ inline constexpr std::uint64_t maxBlockSize = 1'048'576;
 void carryOut(const ConversionPlan& plan, const ByteSource& source, ByteSink& sink,
               const ProgressHandler& progress);
 
+/// The whole output, in memory; `input` is the content that the plan was made of. Fails with
+/// std::bad_alloc.
+ByteBuffer carryOutInMemory(const ConversionPlan& plan, ByteView input);
+
 }  // namespace corvana

@@ -15,10 +15,10 @@ namespace corvana {
 
 /// Where the samples of a conversion lie in its input, and how they are converted.
 struct SampleRun {
-  std::uint64_t offset = 0;  ///< of the first sample byte in the input
-  std::uint32_t frameCount = 0;
-  std::uint32_t channels = 1;
-  SampleConversion conversion;
+  std::uint64_t offset = 0;      ///< of the first sample byte in the input
+  std::uint32_t frameCount = 0;  ///< whole frames to convert
+  std::uint32_t channels = 1;    ///< samples in a frame
+  SampleConversion conversion;   ///< of each sample
 
   std::uint64_t sourceFrameSize() const {  ///< bytes
     return std::uint64_t{channels} * conversion.sourceWidth;
@@ -34,11 +34,11 @@ struct SampleRun {
 struct ConversionPlan {
   /// The format and the mapped records of the output.
   std::variant<AiffContent, WavContent> content;
-  ByteBuffer header;  ///< the bytes ahead of the samples
-  SampleRun samples;
+  ByteBuffer header;   ///< the bytes ahead of the samples
+  SampleRun samples;   ///< what lies between header and trailer
   ByteBuffer trailer;  ///< the bytes behind the samples
-  Summary summary;
-  Warnings warnings;
+  Summary summary;     ///< the figures of the output
+  Warnings warnings;   ///< what the output cannot keep
 
   std::uint64_t outputSize() const {  ///< bytes, of the whole output
     return header.size() + samples.outputSize() + trailer.size();

@@ -13,11 +13,23 @@ bool isPlausibleID(std::string_view id) {
          std::all_of(id.begin(), id.end(), [](char c) { return c >= ' ' && c <= '~'; });
 }
 
+/// How much speaks for a chunk at `position`: its ID, its size, and what stands behind it.
+int credibilityOfChunk(ByteView file, ByteOrder order, std::uint64_t position) {
+  const auto chunk = chunkAt(file, order, position);
+  if (!chunk || !isPlausibleID(chunk->id)) return 0;
+  if (chunk->body.size() < chunk->declaredSize) return 1;
+  const std::uint64_t end = chunk->bodyOffset + chunk->body.size();
+  if (end + end % 2 >= file.size()) return 3;
+  const auto isChunk = [&](std::uint64_t start) {
+    const auto next = chunkAt(file, order, start);
+    return next && isPlausibleID(next->id);
+  };
+  return isChunk(end) || isChunk(end + 1) ? 3 : 2;
+}
+
 /// Whether a chunk starts at `position` rather than one byte behind it, where it should.
 bool followsUnpadded(ByteView file, ByteOrder order, std::uint64_t position) {
-  const auto unpadded = chunkAt(file, order, position);
-  const auto padded = chunkAt(file, order, position + 1);
-  return unpadded && isPlausibleID(unpadded->id) && !(padded && isPlausibleID(padded->id));
+  return credibilityOfChunk(file, order, position) > credibilityOfChunk(file, order, position + 1);
 }
 
 Padding paddingBehind(ByteView file, ByteOrder order, std::uint64_t bodyEnd) {

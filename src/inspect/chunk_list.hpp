@@ -35,21 +35,21 @@ enum class Padding {
 
 /// One chunk as found in a file.
 struct ChunkEntry {
-  std::string id;            ///< the four bytes
-  std::uint64_t offset = 0;  ///< of its header, in bytes from the start of the file
-  std::uint64_t declaredSize = 0;
-  std::uint64_t presentSize = 0;  ///< less where the file ends inside
-  Padding padding = Padding::none;
+  std::string id;                   ///< the four bytes
+  std::uint64_t offset = 0;         ///< of its header, in bytes from the start of the file
+  std::uint64_t declaredSize = 0;   ///< of its body, in bytes
+  std::uint64_t presentSize = 0;    ///< less where the file ends inside
+  Padding padding = Padding::none;  ///< behind its body
 };
 
 /// The chunks of a file in their order.
 struct ChunkList {
-  Container container = Container::unknown;
-  std::string formType;            ///< the four bytes behind the container's size
-  std::uint64_t declaredEnd = 0;   ///< where the container says that it ends; bytes
-  std::uint64_t end = 0;           ///< where the last chunk ends, pad byte included
-  std::uint64_t count = 0;         ///< of all chunks
-  std::vector<ChunkEntry> chunks;  ///< the first maxListed
+  Container container = Container::unknown;  ///< of the first twelve bytes
+  std::string formType;                      ///< the four bytes behind the container's size
+  std::uint64_t declaredEnd = 0;             ///< where the container says that it ends; bytes
+  std::uint64_t end = 0;                     ///< where the last chunk ends, pad byte included
+  std::uint64_t count = 0;                   ///< of all chunks
+  std::vector<ChunkEntry> chunks;            ///< the first maxListed
 };
 
 /// Of a file's first bytes.

@@ -46,7 +46,7 @@ SampleKind kindOfTag(std::uint16_t tag) {
 }
 
 /// As the reader understands it, but of any kind of samples, and in either byte order.
-std::optional<SoundFormat> describeFormat(ByteView body, ByteOrder order) {
+std::optional<SoundFormat> describeWavFormat(ByteView body, ByteOrder order) {
   if (body.size() < wav_layout::formatSize) return std::nullopt;
   const Fields fields(body, order);
   SoundFormat format;
@@ -167,11 +167,12 @@ void nameCuePoints(const std::map<std::uint32_t, Label>& labels, FileDescription
 FileDescription describeWav(ByteView content) {
   FileDescription file;
   std::map<std::uint32_t, Label> labels;
-  const ByteOrder order = byteOrderOf(containerOf(content));
+  const Container container = containerOf(content);
+  const ByteOrder order = byteOrderOf(container);
   std::optional<std::uint32_t> fact;
   file.chunks = listChunks(content, [&](const ChunkEntry& chunk, ByteView body) {
     if (chunk.id == "fmt ") {
-      file.format = describeFormat(body, order);
+      file.format = describeFormatChunk(body, container);
     } else if (chunk.id == "data") {
       file.hasSamples = true;
       file.dataOffset = chunk.offset + chunkHeaderSize;
@@ -278,12 +279,12 @@ void describeLoop(const AiffLoop& loop, LoopRole role, FileDescription& file) {
 
 FileDescription describeAiff(ByteView content) {
   FileDescription file;
-  const bool isAIFC = containerOf(content) == Container::aifc;
+  const Container container = containerOf(content);
   std::optional<AiffInstrument> instrument;
   file.chunks = listChunks(content, [&](const ChunkEntry& chunk, ByteView body) {
     const Fields fields(body, ByteOrder::big);
     if (chunk.id == "COMM") {
-      file.format = describeCommon(body, isAIFC);
+      file.format = describeFormatChunk(body, container);
       if (file.format) file.declaredFrames = fields.u32(2);
     } else if (chunk.id == "SSND") {
       if (body.size() < aiff_layout::soundHeaderSize) return;
@@ -322,6 +323,12 @@ FileDescription describeAiff(ByteView content) {
 }
 
 }  // namespace
+
+std::optional<SoundFormat> describeFormatChunk(ByteView body, Container container) {
+  if (container == Container::aiff || container == Container::aifc)
+    return describeCommon(body, container == Container::aifc);
+  return describeWavFormat(body, byteOrderOf(container));
+}
 
 FileDescription describeFile(ByteView content) {
   FileDescription file;

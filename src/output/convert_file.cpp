@@ -16,7 +16,8 @@ class InputFileSource : public ByteSource {
   explicit InputFileSource(const InputFile& file) : file_(file) {}
   void read(std::uint64_t offset, std::size_t size,
             const std::function<void(ByteView)>& use) const override {
-    file_.read([&](ByteView content) { use(content.subspan(offset, size)); });
+    file_.read(
+        [&](ByteView content) { use(content.subspan(static_cast<std::size_t>(offset), size)); });
   }
 
  private:

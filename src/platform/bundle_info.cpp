@@ -1,6 +1,6 @@
 #include "platform/bundle_info.hpp"
 
-#ifdef __GLIBC__
+#if CORVANA_HAS_GNU_C_LIBRARY
 #include <gnu/libc-version.h>
 #endif
 
@@ -21,7 +21,7 @@ std::vector<std::string> systemLibraries() {
 #ifdef _GLIBCXX_RELEASE
   libraries.push_back("GNU C++ Library " + std::to_string(_GLIBCXX_RELEASE));
 #endif
-#ifdef __GLIBC__
+#if CORVANA_HAS_GNU_C_LIBRARY
   libraries.push_back(std::string("GNU C Library ") + gnu_get_libc_version());
 #endif
   return libraries;

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <cerrno>
-#include <cstring>
+#include <cstdlib>
 #include <fcntl.h>
 #include <limits>
 #include <sys/mman.h>
@@ -33,11 +33,6 @@ void failReplacing(int errorNumber, const std::filesystem::path& path) {
 
 void failWriting(int errorNumber, const std::filesystem::path& path) {
   throw FileError(errorNumber, localised("Cannot write '%1$@': %2$@"), path);
-}
-
-std::string errorName(int errorNumber) {
-  const char* const name = ::strerrorname_np(errorNumber);
-  return name == nullptr ? "" : name;
 }
 
 FileIdentity identityOf(const struct stat& status, const std::string& name) {
@@ -89,10 +84,29 @@ FolderIdentity identityOf(const FileDescriptor& folder) {
   return {status.st_dev, status.st_ino};
 }
 
+namespace {
+
+/// A file that nobody else can open and that is gone when it is closed.
+FileDescriptor makeNamelessFile() {
+#if CORVANA_HAS_MEMFD
+  return FileDescriptor(::memfd_create("", MFD_CLOEXEC));
+#else
+  std::error_code error;
+  std::string name = (std::filesystem::temp_directory_path(error) / "corvana-XXXXXX").native();
+  FileDescriptor file(::mkstemp(name.data()));
+  if (file.number() < 0) return file;
+  ::unlink(name.c_str());
+  ::fcntl(file.number(), F_SETFD, FD_CLOEXEC);
+  return file;
+#endif
+}
+
+}  // namespace
+
 FileDescriptor makeMemoryFile(std::span<const std::uint8_t> head, std::uint64_t gap,
                               std::span<const std::uint8_t> tail,
                               const std::filesystem::path& path) {
-  FileDescriptor file(::memfd_create("", MFD_CLOEXEC));
+  FileDescriptor file = makeNamelessFile();
   if (file.number() < 0) failReading(errno, path);
   if (::ftruncate(file.number(), static_cast<off_t>(head.size() + gap + tail.size())) != 0)
     failReading(errno, path);
@@ -186,7 +200,7 @@ void InputFile::checkStillThere() const {
   // The page in which the file now ends gives zeros behind that end, and no signal.
   struct stat status {};
   if (::fstat(file_.number(), &status) != 0) failReading(errno, path_);
-  if (static_cast<std::size_t>(status.st_size) < size_) failReading(EIO, path_);
+  if (static_cast<std::uint64_t>(status.st_size) < size_) failReading(EIO, path_);
 }
 
 void writeAll(const FileDescriptor& file, std::span<const std::uint8_t> first,
@@ -208,11 +222,14 @@ void writeAll(const FileDescriptor& file, std::span<const std::uint8_t> first,
   }
 }
 
-void reserveSpace(const FileDescriptor& file, std::uint64_t offset, std::uint64_t size) {
-  // The system's own call: the C library's portable one writes to every block where the file
-  // system cannot reserve.
+void reserveSpace([[maybe_unused]] const FileDescriptor& file,
+                  [[maybe_unused]] std::uint64_t offset, [[maybe_unused]] std::uint64_t size) {
+  // The system's own call or none: the portable one makes the file longer, and the C library's
+  // writes to every block where the file system cannot reserve.
+#if CORVANA_HAS_FALLOCATE
   ::fallocate(file.number(), FALLOC_FL_KEEP_SIZE, static_cast<off_t>(offset),
               static_cast<off_t>(size));
+#endif
 }
 
 void releaseSpace(const FileDescriptor& file) {

@@ -40,9 +40,6 @@ class FileError : public std::system_error {
 [[noreturn]] void failReplacing(int errorNumber, const std::filesystem::path& path);
 [[noreturn]] void failWriting(int errorNumber, const std::filesystem::path& path);
 
-/// "ENOSPC" for example; empty where the system has no such error.
-std::string errorName(int errorNumber);
-
 /// A call of the system that a signal interrupted before it did anything is made again.
 template <typename Call>
 auto uninterrupted(const Call& call) {

@@ -13,8 +13,15 @@
 namespace corvana {
 namespace {
 
-// To look up names in a folder takes no right to list it.
-constexpr int openFlags = O_PATH | O_DIRECTORY | O_CLOEXEC;
+// To look up names in a folder takes no right to list it, where the system can be told so.
+#if CORVANA_HAS_O_PATH
+constexpr int openToSearch = O_PATH;
+#elif defined(O_SEARCH)
+constexpr int openToSearch = O_SEARCH;
+#else
+constexpr int openToSearch = O_RDONLY;
+#endif
+constexpr int openFlags = openToSearch | O_DIRECTORY | O_CLOEXEC;
 
 [[noreturn]] void fail(int errorNumber) {
   throw std::system_error(errorNumber, std::generic_category());
@@ -32,14 +39,35 @@ class ForeignLink : public std::system_error {
   ForeignLink() : std::system_error(ELOOP, std::generic_category()) {}
 };
 
-/// Where a link that is open itself, not what it leads to, points.
-std::string targetOf(const FileDescriptor& link) {
+/// Where a link points. An empty name stands for a link that is open itself.
+std::string targetOf(int folder, const char* name) {
   std::string target(PATH_MAX, '\0');
-  const ssize_t length = ::readlinkat(link.number(), "", target.data(), target.size());
+  const ssize_t length = ::readlinkat(folder, name, target.data(), target.size());
   if (length < 0) fail(errno);
   target.resize(static_cast<std::size_t>(length));
   return target;
 }
+
+void checkOwner(const struct stat& link) {
+  if (link.st_uid != ::geteuid() && link.st_uid != 0) throw ForeignLink();
+}
+
+#if !CORVANA_HAS_O_PATH
+
+struct stat statusOf(int folder, const char* name) {
+  struct stat status {};
+  if (::fstatat(folder, name, &status, AT_SYMLINK_NOFOLLOW) != 0) fail(errno);
+  return status;
+}
+
+/// Whether it is one link that nobody has touched, or taken away and put back, in between.
+bool isUnchanged(const struct stat& before, const struct stat& after) {
+  return before.st_dev == after.st_dev && before.st_ino == after.st_ino &&
+         before.st_ctim.tv_sec == after.st_ctim.tv_sec &&
+         before.st_ctim.tv_nsec == after.st_ctim.tv_nsec;
+}
+
+#endif
 
 bool mayBeOneFile(const FileIdentity& a, const FileIdentity& b) {
   if (a.device != b.device) return false;
@@ -56,16 +84,28 @@ Folder::Folder(FileDescriptor descriptor, std::filesystem::path path)
     : descriptor_(std::move(descriptor)), path_(std::move(path)) {}
 
 Folder Folder::open(const std::string& name) const {
+#if CORVANA_HAS_O_PATH
   FileDescriptor item =
       openChecked(descriptor_.number(), name.c_str(), O_PATH | O_NOFOLLOW | O_CLOEXEC);
   struct stat status {};
   if (::fstat(item.number(), &status) != 0) fail(errno);
   if (S_ISDIR(status.st_mode)) return {std::move(item), path_ / name};
   if (!S_ISLNK(status.st_mode)) fail(ENOTDIR);
-  if (status.st_uid != ::geteuid() && status.st_uid != 0) throw ForeignLink();
+  checkOwner(status);
   // What the open link says, not what now has its name.
-  const std::string target = targetOf(item);
-  return {openChecked(descriptor_.number(), target.c_str(), openFlags), path_ / name};
+  const std::string target = targetOf(item.number(), "");
+#else
+  FileDescriptor item(
+      uninterrupted([&] { return ::openat(number(), name.c_str(), openFlags | O_NOFOLLOW); }));
+  const int errorNumber = errno;
+  if (item.number() >= 0) return {std::move(item), path_ / name};
+  const struct stat status = statusOf(number(), name.c_str());
+  if (!S_ISLNK(status.st_mode)) fail(S_ISDIR(status.st_mode) ? errorNumber : ENOTDIR);
+  checkOwner(status);
+  const std::string target = targetOf(number(), name.c_str());
+  if (!isUnchanged(status, statusOf(number(), name.c_str()))) fail(ELOOP);
+#endif
+  return {openChecked(number(), target.c_str(), openFlags), path_ / name};
 }
 
 Folder Folder::make(const std::string& name) const {
@@ -143,10 +183,13 @@ void Folder::discard(const std::string& name) const {
 }
 
 bool Folder::moveToFreeName(const std::string& from, const std::string& to) const {
+#if CORVANA_HAS_RENAMEAT2
   if (::renameat2(number(), from.c_str(), number(), to.c_str(), RENAME_NOREPLACE) == 0) return true;
   if (errno == EEXIST) return false;
-  // Not every file system can do that in one step; a second name is refused in the same way.
+  // Not every file system can do that in one step.
   if (errno != EINVAL && errno != ENOSYS) failCreating(errno, path_ / to);
+#endif
+  // A second name is refused in the same way.
   if (::linkat(number(), from.c_str(), number(), to.c_str(), 0) != 0) {
     if (errno == EEXIST) return false;
     failCreating(errno, path_ / to);

@@ -38,7 +38,9 @@ FileDescriptor openFolder(const FileDescriptor& parent, const char* name, int fl
 }
 
 bool isFolderEntry(const dirent& entry, const FileDescriptor& folder) {
+#if CORVANA_HAS_ENTRY_TYPES
   if (entry.d_type != DT_UNKNOWN) return entry.d_type == DT_DIR;
+#endif
   struct stat status {};
   return ::fstatat(folder.number(), entry.d_name, &status, AT_SYMLINK_NOFOLLOW) == 0 &&
          S_ISDIR(status.st_mode);

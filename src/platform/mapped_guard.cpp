@@ -15,6 +15,15 @@ constinit thread_local const GuardedMapping* innermost = nullptr;
 struct sigaction previousAction {};
 std::size_t pageSize = 0;
 
+/// Whether the system itself reports a failed access; otherwise a process or thread sent the
+/// signal.
+bool isFault(int code) {
+#if CORVANA_HAS_MEMORY_FAILURES
+  if (code == BUS_MCEERR_AR || code == BUS_MCEERR_AO) return true;
+#endif
+  return code == BUS_ADRALN || code == BUS_ADRERR || code == BUS_OBJERR;
+}
+
 /// Whether `address` lies in the mapping that this thread reads and now holds zeros.
 bool replaceLostPages(const void* address) {
   for (const GuardedMapping* guarded = innermost; guarded != nullptr; guarded = guarded->outer) {
@@ -34,11 +43,11 @@ bool replaceLostPages(const void* address) {
 // the memory and returning lets the reader run on to a place where it can throw.
 void onBusError(int signal, siginfo_t* info, void*) {
   const int savedError = errno;
-  const bool isFault = info->si_code > 0;  // otherwise another process or thread sent it
-  if (!isFault || !replaceLostPages(info->si_addr)) {
+  const bool fault = isFault(info->si_code);
+  if (!fault || !replaceLostPages(info->si_addr)) {
     // A fault repeats as soon as the handler returns, and then has its usual effect.
     ::sigaction(SIGBUS, &previousAction, nullptr);
-    if (!isFault) ::raise(signal);
+    if (!fault) ::raise(signal);
   }
   errno = savedError;
 }

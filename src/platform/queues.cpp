@@ -1,8 +1,11 @@
 #include "platform/queues.hpp"
 
 #include <chrono>
-#include <pthread.h>
 #include <utility>
+
+#if CORVANA_HAS_NAMED_THREADS
+#include <pthread.h>
+#endif
 
 #include "platform/ending.hpp"
 
@@ -17,8 +20,10 @@ constexpr std::chrono::microseconds wakeDelay{500};
 
 }  // namespace
 
-SerialQueue::SerialQueue(const std::string& label) : thread_([this] { run(); }) {
+SerialQueue::SerialQueue([[maybe_unused]] const std::string& label) : thread_([this] { run(); }) {
+#if CORVANA_HAS_NAMED_THREADS
   ::pthread_setname_np(thread_.native_handle(), label.c_str());
+#endif
 }
 
 SerialQueue::~SerialQueue() {

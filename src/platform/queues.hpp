@@ -17,7 +17,8 @@ using Task = std::function<void()>;
 /// Runs tasks one at a time on a thread of its own, in the order in which they were given.
 class SerialQueue {
  public:
-  /// `label` names the thread for debuggers (at most 15 characters on Linux).
+  /// `label` names the thread for debuggers (at most 15 characters) where the system has such
+  /// names.
   explicit SerialQueue(const std::string& label);
   SerialQueue(const SerialQueue&) = delete;
   SerialQueue& operator=(const SerialQueue&) = delete;

@@ -1,11 +1,13 @@
 #include "platform/texts.hpp"
 
+#include <algorithm>
 #include <array>
 #include <clocale>
 #include <cstdio>
 #include <cstdlib>
 #include <libintl.h>
 #include <system_error>
+#include <unistd.h>
 
 #include "vocabulary/screen_text.hpp"
 
@@ -73,9 +75,30 @@ void useSystemLanguage(const std::filesystem::path& programFolder) {
   }
 }
 
-std::filesystem::path runningProgramFolder() {
+std::filesystem::path folderOfCommand(std::string_view command, std::string_view searchPath) {
   std::error_code error;
-  return std::filesystem::read_symlink("/proc/self/exe", error).parent_path();
+  if (command.find('/') != std::string_view::npos)
+    return std::filesystem::canonical(command, error).parent_path();
+  while (!searchPath.empty()) {
+    const std::size_t length = std::min(searchPath.find(':'), searchPath.size());
+    const std::filesystem::path file =
+        std::filesystem::path(searchPath.substr(0, length)) / command;
+    searchPath.remove_prefix(std::min(length + 1, searchPath.size()));
+    if (file.is_absolute() && std::filesystem::is_regular_file(file, error) &&
+        ::access(file.c_str(), X_OK) == 0)
+      return std::filesystem::canonical(file, error).parent_path();
+  }
+  return {};
+}
+
+std::filesystem::path runningProgramFolder(const char* command) {
+#if CORVANA_HAS_LINK_TO_PROGRAM
+  std::error_code error;
+  const auto program = std::filesystem::read_symlink("/proc/self/exe", error);
+  if (!error) return program.parent_path();
+#endif
+  return command == nullptr ? std::filesystem::path()
+                            : folderOfCommand(command, environmentValue("PATH"));
 }
 
 std::string localised(const char* key, TextTable table) {

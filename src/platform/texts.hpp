@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <filesystem>
 #include <string>
+#include <string_view>
 
 #include "vocabulary/language.hpp"
 
@@ -24,8 +25,13 @@ std::filesystem::path catalogueFolder(const std::filesystem::path& programFolder
 /// once, at the start of main, before other threads exist.
 void useSystemLanguage(const std::filesystem::path& programFolder);
 
-/// The folder of the running program; empty where the system does not tell.
-std::filesystem::path runningProgramFolder();
+/// The folder of the program that was started as `command` (the first argument of main): a path, or
+/// a name that is looked for in the folders of `searchPath` (PATH). Empty where it is not there.
+std::filesystem::path folderOfCommand(std::string_view command, std::string_view searchPath);
+
+/// The folder of the running program, which was started as `command` (null: unknown); empty where
+/// it cannot be told.
+std::filesystem::path runningProgramFolder(const char* command);
 
 /// The user's language for `key`, or `key` itself (English) where no catalogue has it.
 std::string localised(const char* key, TextTable table = TextTable::corvana);

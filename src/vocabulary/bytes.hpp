@@ -11,12 +11,15 @@
 
 namespace corvana {
 
+/// Which byte of a number comes first.
 enum class ByteOrder {
   little,  ///< WAV
   big,     ///< AIFF
 };
 
+/// Bytes that somebody else owns.
 using ByteView = std::span<const std::uint8_t>;
+/// Bytes of one's own.
 using ByteBuffer = std::vector<std::uint8_t>;
 
 /// Integer fields at byte offsets of a view. A field that does not lie wholly inside the view
@@ -75,6 +78,7 @@ void appendInteger(ByteBuffer& buffer, Value value, ByteOrder order) {
   }
 }
 
+/// Appends them as they are.
 inline void appendBytes(ByteBuffer& buffer, ByteView bytes) {
   buffer.insert(buffer.end(), bytes.begin(), bytes.end());
 }

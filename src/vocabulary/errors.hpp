@@ -24,6 +24,7 @@ enum class UnsupportedKind {
 /// The failure of one conversion. System failures are std::system_error instead.
 class ConversionError : public std::exception {
  public:
+  /// What went wrong.
   enum class Case {
     unsupported,  ///< with an UnsupportedKind and its value
     writeFailed,  ///< with the path of the output file and the system's error number
@@ -40,9 +41,12 @@ class ConversionError : public std::exception {
 
   /// A case without a detail.
   explicit ConversionError(Case kind) : kind_(kind) {}
+  /// `values` as listed at the kind.
   static ConversionError unsupported(UnsupportedKind kind, std::vector<MessageValue> values = {});
+  /// `errorNumber` is the system's.
   static ConversionError writeFailed(std::string path, int errorNumber);
 
+  /// What went wrong; the functions below say more of some cases.
   Case kind() const { return kind_; }
   /// Of unsupported.
   UnsupportedKind unsupportedKind() const { return unsupportedKind_; }

@@ -10,6 +10,7 @@
 
 namespace corvana {
 
+/// A failure without its exception.
 struct Failure {
   /// An errorCode, "stopped", "input-clash", "not-as-promised" or "system-error". They never
   /// change.
@@ -20,6 +21,7 @@ struct Failure {
   int errorNumber = 0;    ///< the system's, where it had a part in it
 };
 
+/// Of a ConversionError, a std::system_error or any other exception.
 Failure failureOf(const std::exception& error, const Language& language);
 
 }  // namespace corvana

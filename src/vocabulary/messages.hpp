@@ -14,15 +14,15 @@ namespace corvana {
 
 /// The figures of a converted file.
 struct Summary {
-  std::int64_t bits = 0;  ///< per sample
-  std::int64_t channels = 0;
+  std::int64_t bits = 0;         ///< per sample
+  std::int64_t channels = 0;     ///< samples in a frame
   std::uint32_t sampleRate = 0;  ///< Hz
   std::optional<std::int64_t> rootKey =
-      std::nullopt;           ///< MIDI note, absent without instrument data
-  std::int64_t fineTune = 0;  ///< cents
-  std::int64_t loopCount = 0;
-  std::int64_t markerCount = 0;
-  std::int64_t cuePointCount = 0;
+      std::nullopt;                ///< MIDI note, absent without instrument data
+  std::int64_t fineTune = 0;       ///< cents
+  std::int64_t loopCount = 0;      ///< that the output keeps, if only as markers
+  std::int64_t markerCount = 0;    ///< AIFF: in the output
+  std::int64_t cuePointCount = 0;  ///< WAV: in the output
 };
 
 /// "16-bit, stereo, 44100 Hz, root key 60 (+12 ct), 2 loops, 4 markers". Counts of 0 are left out.
@@ -34,9 +34,10 @@ std::string bitDepthText(std::int64_t bits, const Language& language);
 /// "mono", "stereo", or "6 channels" for any other number, 0 and negative ones included.
 std::string channelsText(std::int64_t count, const Language& language);
 
-/// The short names by which programs know a warning or a failure, "loop-backward" or "format-tag"
-/// for example. They never change.
+/// The short name by which programs know a warning, "loop-backward" for example. Never changes.
 const char* warningCode(WarningKind kind);
+
+/// The short name by which programs know a failure, "format-tag" for example. Never changes.
 const char* errorCode(const ConversionError& error);
 
 /// What stands in the text of a message for one of its values.

@@ -31,6 +31,7 @@ class ByteSink {
 /// An input that lies in memory, which outlives it.
 class MemorySource : public ByteSource {
  public:
+  /// `content` is all of it.
   explicit MemorySource(ByteView content) : content_(content) {}
   void read(std::uint64_t offset, std::size_t size,
             const std::function<void(ByteView)>& use) const override {
@@ -47,7 +48,7 @@ class MemorySink : public ByteSink {
   void reserve(std::uint64_t size) override { bytes.reserve(static_cast<std::size_t>(size)); }
   void append(ByteView more) override { appendBytes(bytes, more); }
 
-  ByteBuffer bytes;
+  ByteBuffer bytes;  ///< what came so far
 };
 
 /// Takes the finished fraction of the current file, 0.0 to 1.0: after each block of sample data

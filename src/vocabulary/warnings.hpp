@@ -17,6 +17,7 @@ enum class LoopRole { sustain, release };
 /// characters that are shown as they are.
 using MessageValue = std::variant<std::int64_t, double, LoopRole, std::string>;
 
+/// What was lost, with the values that belong to it.
 enum class WarningKind {
   // WAV to AIFF. Loops are counted from 1.
   incompleteFrame,  ///< sample data that does not fill its last frame
@@ -38,7 +39,7 @@ enum class WarningKind {
 
 /// A problem that did not stop a conversion.
 struct Warning {
-  WarningKind kind;
+  WarningKind kind;                  ///< what was lost
   std::vector<MessageValue> values;  ///< as listed at the kind
 };
 

@@ -32,8 +32,11 @@ class RecordView {
   RecordView(ByteView bytes, std::size_t declared)
       : bytes_(bytes.first(std::min(declared, bytes.size() / recordSize) * recordSize)) {}
 
+  /// How many records there are.
   std::size_t size() const { return bytes_.size() / recordSize; }
+  /// The first record.
   Iterator begin() const { return Iterator(bytes_); }
+  /// Behind the last one.
   Iterator end() const { return Iterator({}); }
 
  private:

@@ -11,7 +11,7 @@ namespace corvana {
 
 /// One loop of the smpl chunk.
 struct SampleLoop {
-  std::uint32_t cueID = 0;
+  std::uint32_t cueID = 0;      ///< of the cue point that names it, where one does
   std::uint32_t type = 0;       ///< a LoopType, or unknown
   std::uint32_t start = 0;      ///< first frame of the loop
   std::uint32_t end = 0;        ///< last frame of the loop (inclusive)
@@ -20,14 +20,14 @@ struct SampleLoop {
 
 /// The known values of SampleLoop::type.
 namespace loop_type {
-inline constexpr std::uint32_t forward = 0;
-inline constexpr std::uint32_t alternating = 1;
-inline constexpr std::uint32_t backward = 2;
+inline constexpr std::uint32_t forward = 0;      ///< from start to end, again and again
+inline constexpr std::uint32_t alternating = 1;  ///< to and fro
+inline constexpr std::uint32_t backward = 2;     ///< from end to start
 }  // namespace loop_type
 
 /// One point of the cue chunk.
 struct CuePoint {
-  std::uint32_t id = 0;
+  std::uint32_t id = 0;        ///< loops and texts refer to it
   std::uint32_t position = 0;  ///< frames
 };
 
@@ -53,11 +53,14 @@ inline constexpr std::size_t cuePointSize = 24;
 inline constexpr std::size_t instrumentSize = 7;
 }  // namespace wav_layout
 
-/// One record of a smpl or cue chunk; `record` holds its bytes.
+/// One record of a smpl chunk; `record` holds its bytes.
 SampleLoop decodeLoop(ByteView record);
+/// One record of a cue chunk; `record` holds its bytes.
 CuePoint decodeCuePoint(ByteView record);
 
+/// The loops of a smpl chunk, in file order.
 using SampleLoopView = RecordView<SampleLoop, wav_layout::loopSize, decodeLoop>;
+/// The points of a cue chunk, in file order.
 using CuePointView = RecordView<CuePoint, wav_layout::cuePointSize, decodeCuePoint>;
 
 /// What the reader finds in a WAV file, to whose bytes it refers.
@@ -72,15 +75,15 @@ struct WavInfo {
   std::uint32_t midiPitchFraction = 0;  ///< fraction of a semitone above the note, of 2^32
   /// Present, possibly empty, exactly when the file has a usable smpl chunk.
   std::optional<SampleLoopView> loops;
-  std::optional<InstrumentChunk> instrument;
-  CuePointView cuePoints;  ///< in file order, duplicates included
+  std::optional<InstrumentChunk> instrument;  ///< absent without a usable inst chunk
+  CuePointView cuePoints;                     ///< in file order, duplicates included
 };
 
 /// Values of the format tag and of the extensible form's sub-format code.
 namespace format_tag {
-inline constexpr std::uint16_t pcm = 1;
-inline constexpr std::uint16_t floatingPoint = 3;
-inline constexpr std::uint16_t extensible = 0xFFFE;
+inline constexpr std::uint16_t pcm = 1;              ///< integers
+inline constexpr std::uint16_t floatingPoint = 3;    ///< not converted
+inline constexpr std::uint16_t extensible = 0xFFFE;  ///< the sub-format code says what it is
 }  // namespace format_tag
 
 }  // namespace corvana

@@ -15,7 +15,7 @@ struct WavMetadata {
   std::vector<CuePoint> cuePoints;  ///< empty: no cue chunk
   /// The inst chunk. The smpl chunk is written exactly when it is present, with the next three.
   std::optional<InstrumentChunk> instrument;
-  std::vector<SampleLoop> loops;
+  std::vector<SampleLoop> loops;    ///< of the smpl chunk
   std::uint32_t unityNote = 0;      ///< MIDI note
   std::uint32_t pitchFraction = 0;  ///< in 2^32ths of a semitone above the note
 };
@@ -25,8 +25,8 @@ struct WavContent {
   std::uint16_t channels = 0;    ///< a frame takes at most 65535 bytes
   std::uint16_t sampleSize = 0;  ///< bits, 1 to 32
   std::uint32_t sampleRate = 0;  ///< Hz, not 0
-  std::uint32_t frameCount = 0;
-  WavMetadata metadata = {};
+  std::uint32_t frameCount = 0;  ///< whole frames of samples
+  WavMetadata metadata = {};     ///< what the sampler needs
 };
 
 /// The fmt body: plain PCM (16 bytes), or the extensible form (40 bytes) for a sample size that

@@ -75,6 +75,7 @@ class ScreenReader : public QObject {
       children.endStructure();
       all += views(childsService, child.path());
     }
+    children.endArray();
     return all;
   }
 

@@ -38,7 +38,7 @@ class FakeDesktop : public QDBusVirtualObject {
 
  public slots:
   void updateTaskBar(const QString& application, const QVariantMap& news) {
-    EXPECT_EQ(application, "application://example.corvana.Corvana.desktop");
+    EXPECT_EQ(application, QStringLiteral("application://%1.desktop").arg(desktopId));
     progress.emplace_back(news["progress"].toDouble(), news["progress-visible"].toBool());
   }
 };

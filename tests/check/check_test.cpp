@@ -63,6 +63,7 @@ TEST(CheckFile, FindsEveryMadeFault) {
       {firstBytes(good, 51), "error container-size @4, error chunk-beyond-file @36"},
       {join({wavWith(text("PAD")), {}}), "note trailing-bytes @60"},
       {wavWith(bytes("01 02 03 04 FF FF FF FF")), "warning chunk-id @60"},
+      {wavWith(bytes("01 02 03 04 01 00 00 00 05 'junk' 00 00 00 00")), "error chunk-id @60"},
       {wav({fmt({}), silence, smpl(60, 0), smpl(60, 0)}), "warning chunk-doubled @104"},
       {wavWith(wavChunk("smpl", ByteBuffer(35))), "error chunk-too-short @60"},
       {wavWith(wavChunk("inst", ByteBuffer(6))), "error chunk-too-short @60"},
@@ -73,6 +74,9 @@ TEST(CheckFile, FindsEveryMadeFault) {
       {wav({fmt({}), wavChunk("odd1", {1, 2, 3, 4, 5}), silence}), ""},
       {wav({fmt({}), firstBytes(wavChunk("odd1", {1, 2, 3, 4, 5}), 13), silence}),
        "error chunk-padding-missing @36"},
+      {wav({fmt({}), firstBytes(wavChunk("odd1", {1}), 9), smpl(60, 0, {{0, 0, 4, 6, 0}}),
+            silence}),
+       "error chunk-padding-missing @36"},
       {wav({fmt({}), silence, firstBytes(wavChunk("odd1", {1}), 9)}),
        "note chunk-padding-missing @60"},
       {patched(aiffWith(oddAiff, twoMarkers), 79, {7}), "note chunk-padding-not-zero @70"},
@@ -81,6 +85,8 @@ TEST(CheckFile, FindsEveryMadeFault) {
       {wav({fmt({})}), "error data-chunk-missing"},
       {wav({fmt({.channels = 0}), silence}), "error format-chunk-damaged @12"},
       {wav({fmt({.channels = 3}), silence}), "error format-chunk-damaged @12"},
+      {wav({fmt({.channels = 3}), fmt({}), silence}),
+       "warning chunk-doubled @36, error format-chunk-damaged @12"},
       {wav({fmt({.bits = 24}), silence}), "warning frame-size @12"},
       {wav({fmt({}), data({1, 2, 3})}), "warning data-not-whole-frames @46 #1"},
       {aiff({ssnd({})}), "error common-chunk-missing"},
@@ -187,6 +193,11 @@ TEST(CheckFile, CountsWhatItDoesNotKeep) {
   EXPECT_EQ(findingText(findings.back(), english),
             line("Further findings: ", maxListed - maxFindings + 1, "."));
   EXPECT_TRUE(hasErrors(findings));
+
+  ByteBuffer chunks;
+  for (std::size_t i = 0; i < maxListed; ++i)
+    appendBytes(chunks, wavChunk("junk", {}));
+  EXPECT_EQ(findingsOf(wav({chunks, fmt({}), silence})), "note not-checked");
 }
 
 }  // namespace

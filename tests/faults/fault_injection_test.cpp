@@ -92,7 +92,9 @@ const Case cases[] = {
     {"write:1:ENOSPC", failed, unwritten, safeOverwrite, "kept"},
     {"fsync:1:EIO", failed, unwritten, safe},
     {"close:1:EIO", failed, unwritten, safeOverwrite, "kept"},
+#if !CORVANA_POSIX_ONLY  // there is another way
     {"rename:1:EINVAL", converted, "", safe},
+#endif
     {"rename:1:EIO", failed, unwritten, safe},
     {"rename:1:steal", converted, " (1)", safe},
     {"replace:1:EIO", failed, "Cannot replace '%OUT': Input/output error", safeOverwrite, "kept"},

@@ -80,8 +80,22 @@ int errorNumber(std::string_view name) {
   std::abort();
 }
 
+/// By what name the system has a function. That for large files and late dates is another one on
+/// 32-bit processors; the functions below take its place.
+const char* symbolOf(std::string_view function) {
+  constexpr const char* names[][2] = {{"fstat", "__fstat64_time64"},
+                                      {"fstatat", "__fstatat64_time64"},
+                                      {"mmap", "mmap64"},
+                                      {"openat", "openat64"},
+                                      {"readdir", "readdir64"}};
+  for (const auto& [usual, large] : names)
+    if (function == usual && sizeof(long) == 4) return large;
+  return function.data();
+}
+
 /// The system's own function.
-#define NEXT(function) reinterpret_cast<decltype(&(function))>(::dlsym(RTLD_NEXT, #function))
+#define NEXT(function) \
+  reinterpret_cast<decltype(&(function))>(::dlsym(RTLD_NEXT, symbolOf(#function)))
 
 /// The whole path of what a call names.
 std::string pathOf(int folder, const char* name) {
@@ -209,6 +223,12 @@ int renameat2(int from, const char* name, int to, const char* newName, unsigned 
   const std::string path = pathOf(to, newName);
   if (isConcerned(path) && failsNow("rename", path)) return -1;
   return NEXT(renameat2)(from, name, to, newName, flags);
+}
+
+int linkat(int from, const char* name, int to, const char* newName, int flags) noexcept {
+  const std::string path = pathOf(to, newName);
+  if (isConcerned(path) && failsNow("rename", path)) return -1;
+  return NEXT(linkat)(from, name, to, newName, flags);
 }
 
 int renameat(int from, const char* name, int to, const char* newName) noexcept {

@@ -2,9 +2,7 @@
 #include <cassert>
 
 #include "check/check_file.hpp"
-#include "convert/detect_format.hpp"
-#include "convert/plan_aiff_to_wav.hpp"
-#include "convert/plan_wav_to_aiff.hpp"
+#include "convert/plan_conversion.hpp"
 #include "fuzz/conversion.hpp"
 
 using namespace corvana;
@@ -24,7 +22,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   // What is no error to the linter converts, unless it is of a kind that is not supported.
   if (hasErrors(findings)) return 0;
   try {
-    (void)(detectFormat(content) ? planAIFFToWAV(content) : planWAVToAIFF(content));
+    (void)planConversion(content);
   } catch (const ConversionError& error) {
     assert(error.kind() == ConversionError::Case::unsupported ||
            error.kind() == ConversionError::Case::missingSound);

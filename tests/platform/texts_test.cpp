@@ -28,6 +28,32 @@ TEST(Texts, CataloguesNeverComeFromTheCurrentFolder) {
   EXPECT_EQ(catalogueFolder("/nowhere/bin"), unknown);
 }
 
+TEST(Texts, TheProgramIsWhereAShellFindsIt) {
+  const TemporaryFolder folder;
+  for (const char* path : {"a/tool", "b/tool", "b/other"})
+    fs::permissions(folder.write(path, ""), fs::perms::owner_all);
+  fs::permissions(folder / "a/tool", fs::perms::owner_read);
+  fs::create_directories(folder / "a/other");
+  fs::create_symlink("b/other", folder / "link");
+  const std::string a = (folder / "a").native();
+  const std::string b = (folder / "b").native();
+  const struct {
+    std::string command, path, found;
+  } cases[] = {
+      {"tool", a + ":" + b, b},
+      {"other", ":" + a + ":" + b, b},
+      {"tool", "", ""},
+      {"none", b, ""},
+      {b + "/tool", "", b},
+      {b + "/none", b, ""},
+      {"tool", "a:b:.::", ""},
+      {(folder / "link").native(), "", b},
+      {"", b, ""},
+  };
+  for (const auto& c : cases)
+    EXPECT_EQ(folderOfCommand(c.command, c.path), c.found) << c.command << " in " << c.path;
+}
+
 TEST(Texts, DigitsAreGroupedInUtf8Only) {
   const TemporaryFolder locales;
   const struct {

@@ -1,0 +1,136 @@
+// Conversions, for C.
+
+#include <algorithm>
+#include <new>
+#include <string>
+#include <utility>
+#include <variant>
+#include <vector>
+
+#include "c/boundary.hpp"
+#include "convert/carry_out.hpp"
+#include "convert/plan_conversion.hpp"
+#include "vocabulary/messages.hpp"
+
+using namespace corvana;
+
+struct corvana_plan {
+  ConversionPlan plan;
+  std::size_t inputSize;
+  std::string summary;
+  std::vector<std::string> warningTexts;
+};
+
+namespace {
+
+/// The caller's memory, which is large enough.
+class RoomSink : public ByteSink {
+ public:
+  explicit RoomSink(void* room) : next_(static_cast<std::uint8_t*>(room)) {}
+  void reserve(std::uint64_t) override {}
+  void append(ByteView bytes) override { next_ = std::copy(bytes.begin(), bytes.end(), next_); }
+
+ private:
+  std::uint8_t* next_;
+};
+
+/// The caller's function.
+class CallbackSink : public ByteSink {
+ public:
+  CallbackSink(corvana_write write, void* user) : write_(write), user_(user) {}
+  void reserve(std::uint64_t) override {}
+  void append(ByteView bytes) override {
+    if (!bytes.empty() && write_(user_, bytes.data(), bytes.size()) != 0) throw Refusal();
+  }
+
+ private:
+  corvana_write write_;
+  void* user_;
+};
+
+/// The texts are made here, so that threads that share a plan need not take turns.
+corvana_plan* makePlan(ByteView input) {
+  const Language english;
+  ConversionPlan plan = planConversion(input);
+  std::string summary = makeSummary(plan.summary, english);
+  std::vector<std::string> texts;
+  texts.reserve(plan.warnings.size());
+  for (const Warning& warning : plan.warnings)
+    texts.push_back(warningText(warning, english));
+  return new corvana_plan{std::move(plan), input.size(), std::move(summary), std::move(texts)};
+}
+
+bool isInputOf(const corvana_plan* plan, const void* bytes, std::size_t size) {
+  return plan != nullptr && bytes != nullptr && size == plan->inputSize;
+}
+
+}  // namespace
+
+corvana_status corvana_plan_make(const void* bytes, size_t size, corvana_plan** plan,
+                                 corvana_error* error) {
+  if (plan != nullptr) *plan = nullptr;
+  return guarded(error, [&] {
+    if (plan == nullptr || !areThere(bytes, size))
+      return badArgument(error, "corvana_plan_make: a pointer is null.");
+    *plan = makePlan(view(bytes, size));
+    return CORVANA_OK;
+  });
+}
+
+void corvana_plan_free(corvana_plan* plan) {
+  delete plan;
+}
+
+corvana_status corvana_plan_get_info(const corvana_plan* plan, corvana_plan_info* info) {
+  if (plan == nullptr || !isUsable(info)) return CORVANA_BAD_ARGUMENT;
+  corvana_plan_info record{};
+  record.format =
+      std::holds_alternative<AiffContent>(plan->plan.content) ? CORVANA_AIFF : CORVANA_WAV;
+  record.sample_rate = plan->plan.summary.sampleRate;
+  record.output_size = plan->plan.outputSize();
+  record.frames = plan->plan.samples.frameCount;
+  record.warning_count = plan->warningTexts.size();
+  record.summary = plan->summary.c_str();
+  record.summary_size = plan->summary.size();
+  fill(*info, record);
+  return CORVANA_OK;
+}
+
+corvana_status corvana_plan_get_warning(const corvana_plan* plan, size_t index,
+                                        corvana_warning* warning) {
+  if (plan == nullptr || !isUsable(warning)) return CORVANA_BAD_ARGUMENT;
+  if (index >= plan->warningTexts.size()) return CORVANA_END;
+  const std::string& text = plan->warningTexts[index];
+  corvana_warning record{};
+  record.code = warningCode(plan->plan.warnings[index].kind);
+  record.text = text.c_str();
+  record.text_size = text.size();
+  fill(*warning, record);
+  return CORVANA_OK;
+}
+
+corvana_status corvana_plan_carry_out(const corvana_plan* plan, const void* bytes, size_t size,
+                                      void* output, size_t capacity, corvana_error* error) {
+  return guarded(error, [&] {
+    if (!isInputOf(plan, bytes, size) || output == nullptr)
+      return badArgument(error,
+                         "corvana_plan_carry_out: a pointer is null, or this is another input.");
+    if (capacity < plan->plan.outputSize())
+      return badArgument(error, "corvana_plan_carry_out: the output needs more room.");
+    RoomSink sink(output);
+    carryOut(plan->plan, MemorySource(view(bytes, size)), sink, {});
+    return CORVANA_OK;
+  });
+}
+
+corvana_status corvana_plan_carry_out_to(const corvana_plan* plan, const void* bytes, size_t size,
+                                         corvana_write write, void* user, corvana_error* error) {
+  return guarded(error, [&] {
+    if (!isInputOf(plan, bytes, size) || write == nullptr)
+      return badArgument(error,
+                         "corvana_plan_carry_out_to: a pointer is null, or this is another input.");
+    CallbackSink sink(write, user);
+    carryOut(plan->plan, MemorySource(view(bytes, size)), sink, {});
+    return CORVANA_OK;
+  });
+}

@@ -1,0 +1,12 @@
+// Plans a conversion in the direction that the input itself tells.
+#pragma once
+
+#include "convert/conversion_plan.hpp"
+
+namespace corvana {
+
+/// Of a WAV file into an AIFF file, of an AIFF or AIFF-C file into a WAV file. `file` is the
+/// complete content of the input. Fails with a ConversionError, also where it is neither.
+ConversionPlan planConversion(ByteView file);
+
+}  // namespace corvana
