@@ -21,12 +21,18 @@ constexpr std::uint64_t maxReservation = 64 << 20;
 /// Bytes. Reserving room does not pay for less.
 constexpr std::uint64_t minReservation = 1 << 20;
 
+/// Under which a safe file is written.
+std::string hiddenName(unsigned number) {
+  return ".corvana-" + std::to_string(processNumber()) + "-" + std::to_string(number);
+}
+
 }  // namespace
 
 void checkOutput(const OutputTarget& target) {
   const Folder& folder = target.folder;
   const bool isTaken = folder.nameExists(target.name);
-  const int obstacle = folder.obstacleToMaking(target.name);
+  int obstacle = target.safe ? folder.obstacleToMaking(hiddenName(0)) : 0;
+  if (obstacle == 0) obstacle = folder.obstacleToMaking(target.name);
   if (obstacle != 0 && (target.safe || !isTaken))
     throw ConversionError::writeFailed(target.url().native(), obstacle);
   if (!isTaken) return;
@@ -82,8 +88,7 @@ void OutputFile::createInPlace() {
 void OutputFile::createHidden() {
   static std::atomic<unsigned> counter = 0;
   for (;;) {
-    std::string name =
-        ".corvana-" + std::to_string(processNumber()) + "-" + std::to_string(++counter);
+    std::string name = hiddenName(++counter);
     std::optional<FileDescriptor> file = create(name);
     if (!file) continue;
     setUnfinishedFile(folder().number(), name.c_str());

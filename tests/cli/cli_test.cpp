@@ -277,6 +277,7 @@ TEST_F(Program, ADryRunSaysWhatTheRunWouldDoAndTouchesNothing) {
       {"--overwrite-inputs"},
       {"--overwrite-inputs", "--skip-existing", "--preserve-times"},
       {"--output", "new/Out/"},
+      {"--to", "aiff", "--safe"},
       {"--output", "kit/AIFF", "--overwrite"},
   };
   for (std::vector<std::string> arguments : runs) {
@@ -285,8 +286,11 @@ TEST_F(Program, ADryRunSaysWhatTheRunWouldDoAndTouchesNothing) {
       folder.write(name, wav({fmt({}), data({1, 2, 3}), cue({{1, 0}})}));
     for (const char* name : {"a.aif", "kit/a.aiff", "kit/c.wav", "kit/AIFF/a.aif"})
       folder.write(name, aiff({comm({.frames = 1}), ssnd({3, 4})}));
-    folder.write(std::string(250, 'x') + ".wav", wav({fmt({}), data({})}));
-    folder.write(std::string(250, 'x') + ".wave", wav({fmt({}), data({})}));
+    for (const std::string place : {"", "shut/"})
+      for (const std::string extension : {".wav", ".wave"})
+        folder.write(place + std::string(250, 'x') + extension, wav({fmt({}), data({})}));
+    folder.write("shut/" + std::string(250, 'x') + ".aif", "");
+    fs::permissions(folder / "shut", fs::perms::owner_read | fs::perms::owner_exec);
     folder.write("broken.wav", "");
     fs::create_symlink("gone", folder / "AIFF");
     fs::create_symlink(".", folder / "WAV");
@@ -311,6 +315,7 @@ TEST_F(Program, ADryRunSaysWhatTheRunWouldDoAndTouchesNothing) {
     EXPECT_EQ(dry.output, real.output);
     EXPECT_EQ(dry.status, real.status);
     EXPECT_NE(state(), before);
+    fs::permissions(folder / "shut", fs::perms::owner_all);
   }
 }
 
