@@ -6,13 +6,7 @@
 namespace corvana {
 namespace {
 
-/// The name for programs and the text for people.
-struct Form {
-  const char* code;
-  const char* text;
-};
-
-Form formOf(FindingKind kind) {
+MessageForm formOf(FindingKind kind) {
   switch (kind) {
     case FindingKind::containerSize:
       return {"container-size",

@@ -8,14 +8,7 @@
 namespace corvana {
 namespace {
 
-/// The name for programs and the text for people. Of what a difference has, the text takes in
-/// this order: number, frame, channel, chunk, what was found, what was expected, byte.
-struct Form {
-  const char* code;
-  const char* text;
-};
-
-Form formOfSound(DifferenceKind kind) {
+MessageForm formOfSound(DifferenceKind kind) {
   switch (kind) {
     case DifferenceKind::channels:
       return {"channels", translatable("Channels: %@ instead of %@.")};
@@ -33,7 +26,7 @@ Form formOfSound(DifferenceKind kind) {
   }
 }
 
-Form formOfLoops(DifferenceKind kind) {
+MessageForm formOfLoops(DifferenceKind kind) {
   switch (kind) {
     case DifferenceKind::loopMissing:
       return {"loop-missing", translatable("Loop %@ is missing.")};
@@ -54,7 +47,7 @@ Form formOfLoops(DifferenceKind kind) {
   }
 }
 
-Form formOfPoints(DifferenceKind kind) {
+MessageForm formOfPoints(DifferenceKind kind) {
   switch (kind) {
     case DifferenceKind::markerMissing:
       return {"marker-missing", translatable("Marker %@ (position %@) is missing.")};
@@ -77,7 +70,7 @@ Form formOfPoints(DifferenceKind kind) {
   }
 }
 
-Form formOfInstrument(DifferenceKind kind) {
+MessageForm formOfInstrument(DifferenceKind kind) {
   switch (kind) {
     case DifferenceKind::instrumentMissing:
       return {"instrument-missing", translatable("The instrument is missing.")};
@@ -110,10 +103,10 @@ Form formOfInstrument(DifferenceKind kind) {
   }
 }
 
-Form formOfLayout(DifferenceKind kind) {
+MessageForm formOfLayout(DifferenceKind kind) {
   switch (kind) {
     case DifferenceKind::formType:
-      return {"form-type", translatable("Form type: '%@' instead of '%@'.")};
+      return {"form-type", translatable("MessageForm type: '%@' instead of '%@'.")};
     case DifferenceKind::formatVersion:
       return {"format-version", translatable("The FVER chunk of AIFF-C is missing or wrong.")};
     case DifferenceKind::containerSize:
@@ -135,7 +128,9 @@ Form formOfLayout(DifferenceKind kind) {
   }
 }
 
-Form formOf(DifferenceKind kind) {
+/// Of what a difference has, the text takes in this order: number, frame, channel, chunk, what was
+/// found, what was expected, byte.
+MessageForm formOf(DifferenceKind kind) {
   if (kind <= DifferenceKind::sample) return formOfSound(kind);
   if (kind <= DifferenceKind::loopID) return formOfLoops(kind);
   if (kind <= DifferenceKind::cuePointID) return formOfPoints(kind);

@@ -8,13 +8,7 @@
 namespace corvana {
 namespace {
 
-/// The name for programs and the text for people.
-struct Form {
-  const char* code;
-  const char* text;
-};
-
-Form formOf(WarningKind kind) {
+MessageForm formOf(WarningKind kind) {
   switch (kind) {
     case WarningKind::incompleteFrame:
       return {"incomplete-frame", translatable("Incomplete last frame discarded.")};
@@ -58,7 +52,7 @@ Form formOf(WarningKind kind) {
   return {"", ""};
 }
 
-Form formOf(UnsupportedKind kind) {
+MessageForm formOf(UnsupportedKind kind) {
   switch (kind) {
     case UnsupportedKind::tooShort:
       return {"file-too-short", translatable("file is too short")};
@@ -80,7 +74,7 @@ Form formOf(UnsupportedKind kind) {
   return {"", ""};
 }
 
-Form formOf(ConversionError::Case kind) {
+MessageForm formOf(ConversionError::Case kind) {
   using Case = ConversionError::Case;
   switch (kind) {
     case Case::unsupported:
@@ -188,7 +182,7 @@ std::string warningText(const Warning& warning, const Language& language) {
 }
 
 std::string errorDescription(const ConversionError& error, const Language& language) {
-  const Form form = formOf(error.kind());
+  const MessageForm form = formOf(error.kind());
   if (error.kind() == ConversionError::Case::unsupported)
     return fillText(language.localised(form.text), {detailText(error, language)});
   return fill(form.text, error.values(), language);

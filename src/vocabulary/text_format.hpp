@@ -9,6 +9,13 @@
 
 namespace corvana {
 
+/// A message: its name for programs, and its text for people, in English and with places for its
+/// values.
+struct MessageForm {
+  const char* code;
+  const char* text;
+};
+
 /// Puts texts in place of "%@" (one after another) and "%1$@", "%2$@" … (by number). A place
 /// without a text becomes empty. Texts are inserted unchanged.
 std::string fillText(std::string_view format, std::span<const std::string_view> texts);
