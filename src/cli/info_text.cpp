@@ -6,6 +6,7 @@
 #include <string_view>
 #include <vector>
 
+#include "cli/columns.hpp"
 #include "convert/plan_conversion.hpp"
 #include "inspect/note_name.hpp"
 #include "vocabulary/messages.hpp"
@@ -15,47 +16,10 @@
 namespace corvana {
 namespace {
 
-using Row = std::vector<std::string>;
 using Lines = std::vector<std::string>;
 
-constexpr const char* dash = "–";          ///< between two numbers
 constexpr std::size_t mostRows = 32;       ///< of a list
 constexpr std::size_t mostTextLines = 12;  ///< of one text of the file
-
-/// What a line of Latin letters takes on a screen.
-std::size_t columnsOf(std::string_view text) {
-  return static_cast<std::size_t>(std::count_if(text.begin(), text.end(), [](char c) {
-    return (static_cast<unsigned char>(c) & 0xC0) != 0x80;
-  }));
-}
-
-std::string padded(const std::string& text, std::size_t columns, bool right) {
-  const std::string space(columns - std::min(columns, columnsOf(text)), ' ');
-  return right ? space + text : text + space;
-}
-
-/// One line a row; cells that begin with a digit or a sign stand at the right of their column.
-Lines aligned(const std::vector<Row>& rows) {
-  std::vector<std::size_t> widths;
-  for (const Row& row : rows) {
-    widths.resize(std::max(widths.size(), row.size()));
-    for (std::size_t i = 0; i + 1 < row.size(); ++i)
-      widths[i] = std::max(widths[i], columnsOf(row[i]));
-  }
-  Lines lines;
-  for (const Row& row : rows) {
-    std::string line;
-    for (std::size_t i = 0; i < row.size(); ++i) {
-      const bool isLast = i + 1 == row.size();
-      const bool isNumber = !row[i].empty() && row[i][0] >= '+' && row[i][0] <= '9';
-      if (i != 0) line += row[i] == dash || row[i - 1] == dash ? " " : "  ";
-      line += isLast ? row[i] : padded(row[i], widths[i], isNumber);
-    }
-    line.resize(line.find_last_not_of(' ') + 1);
-    lines.push_back(line);
-  }
-  return lines;
-}
 
 std::string text(std::int64_t number) {
   return decimalText(number);
@@ -122,7 +86,7 @@ class InfoWriter {
     for (const Section& section : sections_) {
       std::string title = section.title;
       for (const std::string& line : section.lines) {
-        result += "  " + padded(title, width, false) + "  " + line + "\n";
+        result += "  " + padded(title, width) + "  " + line + "\n";
         title.clear();
       }
     }
