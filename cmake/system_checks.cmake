@@ -53,6 +53,9 @@ corvana_system_check(MEMORY_FAILURES "
 corvana_system_check(GNU_C_LIBRARY "
   #include <gnu/libc-version.h>
   int main() { return ::gnu_get_libc_version() == nullptr; }")
+corvana_system_check(NOATIME "
+  #include <fcntl.h>
+  int main() { return O_NOATIME; }")
 # What others have under the name of O_PATH says less of links, and their /proc has another layout.
 foreach(linux O_PATH LINK_TO_PROGRAM)
   corvana_system_check(${linux} "

@@ -118,6 +118,13 @@ FileDescriptor makeMemoryFile(std::span<const std::uint8_t> head, std::uint64_t 
 
 namespace {
 
+/// Flag with which reading does not count as access; 0 where the system has none.
+#if CORVANA_HAS_NOATIME
+constexpr int quietly = O_NOATIME;
+#else
+constexpr int quietly = 0;
+#endif
+
 /// The descriptor, or -1 with the reason in errno.
 int openForReading(const Folder& folder, const std::string& name, AccessTime accessTime) {
   const auto tryToOpen = [&](int flags) {
@@ -126,8 +133,8 @@ int openForReading(const Folder& folder, const std::string& name, AccessTime acc
     });
   };
   const auto open = [&](int flags) {
-    if (accessTime == AccessTime::changes) return tryToOpen(flags);
-    const int descriptor = tryToOpen(flags | O_NOATIME);
+    if (accessTime == AccessTime::changes || quietly == 0) return tryToOpen(flags);
+    const int descriptor = tryToOpen(flags | quietly);
     return descriptor >= 0 || errno != EPERM ? descriptor : tryToOpen(flags);
   };
   // Opening a pipe without a writer would otherwise wait for one.
