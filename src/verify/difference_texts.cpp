@@ -106,7 +106,7 @@ MessageForm formOfInstrument(DifferenceKind kind) {
 MessageForm formOfLayout(DifferenceKind kind) {
   switch (kind) {
     case DifferenceKind::formType:
-      return {"form-type", translatable("MessageForm type: '%@' instead of '%@'.")};
+      return {"form-type", translatable("Form type: '%@' instead of '%@'.")};
     case DifferenceKind::formatVersion:
       return {"format-version", translatable("The FVER chunk of AIFF-C is missing or wrong.")};
     case DifferenceKind::containerSize:
