@@ -138,8 +138,9 @@ double sine(int frame) {
 ByteBuffer waveFile(Wave wave, std::uint32_t start, std::uint32_t end, std::uint32_t type) {
   ByteBuffer samples;
   for (int frame = 0; frame < 6000; ++frame)
-    appendBytes(samples,
-                join({le(0, 3), le(static_cast<std::uint32_t>(wave(frame) * 8388607), 3)}));
+    appendBytes(samples, join({le(0, 3), le(static_cast<std::uint32_t>(
+                                                static_cast<std::int32_t>(wave(frame) * 8388607)),
+                                            3)}));
   return wav({fmt({.channels = 2, .blockAlign = 6, .bits = 24}),
               smpl(60, 0, {{0, type, start, end, 0}}), test::data(samples)});
 }
