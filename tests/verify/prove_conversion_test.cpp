@@ -185,7 +185,7 @@ TEST(Proof, OtherProgramsMayOrderAddAndWiden) {
 /// Samples are compared many at once, in steps of their own for each width.
 TEST(Proof, FindsOneBitAnywhere) {
   constexpr std::uint32_t count = 61;
-  for (int form = 0; form < 4 * 4 * 4; ++form) {
+  for (std::uint32_t form = 0; form < 4 * 4 * 4; ++form) {
     const std::uint32_t width = form % 4 + 1;
     const std::uint32_t inputWidth = form / 4 % 4 + 1;
     if (inputWidth < width) continue;
