@@ -68,7 +68,7 @@ std::string placeOf(const fs::path& path, std::u16string_view text, std::size_t 
 std::string quoted(std::u16string_view text, std::size_t index) {
   const std::u16string_view rest = text.substr(index);
   const std::size_t length = std::min<std::size_t>(rest.find(u'\n'), 24);
-  return "\"" + corvana::readableLine(corvana::utf8FromUtf16(rest.substr(0, length))) + "\"";
+  return '"' + corvana::readableLine(corvana::utf8FromUtf16(rest.substr(0, length))) + '"';
 }
 
 void scramble(const VersionFileLine& line) {

@@ -113,7 +113,7 @@ std::string converted(ByteView input) {
   auto warning = sized<corvana_warning>();
   for (std::size_t i = 0; corvana_plan_get_warning(plan, i, &warning) == CORVANA_OK; ++i)
     result += spaced(warning.code, std::string(warning.text, warning.text_size));
-  std::string room(info.output_size, ' '), parts;
+  std::string room(static_cast<std::size_t>(info.output_size), ' '), parts;
   EXPECT_EQ(
       corvana_plan_carry_out(plan, input.data(), input.size(), room.data(), room.size(), &error),
       CORVANA_OK);
