@@ -104,11 +104,10 @@ template <std::size_t width, std::size_t words>
 constexpr std::array<std::array<Word, words>, width> masksOfPlaces() {
   std::array<std::array<Word, words>, width> masks{};
   for (std::size_t word = 0; word < words; ++word)
-    for (std::size_t place = 0; place < width; ++place) {
-      std::array<std::uint8_t, sizeof(Word)> bytes{};
-      for (std::size_t i = 0; i < bytes.size(); ++i)
-        bytes[i] = (word * bytes.size() + i) % width == place ? 0xFF : 0;
-      masks[place][word] = std::bit_cast<Word>(bytes);
+    for (std::size_t byte = 0; byte < sizeof(Word); ++byte) {
+      const bool isFirstLowest = std::endian::native == std::endian::little;
+      const std::size_t shift = 8 * (isFirstLowest ? byte : sizeof(Word) - 1 - byte);
+      masks[(word * sizeof(Word) + byte) % width][word] |= Word{0xFF} << shift;
     }
   return masks;
 }
