@@ -22,7 +22,7 @@ std::uint32_t valueOf(const std::uint8_t* sample, std::size_t width, ByteOrder o
   std::uint32_t value = 0;
   for (std::size_t i = 0; i < width; ++i)
     value = value << 8 | sample[order == ByteOrder::big ? i : width - 1 - i];
-  return value << (8 * (maxWidth - width));
+  return static_cast<std::uint32_t>(std::uint64_t{value} << (8 * (maxWidth - width)));
 }
 
 /// The value of four bytes, in one step: compilers do not see through valueOf in every loop.

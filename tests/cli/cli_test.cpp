@@ -280,6 +280,7 @@ TEST_F(Program, ADryRunSaysWhatTheRunWouldDoAndTouchesNothing) {
       {"--to", "aiff", "--safe"},
       {"--output", "kit/AIFF", "--overwrite"},
   };
+  const std::string longName(250, 'x');
   for (std::vector<std::string> arguments : runs) {
     const TemporaryFolder folder;
     for (const char* name : {"a.wav", "a.wave", "kit/a.wav", "kit/a.aif/b.wav", "c.aif"})
@@ -288,8 +289,8 @@ TEST_F(Program, ADryRunSaysWhatTheRunWouldDoAndTouchesNothing) {
       folder.write(name, aiff({comm({.frames = 1}), ssnd({3, 4})}));
     for (const std::string place : {"", "shut/"})
       for (const std::string extension : {".wav", ".wave"})
-        folder.write(place + std::string(250, 'x') + extension, wav({fmt({}), data({})}));
-    folder.write("shut/" + std::string(250, 'x') + ".aif", "");
+        folder.write((place + longName).append(extension), wav({fmt({}), data({})}));
+    folder.write("shut/" + longName + ".aif", "");
     fs::permissions(folder / "shut", fs::perms::owner_read | fs::perms::owner_exec);
     folder.write("broken.wav", "");
     fs::create_symlink("gone", folder / "AIFF");

@@ -65,8 +65,10 @@ std::string zshOption(const Option& option) {
   std::string result;
   for (const std::string& name : option.names) {
     const bool takesEqualsSign = !option.value.empty() && name.starts_with("--");
-    std::string spec = "(" + excluded + ")" + name + (takesEqualsSign ? "=" : "") + "[" +
-                       zshText(option.text) + "]";
+    std::string spec = "(" + excluded;
+    spec += ")" + name;
+    if (takesEqualsSign) spec += "=";
+    spec += "[" + zshText(option.text) + "]";
     if (!option.value.empty()) spec += ":" + zshText(option.value) + ":" + value;
     result += " \\\n        " + inQuotes(spec);
   }
