@@ -195,9 +195,12 @@ TEST_F(Verbs, JsonIsValidByItsSchema) {
       {"verify", "verify gone.wav d.aif"},
   };
   for (const auto& [schema, arguments] : runs) {
-    const std::string line = "cd '" + in.path().native() + "' && '" CORVANA_CLI "' " + arguments +
-                             " --json | '" CORVANA_SOURCES "/tests/cli/valid-json' '" +
-                             CORVANA_SOURCES "/docs/schemas/" + schema + ".schema.json'";
+    std::string line = "cd '" + in.path().native() + "' && '" CORVANA_CLI "' ";
+    line += arguments;
+    line +=
+        " --json | '" CORVANA_SOURCES "/tests/cli/valid-json' '" CORVANA_SOURCES "/docs/schemas/";
+    line += schema;
+    line += ".schema.json'";
     EXPECT_EQ(std::system(line.c_str()), 0) << line;
   }
 }

@@ -192,8 +192,8 @@ TEST(Proof, FindsOneBitAnywhere) {
     const ByteOrder order = form / 16 % 2 == 0 ? ByteOrder::little : ByteOrder::big;
     const bool isReversed = form / 32 == 0;
     const bool isTurned = isReversed && width == 1;
-    ByteBuffer input(count * inputWidth);
-    ByteBuffer output(count * width);
+    ByteBuffer input(std::size_t{count} * inputWidth);
+    ByteBuffer output(std::size_t{count} * width);
     for (std::size_t i = 0; i < input.size(); ++i)
       input[i] = static_cast<std::uint8_t>(i * i * 7 >> 3);
     // `place` counts from the most significant byte.
@@ -208,9 +208,9 @@ TEST(Proof, FindsOneBitAnywhere) {
     const auto differences = [&](std::uint32_t first) {
       const ByteOrder other = isBig != isReversed ? ByteOrder::big : ByteOrder::little;
       Differences found;
-      compareSamples({input, first * inputWidth, inputWidth, order, isTurned},
-                     {output, first * width, width, other, false}, {count - first, 1, width}, found,
-                     {});
+      compareSamples({input, std::size_t{first} * inputWidth, inputWidth, order, isTurned},
+                     {output, std::size_t{first} * width, width, other, false},
+                     {count - first, 1, width}, found, {});
       return found.areThere() ? line(found.count, " in ", *found.kept[0].frame) : "none";
     };
     SCOPED_TRACE(form);
