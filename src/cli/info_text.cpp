@@ -249,7 +249,8 @@ class InfoWriter {
                            : text(loop.number),
                  kindText(loop)};
       const bool isWhole = loop.start && loop.end;
-      const std::int64_t length = isWhole ? *loop.end - *loop.start + 1 : 0;
+      const std::int64_t length =
+          isWhole ? std::max<std::int64_t>(*loop.end - *loop.start + 1, 0) : 0;
       row.insert(row.end(),
                  {loop.start ? text(*loop.start) : "?", dash, loop.end ? text(*loop.end) : "?",
                   isWhole ? language_.localisedCount("%ld frame", "%ld frames", length) : "",
