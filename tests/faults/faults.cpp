@@ -83,11 +83,10 @@ int errorNumber(std::string_view name) {
 /// By what name the system has a function. That for large files and late dates is another one on
 /// 32-bit processors; the functions below take its place.
 const char* symbolOf(std::string_view function) {
-  constexpr const char* names[][2] = {{"fstat", "__fstat64_time64"},
-                                      {"fstatat", "__fstatat64_time64"},
-                                      {"mmap", "mmap64"},
-                                      {"openat", "openat64"},
-                                      {"readdir", "readdir64"}};
+  constexpr const char* names[][2] = {
+      {"fstat", "__fstat64_time64"}, {"fstatat", "__fstatat64_time64"},
+      {"futimens", "__futimens64"},  {"mmap", "mmap64"},
+      {"openat", "openat64"},        {"readdir", "readdir64"}};
   for (const auto& [usual, large] : names)
     if (function == usual && sizeof(long) == 4) return large;
   return function.data();
