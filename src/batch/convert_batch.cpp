@@ -1,10 +1,10 @@
 #include "batch/convert_batch.hpp"
 
 #include <algorithm>
+#include <atomic>
 #include <cerrno>
 #include <chrono>
 #include <memory>
-#include <mutex>
 #include <optional>
 #include <system_error>
 #include <thread>
@@ -12,6 +12,7 @@
 
 #include "batch/files_in_work.hpp"
 #include "batch/output_url.hpp"
+#include "batch/turns.hpp"
 #include "convert/detect_format.hpp"
 #include "convert/plan_aiff_to_wav.hpp"
 #include "convert/plan_wav_to_aiff.hpp"
@@ -119,28 +120,41 @@ class BatchConversion {
   /// A file that a thread is in charge of.
   struct Current {
     const AudioFile& file;
-    std::uint64_t number;                ///< in FilesInWork
-    std::unique_lock<std::mutex>& turn;  ///< until the output is there
-    LogEntry entry;
-    std::vector<Refusal> refusals;
+    std::uint64_t number;
+    bool hasTurn = true;  ///< until the output is there
+    LogEntry entry = {};
+    std::vector<Refusal> refusals = {};
+  };
+  /// An input, as far as it has been read.
+  struct Input {
+    std::unique_ptr<const InputFile> file = {};
+    bool isAIFF = false;
+    std::optional<ConversionPlan> plan = {};
+  };
+  /// What a thread keeps from one file to the next.
+  struct Kept {
+    std::optional<InputFolder> folder = {};
+    Input early = {};  ///< opened before its turn; the file may be null
   };
 
   void convertNextFiles();
-  void convertLogging(std::optional<InputFolder>& folder, Current& current);
-  void convert(InputFolder& folder, Current& current);
-  void convertInto(const OutputTarget& output, const InputFile& input, bool isAIFF,
-                   Current& current);
-  std::unique_ptr<const InputFile> openInput(const Folder& folder, const Current& current);
+  void openEarly(const AudioFile& file, Kept& kept);
+  void convertLogging(Current& current, Kept& kept);
+  void convert(InputFolder& folder, Input& input, Current& current);
+  void convertInto(const OutputTarget& output, Input& input, Current& current);
+  Input open(const AudioFile& file, const Folder& folder) const;
+  Input openInput(const Current& current, Kept& kept);
+  void endTurn(Current& current);
 
   const std::vector<AudioFile>& files_;
   BatchListener& listener_;
   const std::size_t jobs_;
   BatchNames names_;
   FilesInWork inWork_;
-  /// Held from the beginning of a file until its output is there: the next file finds the names as
-  /// if all before it were finished.
-  std::mutex turn_;
-  std::size_t begun_ = 0;
+  std::atomic<std::uint64_t> taken_ = 0;  ///< files that have been given to a thread
+  /// Of each file from its beginning until its output is there: the next file finds the names as if
+  /// all before it were finished.
+  Turns turns_{jobs_};
 };
 
 void BatchConversion::run() {
@@ -157,30 +171,37 @@ void BatchConversion::run() {
 }
 
 void BatchConversion::convertNextFiles() {
-  std::optional<InputFolder> folder;
-  for (;;) {
-    std::unique_lock turn(turn_);
-    if (begun_ == files_.size() || listener_.isStopped()) return;
-    const AudioFile& file = files_[begun_++];
-    Current current{file, inWork_.begin(), turn, {.lines = {}, .input = file.path}, {}};
-    listener_.fileBegun(file);
+  for (Kept kept;;) {
+    const std::uint64_t number = taken_++;
+    if (number >= files_.size()) return;
+    Current current{files_[static_cast<std::size_t>(number)], number};
+    if (jobs_ > 1) openEarly(current.file, kept);
+    if (!turns_.begin(number)) return;
+    if (listener_.isStopped()) return turns_.close();
+    inWork_.begin();
+    listener_.fileBegun(current.file);
+    current.entry.input = current.file.path;
     const auto begun = std::chrono::steady_clock::now();
-    convertLogging(folder, current);
+    convertLogging(current, kept);
     current.entry.seconds =
         std::chrono::duration<double>(std::chrono::steady_clock::now() - begun).count();
-    if (turn.owns_lock()) turn.unlock();
-    inWork_.finish(current.number, [this, entry = std::move(current.entry),
-                                    refusals = std::move(current.refusals)]() mutable {
+    endTurn(current);
+    inWork_.finish(number, [this, entry = std::move(current.entry),
+                            refusals = std::move(current.refusals)]() mutable {
       listener_.fileFinished(std::move(entry), std::move(refusals));
     });
   }
 }
 
-void BatchConversion::convertLogging(std::optional<InputFolder>& folder, Current& current) {
+void BatchConversion::endTurn(Current& current) {
+  if (std::exchange(current.hasTurn, false)) turns_.end();
+}
+
+void BatchConversion::convertLogging(Current& current, Kept& kept) {
   const AudioFile& file = current.file;
   try {
-    if (!folder || !folder->isOf(file)) folder = openFolderOf(file);
-    convert(*folder, current);
+    Input input = openInput(current, kept);
+    convert(*kept.folder, input, current);
   } catch (const ConversionError& error) {
     if (error.kind() == ConversionError::Case::writeFailed)
       current.refusals.push_back({std::get<std::string>(error.values().at(0)),
@@ -193,36 +214,36 @@ void BatchConversion::convertLogging(std::optional<InputFolder>& folder, Current
   }
 }
 
-void BatchConversion::convert(InputFolder& folder, Current& current) {
+void BatchConversion::convert(InputFolder& folder, Input& input, Current& current) {
   const BatchOptions& options = names_.options;
-  const auto input = openInput(folder.folder(), current);
-  const bool isAIFF = input->read(detectFormat);
+  const InputFile& file = *input.file;
+  const bool isAIFF = input.isAIFF;
   current.entry.direction = isAIFF ? Direction::toWAV : Direction::toAIFF;
   const auto place = [&] { return folder.outputPlace(current.file, isAIFF, options); };
   if (options.skipExisting) {
     if (inWork_.isWritten(place().folder, outputName(current.file.name(), isAIFF)))
       inWork_.waitForEarlier(current.number);
-    if (const auto existing = currentOutput(place(), *input, isAIFF, names_)) {
+    if (const auto existing = currentOutput(place(), file, isAIFF, names_)) {
       current.entry.outcome = Outcome::skipped;
       current.entry.output = existing->native();
       return;
     }
   }
   for (std::string triedName;;) {
-    OutputTarget output = makeOutputURL(folder, place(), *input, isAIFF, names_);
-    if (current.turn.owns_lock() && inWork_.isWritten(output.folder, output.name)) {
+    OutputTarget output = makeOutputURL(folder, place(), file, isAIFF, names_);
+    if (current.hasTurn && inWork_.isWritten(output.folder, output.name)) {
       inWork_.waitForEarlier(current.number);
       continue;
     }
     if (options.preserveTimes)
-      output.times = current.file.earlierTimes ? *current.file.earlierTimes : input->times();
+      output.times = current.file.earlierTimes ? *current.file.earlierTimes : file.times();
     if (options.dryRun) {
-      ConversionPlan plan = input->read(isAIFF ? planAIFFToWAV : planWAVToAIFF);
+      ConversionPlan plan = file.read(isAIFF ? planAIFFToWAV : planWAVToAIFF);
       names_.outputs.rehearse(output, plan);
       return setConverted(current.entry, current.file, resultOf(std::move(plan), output));
     }
     try {
-      convertInto(output, *input, isAIFF, current);
+      convertInto(output, input, current);
       if (options.skipExisting) names_.outputs.add(place(), output.name);
       return;
     } catch (const ConversionError& error) {
@@ -232,31 +253,53 @@ void BatchConversion::convert(InputFolder& folder, Current& current) {
   }
 }
 
+BatchConversion::Input BatchConversion::open(const AudioFile& file, const Folder& folder) const {
+  Input input{std::make_unique<const InputFile>(folder, std::string(file.name()), file.path,
+                                                names_.options.accessTime())};
+  input.isAIFF = input.file->read(detectFormat);
+  return input;
+}
+
+/// Makes use of the time until the file's turn. What fails is tried again then.
+void BatchConversion::openEarly(const AudioFile& file, Kept& kept) {
+  kept.early = {};
+  try {
+    if (!kept.folder || !kept.folder->isOf(file)) kept.folder = openFolderOf(file);
+    Input input = open(file, kept.folder->folder());
+    if (!names_.options.skipExisting)
+      input.plan = input.file->read(input.isAIFF ? planAIFFToWAV : planWAVToAIFF);
+    kept.early = std::move(input);
+  } catch (const std::exception&) {
+    return;
+  }
+}
+
 /// The file, or what would be in its place by now where the batch is only rehearsed. A file that
 /// is the output of another one is read when that is complete.
-std::unique_ptr<const InputFile> BatchConversion::openInput(const Folder& folder,
-                                                            const Current& current) {
-  const std::string& path = current.file.path;
-  const std::string name(current.file.name());
-  if (auto replaced = names_.outputs.openReplaced(folder, name, path))
-    return std::make_unique<const InputFile>(std::move(*replaced), name, path);
-  const auto open = [&] {
-    return std::make_unique<const InputFile>(folder, name, path, names_.options.accessTime());
-  };
+BatchConversion::Input BatchConversion::openInput(const Current& current, Kept& kept) {
+  const AudioFile& file = current.file;
+  if (!kept.folder || !kept.folder->isOf(file)) kept.folder = openFolderOf(file);
+  const Folder& folder = kept.folder->folder();
+  const std::string name(file.name());
+  if (auto replaced = names_.outputs.openReplaced(folder, name, file.path)) {
+    Input input{std::make_unique<const InputFile>(std::move(*replaced), name, file.path)};
+    input.isAIFF = input.file->read(detectFormat);
+    return input;
+  }
   try {
-    auto input = open();
-    if (!inWork_.isWritten(input->identity())) return input;
+    const bool isEarly = kept.early.file && folder.leadsTo(name, kept.early.file->identity());
+    Input input = isEarly ? std::move(kept.early) : open(file, folder);
+    if (!inWork_.isWritten(input.file->identity())) return input;
   } catch (const FileError& error) {
     // A link may lead to an output that has its name only when it is complete.
     if (error.code() != std::errc::no_such_file_or_directory) throw;
     if (inWork_.isFirst(current.number)) throw;
   }
   inWork_.waitForEarlier(current.number);
-  return open();
+  return open(file, folder);
 }
 
-void BatchConversion::convertInto(const OutputTarget& output, const InputFile& input, bool isAIFF,
-                                  Current& current) {
+void BatchConversion::convertInto(const OutputTarget& output, Input& input, Current& current) {
   const BatchOptions& options = names_.options;
   const ProgressHandler progress = [&](double fraction) {
     // A file whose samples are all written is finished rather than left without its end.
@@ -268,9 +311,9 @@ void BatchConversion::convertInto(const OutputTarget& output, const InputFile& i
     if (inWork_.isFirst(current.number)) listener_.progressMade(fraction);
   };
   const CreationHandler created = [&](const OutputFile& file) {
-    if (!current.turn.owns_lock() || jobs_ == 1) return;
+    if (!current.hasTurn || jobs_ == 1) return;
     inWork_.setOutput(current.number, file);
-    current.turn.unlock();
+    endTurn(current);
   };
   const auto reportTimes = [&](int errorNumber) {
     if (errorNumber != 0)
@@ -278,11 +321,12 @@ void BatchConversion::convertInto(const OutputTarget& output, const InputFile& i
           {output.url().native(), fillText(localised("It has not got the times of its input: %@"),
                                            {std::generic_category().message(errorNumber)})});
   };
-  ConversionResult result = isAIFF ? convertAIFFToWAV(input, output, progress, created)
-                                   : convertWAVToAIFF(input, output, progress, created);
+  auto* const convertFile = input.isAIFF ? convertAIFFToWAV : convertWAVToAIFF;
+  ConversionResult result =
+      convertFile(*input.file, output, progress, created, std::exchange(input.plan, std::nullopt));
   reportTimes(result.timesError);
   if (options.verify) {
-    const OutputProof proof = verifyOutput(input, output, [&](double) {
+    const OutputProof proof = verifyOutput(*input.file, output, [&](double) {
       if (listener_.isStopped())
         throw FileError(ECANCELED, localised("Stopped – '%1$@' is not verified."), output.url());
     });

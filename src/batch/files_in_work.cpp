@@ -10,11 +10,10 @@ constexpr std::size_t maxItems = 1024;
 
 }  // namespace
 
-std::uint64_t FilesInWork::begin() {
+void FilesInWork::begin() {
   std::unique_lock lock(mutex_);
   finished_.wait(lock, [this] { return items_.size() < maxItems; });
-  items_.emplace_hint(items_.end(), begun_, Item());
-  return begun_++;
+  items_.emplace_hint(items_.end(), begun_++, Item());
 }
 
 void FilesInWork::setOutput(std::uint64_t file, const OutputFile& output) {

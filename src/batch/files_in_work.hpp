@@ -19,9 +19,9 @@ namespace corvana {
 /// one thread had converted one file after the other. Any thread.
 class FilesInWork {
  public:
-  /// Begins a file. Waits while too many finished ones wait for one before them, since what is to
-  /// be said of them fills the memory.
-  std::uint64_t begin();
+  /// Begins the next file. Waits while too many finished ones wait for one before them, since what
+  /// is to be said of them fills the memory.
+  void begin();
 
   /// The file's output is being written from now on.
   void setOutput(std::uint64_t file, const OutputFile& output);

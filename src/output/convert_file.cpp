@@ -51,13 +51,17 @@ ConversionResult resultOf(ConversionPlan plan, const OutputTarget& output) {
 }
 
 ConversionResult convertWAVToAIFF(const InputFile& input, const OutputTarget& output,
-                                  const ProgressHandler& progress, const CreationHandler& created) {
-  return convertFile(input.read(planWAVToAIFF), input, output, progress, created);
+                                  const ProgressHandler& progress, const CreationHandler& created,
+                                  std::optional<ConversionPlan> plan) {
+  return convertFile(plan ? std::move(*plan) : input.read(planWAVToAIFF), input, output, progress,
+                     created);
 }
 
 ConversionResult convertAIFFToWAV(const InputFile& input, const OutputTarget& output,
-                                  const ProgressHandler& progress, const CreationHandler& created) {
-  return convertFile(input.read(planAIFFToWAV), input, output, progress, created);
+                                  const ProgressHandler& progress, const CreationHandler& created,
+                                  std::optional<ConversionPlan> plan) {
+  return convertFile(plan ? std::move(*plan) : input.read(planAIFFToWAV), input, output, progress,
+                     created);
 }
 
 }  // namespace corvana

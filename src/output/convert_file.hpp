@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <filesystem>
 #include <functional>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -36,10 +37,13 @@ ConversionResult resultOf(ConversionPlan plan, const OutputTarget& output);
 using CreationHandler = std::function<void(const OutputFile& file)>;
 
 /// Fail with a ConversionError, or with a FileError from the file system. Nothing is written or
-/// removed before the whole input but its samples has been read and found convertible.
+/// removed before the whole input but its samples has been read and found convertible; `plan` is
+/// what has come of that (planWAVToAIFF, planAIFFToWAV) where it is done already.
 ConversionResult convertWAVToAIFF(const InputFile& input, const OutputTarget& output,
-                                  const ProgressHandler& progress, const CreationHandler& created);
+                                  const ProgressHandler& progress, const CreationHandler& created,
+                                  std::optional<ConversionPlan> plan = std::nullopt);
 ConversionResult convertAIFFToWAV(const InputFile& input, const OutputTarget& output,
-                                  const ProgressHandler& progress, const CreationHandler& created);
+                                  const ProgressHandler& progress, const CreationHandler& created,
+                                  std::optional<ConversionPlan> plan = std::nullopt);
 
 }  // namespace corvana

@@ -158,6 +158,17 @@ FileDescriptor openForReading(const Folder& folder, const std::string& name,
 
 }  // namespace
 
+namespace {
+
+/// Bytes. What is not larger is read instead of mapped: that costs less, and where several threads
+/// convert, all of them stop for a moment whenever one gives a mapping back.
+constexpr std::size_t maxReadSize = 128 << 10;
+
+/// Room for the next file that is read, from the last one.
+thread_local std::unique_ptr<std::uint8_t[]> spareRoom;
+
+}  // namespace
+
 InputFile::InputFile(const Folder& folder, const std::string& name,
                      const std::filesystem::path& path, AccessTime accessTime)
     : InputFile(openForReading(folder, name, path, accessTime), name, path) {}
@@ -178,13 +189,35 @@ InputFile::InputFile(FileDescriptor file, const std::string& name,
     failReading(EFBIG, path);
   size_ = static_cast<std::size_t>(status.st_size);
   if (size_ == 0) return;
+  if (size_ <= maxReadSize) {
+    readWhole();
+    return;
+  }
   void* mapped = ::mmap(nullptr, size_, PROT_READ, MAP_PRIVATE, file_.number(), 0);
   if (mapped == MAP_FAILED) failReading(errno, path);
   data_ = static_cast<const std::uint8_t*>(mapped);
 }
 
+void InputFile::readWhole() {
+  copy_ = spareRoom ? std::move(spareRoom)
+                    : std::unique_ptr<std::uint8_t[]>(new std::uint8_t[maxReadSize]);
+  for (std::size_t done = 0; done < size_;) {
+    const ssize_t got = uninterrupted([&] {
+      return ::pread(file_.number(), copy_.get() + done, size_ - done, static_cast<off_t>(done));
+    });
+    if (got < 0) failReading(errno, path_);
+    if (got == 0) failReading(EIO, path_);  // it has become shorter
+    done += static_cast<std::size_t>(got);
+  }
+  data_ = copy_.get();
+}
+
 InputFile::~InputFile() {
-  if (data_ != nullptr) ::munmap(const_cast<std::uint8_t*>(data_), size_);
+  if (copy_) {
+    spareRoom = std::move(copy_);
+  } else if (data_ != nullptr) {
+    ::munmap(const_cast<std::uint8_t*>(data_), size_);
+  }
 }
 
 int InputFile::setTimes(const FileTimes& times) const {
@@ -192,6 +225,7 @@ int InputFile::setTimes(const FileTimes& times) const {
 }
 
 void InputFile::guardedRead(const std::function<void()>& reader) const {
+  if (copy_) return reader();
   const MappedGuard guard({data_, size_}, lost_);
   try {
     reader();

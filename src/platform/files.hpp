@@ -9,6 +9,7 @@
 #include <ctime>
 #include <filesystem>
 #include <functional>
+#include <memory>
 #include <optional>
 #include <span>
 #include <string>
@@ -113,14 +114,14 @@ FileDescriptor makeMemoryFile(std::span<const std::uint8_t> head, std::uint64_t 
                               std::span<const std::uint8_t> tail,
                               const std::filesystem::path& path);
 
-/// A regular file, open for reading and mapped as a whole.
+/// A regular file, open for reading: mapped as a whole, or read where it is small.
 class InputFile {
  public:
-  /// Opens and maps the file `name` of a folder. Never waits for a writer: a pipe, device or
-  /// folder is a FileError at once. `path` is for messages.
+  /// Opens and maps or reads the file `name` of a folder. Never waits for a writer: a pipe, device
+  /// or folder is a FileError at once. `path` is for messages.
   InputFile(const Folder& folder, const std::string& name, const std::filesystem::path& path,
             AccessTime accessTime = AccessTime::changes);
-  /// Maps a file that is open. `name` is its name in its folder.
+  /// Maps or reads a file that is open. `name` is its name in its folder.
   InputFile(FileDescriptor file, const std::string& name, const std::filesystem::path& path);
   InputFile(InputFile&&) = delete;
   InputFile& operator=(InputFile&&) = delete;
@@ -155,11 +156,13 @@ class InputFile {
  private:
   void guardedRead(const std::function<void()>& reader) const;
   void checkStillThere() const;
+  void readWhole();
 
   std::filesystem::path path_;
   FileDescriptor file_;
   const std::uint8_t* data_ = nullptr;
   std::size_t size_ = 0;
+  std::unique_ptr<std::uint8_t[]> copy_;  ///< of a small file; null: it is mapped
   FileIdentity identity_;
   FileTimes times_{};
   unsigned permissions_ = 0;

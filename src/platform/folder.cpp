@@ -153,6 +153,14 @@ bool Folder::mayLeadTo(const std::string& name, const FileIdentity& file) const 
   return !leadsNowhere;
 }
 
+bool Folder::leadsTo(const std::string& name, const FileIdentity& file) const {
+  struct stat status {};
+  if (::fstatat(number(), name.c_str(), &status, 0) != 0) return false;
+  const FileIdentity now = identityOf(status, name);
+  return now.device == file.device && now.inode == file.inode && now.size == file.size &&
+         now.modified == file.modified;
+}
+
 std::optional<FileDescriptor> Folder::createNewFile(const std::string& name,
                                                     unsigned permissions) const {
   FileDescriptor file(uninterrupted([&] {

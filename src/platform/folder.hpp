@@ -43,6 +43,9 @@ class Folder {
   /// for case, with equal sizes and times. Who asks wants to spare the file.
   bool mayLeadTo(const std::string& name, const FileIdentity& file) const;
 
+  /// Whether `name` leads to this file (links followed), and nobody has written to it since.
+  bool leadsTo(const std::string& name, const FileIdentity& file) const;
+
   /// Why the user can make no file or folder `name`, as far as that shows without making it: the
   /// system's error number, 0 where nothing is known to stand against it but a taken name.
   int obstacleToMaking(const std::string& name) const;

@@ -15,7 +15,7 @@ namespace {
 
 using namespace test;
 
-constexpr std::uintmax_t size = 64 * 1024 + 100;
+constexpr std::uintmax_t size = 512 * 1024 + 100;
 const std::string content(size, 'x');
 
 TEST(InputFile, RefusesWhatIsNoRegularFileWithoutWaiting) {
