@@ -118,8 +118,8 @@ std::string replaceAll(std::string text, const std::string& place, const std::st
   return text;
 }
 
-/// Runs the program with the fault for the paths that start with `below`, one file after the other, so
-/// that it is known which call is the first.
+/// Runs the program with the fault for the paths that start with `below`, one file after the other,
+/// so that it is known which call is the first.
 Outcome run(const fs::path& folder, const std::string& fault, const fs::path& below,
             std::vector<std::string> arguments) {
   arguments.insert(arguments.begin(), {CORVANA_CLI, "--quiet", "--jobs", "1"});
