@@ -144,6 +144,11 @@ class InputFile {
     }
   }
 
+  /// Tells the system that the content from `begin` to `end` is not needed for now, which takes it
+  /// out of the program's memory. It can be read again. Gives back the end rounded down to a page,
+  /// from which the next call goes on; `begin` is 0 or such a number.
+  std::uint64_t giveBack(std::uint64_t begin, std::uint64_t end) const;
+
   const FileIdentity& identity() const { return identity_; }
   /// As they were when it was opened.
   const FileTimes& times() const { return times_; }

@@ -1,5 +1,6 @@
 // Inputs that are no files, or become shorter while they are read.
 #include <csignal>
+#include <fstream>
 #include <gtest/gtest.h>
 #include <optional>
 #include <stdexcept>
@@ -56,7 +57,9 @@ TEST(MappedGuard, ShrunkenFileIsAnInputErrorWhateverTheReaderMadeOfIt) {
     fs::resize_file(path, left);
     EXPECT_EQ(errorOf([&] { file.read(sumOf); }), expected) << left;
     EXPECT_EQ(errorOf([&] { file.read(failingReader); }), expected);
+    file.giveBack(0, size);
     EXPECT_EQ(errorOf([&] { file.read([](auto) {}); }), expected) << "lost once, lost for good";
+    EXPECT_EQ(errorOf([&] { file.read(sumOf); }), expected);
   }
   const InputFile removed = openFile(folder.write("grows.wav", content));
   fs::resize_file(folder / "grows.wav", 2 * size);
@@ -64,6 +67,29 @@ TEST(MappedGuard, ShrunkenFileIsAnInputErrorWhateverTheReaderMadeOfIt) {
   EXPECT_EQ(removed.read(sumOf), 'x' * size);
   EXPECT_THROW(removed.read(failingReader), std::runtime_error);
 }
+
+#if CORVANA_HAS_MADVISE
+TEST(InputFile, TakesWhatIsGivenBackOutOfTheMemory) {
+  const auto residentPages = [] {
+    long all = 0, resident = 0;
+    std::ifstream("/proc/self/statm") >> all >> resident;
+    return resident;
+  };
+  if (residentPages() == 0) GTEST_SKIP() << "this system says nothing of the memory";
+  const TemporaryFolder folder;
+  const InputFile file = openFile(folder.write("big", std::string(8 << 20, 'x')));
+  const long before = residentPages();
+  EXPECT_EQ(file.read(sumOf), 'x' * (8U << 20));
+  const long read = residentPages();
+  EXPECT_GE(read, before + 1000);
+  const std::uint64_t begin = file.giveBack(0, (4 << 20) + 1);
+  EXPECT_EQ(begin, 4U << 20);
+  EXPECT_LE(residentPages(), read - 500);
+  file.giveBack(begin, 8 << 20);
+  EXPECT_LE(residentPages(), read - 1000);
+  EXPECT_EQ(file.read(sumOf), 'x' * (8U << 20));
+}
+#endif
 
 TEST(MappedGuardDeathTest, OtherFaultsKeepTheirEffect) {
   GTEST_FLAG_SET(death_test_style, "threadsafe");
