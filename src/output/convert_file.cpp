@@ -18,13 +18,12 @@ class InputFileSource : public ByteSource {
             const std::function<void(ByteView)>& use) const override {
     file_.read(
         [&](ByteView content) { use(content.subspan(static_cast<std::size_t>(offset), size)); });
-    if (const std::uint64_t end = offset + size; end - givenBack_ >= maxBlockSize)
-      givenBack_ = file_.giveBack(givenBack_, end);
+    givenBack_ = file_.giveBack(givenBack_, offset + size);
   }
 
  private:
   const InputFile& file_;
-  mutable std::uint64_t givenBack_ = 0;  ///< up to where nothing is in the memory any more
+  mutable std::uint64_t givenBack_ = 0;  ///< up to where nothing is kept in the memory
 };
 
 ConversionResult convertFile(ConversionPlan plan, const InputFile& input,

@@ -118,6 +118,9 @@ FileDescriptor makeMemoryFile(std::span<const std::uint8_t> head, std::uint64_t 
 
 namespace {
 
+/// Bytes. Short files do without giving back.
+constexpr std::uint64_t minGivenBack = 1 << 20;
+
 /// Flag with which reading does not count as access; 0 where the system has none.
 #if CORVANA_HAS_NOATIME
 constexpr int quietly = O_NOATIME;
@@ -193,6 +196,7 @@ int InputFile::setTimes(const FileTimes& times) const {
 
 std::uint64_t InputFile::giveBack(std::uint64_t begin, std::uint64_t end) const {
   static const auto page = static_cast<std::uint64_t>(::sysconf(_SC_PAGESIZE));
+  if (end < begin + minGivenBack) return begin;
   end -= end % page;
   // POSIX's own call may do nothing, and with the GNU C library does. Pages that stand for lost
   // ones may go as well: those in their place are zeros again.

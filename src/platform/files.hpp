@@ -144,9 +144,9 @@ class InputFile {
     }
   }
 
-  /// Tells the system that the content from `begin` to `end` is not needed for now, which takes it
-  /// out of the program's memory. It can be read again. Gives back the end rounded down to a page,
-  /// from which the next call goes on; `begin` is 0 or such a number.
+  /// Takes the content from `begin` to about `end` out of the program's memory, where it is enough
+  /// to be worth it; it can be read again. `begin` is 0 or what the call before returned: where the
+  /// next one is to begin.
   std::uint64_t giveBack(std::uint64_t begin, std::uint64_t end) const;
 
   const FileIdentity& identity() const { return identity_; }
