@@ -1,4 +1,4 @@
-// The way of all sample data, in both directions: block by block through one buffer.
+// The way of all sample data, in both directions: piece by piece through one buffer.
 #pragma once
 
 #include <cstdint>
