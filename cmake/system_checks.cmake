@@ -32,6 +32,9 @@ endfunction()
 corvana_system_check(FALLOCATE "
   #include <fcntl.h>
   int main() { return ::fallocate(0, FALLOC_FL_KEEP_SIZE, 0, 1); }")
+corvana_system_check(MADVISE "
+  #include <sys/mman.h>
+  int main() { return ::madvise(nullptr, 0, MADV_DONTNEED); }")
 corvana_system_check(RENAMEAT2 "
   #include <cstdio>
   int main() { return ::renameat2(0, \"\", 0, \"\", RENAME_NOREPLACE); }")

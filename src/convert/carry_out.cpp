@@ -8,23 +8,39 @@
 namespace corvana {
 namespace {
 
-void copySampleFrames(const SampleRun& samples, const ByteSource& source, ByteSink& sink,
-                      const ProgressHandler& progress) {
+/// How many frames reach the next multiple of pieceSize from `position` in the output on.
+std::uint64_t framesToPieceEnd(std::uint64_t position, std::uint64_t frameSize) {
+  return (pieceSize - position % pieceSize + frameSize - 1) / frameSize;
+}
+
+/// `position` is where the samples begin in the output.
+void copySampleFrames(const SampleRun& samples, std::uint64_t position, const ByteSource& source,
+                      ByteSink& sink, const ProgressHandler& progress) {
   const std::uint64_t sourceFrameSize = samples.sourceFrameSize();
+  const std::uint64_t outputFrameSize = samples.outputFrameSize();
+  const std::uint64_t frameCount = samples.frameCount;
   const std::uint64_t framesPerBlock = std::max<std::uint64_t>(maxBlockSize / sourceFrameSize, 1);
-  // A short file does not pay for a whole block, and nothing for filling it with zeros.
-  const std::unique_ptr<std::uint8_t[]> buffer(new std::uint8_t[static_cast<std::size_t>(
-      std::min<std::uint64_t>(framesPerBlock, samples.frameCount) * samples.outputFrameSize())]);
-  for (std::uint64_t done = 0; done < samples.frameCount;) {
-    const std::uint64_t frames = std::min(framesPerBlock, samples.frameCount - done);
-    const std::span block(buffer.get(),
-                          static_cast<std::size_t>(frames * samples.outputFrameSize()));
+  const std::uint64_t maxFrames =
+      std::min({framesToPieceEnd(0, outputFrameSize), framesPerBlock, frameCount});
+  // A short file does not pay for a whole piece, and nothing for filling it with zeros.
+  const std::unique_ptr<std::uint8_t[]> buffer(
+      new std::uint8_t[static_cast<std::size_t>(maxFrames * outputFrameSize)]);
+  std::uint64_t reported = 0;
+  for (std::uint64_t done = 0; done < frameCount;) {
+    const std::uint64_t frames =
+        std::min({framesToPieceEnd(position + done * outputFrameSize, outputFrameSize), maxFrames,
+                  frameCount - done});
+    const std::span piece(buffer.get(), static_cast<std::size_t>(frames * outputFrameSize));
     source.read(samples.offset + done * sourceFrameSize,
                 static_cast<std::size_t>(frames * sourceFrameSize),
-                [&](ByteView bytes) { convertSamples(samples.conversion, bytes, block); });
-    sink.append(block);
+                [&](ByteView bytes) { convertSamples(samples.conversion, bytes, piece); });
+    sink.append(piece);
     done += frames;
-    if (progress) progress(static_cast<double>(done) / static_cast<double>(samples.frameCount));
+    // A piece that reaches into the next block is not cut in two: that costs files of 24 bits 4 %.
+    while (done >= std::min(reported + framesPerBlock, frameCount) && reported < frameCount) {
+      reported = std::min(reported + framesPerBlock, frameCount);
+      if (progress) progress(static_cast<double>(reported) / static_cast<double>(frameCount));
+    }
   }
 }
 
@@ -34,7 +50,7 @@ void carryOut(const ConversionPlan& plan, const ByteSource& source, ByteSink& si
               const ProgressHandler& progress) {
   sink.reserve(plan.outputSize());
   sink.append(plan.header);
-  copySampleFrames(plan.samples, source, sink, progress);
+  copySampleFrames(plan.samples, plan.header.size(), source, sink, progress);
   sink.append(plan.trailer);
   if (progress && plan.samples.frameCount == 0) progress(1.0);
 }

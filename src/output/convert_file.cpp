@@ -10,7 +10,7 @@
 namespace corvana {
 namespace {
 
-/// The content of a mapped file.
+/// The content of a mapped file, read from start to end.
 class InputFileSource : public ByteSource {
  public:
   explicit InputFileSource(const InputFile& file) : file_(file) {}
@@ -18,10 +18,12 @@ class InputFileSource : public ByteSource {
             const std::function<void(ByteView)>& use) const override {
     file_.read(
         [&](ByteView content) { use(content.subspan(static_cast<std::size_t>(offset), size)); });
+    givenBack_ = file_.giveBack(givenBack_, offset + size);
   }
 
  private:
   const InputFile& file_;
+  mutable std::uint64_t givenBack_ = 0;  ///< up to where nothing is kept in the memory
 };
 
 ConversionResult convertFile(ConversionPlan plan, const InputFile& input,

@@ -24,9 +24,16 @@ OutputProof verifyOutput(const InputFile& input, const OutputTarget& output,
 
 Differences verifyFiles(const InputFile& input, const InputFile& output, Producer producer,
                         const ProgressHandler& progress) {
+  std::uint64_t inputGivenBack = 0;
+  std::uint64_t outputGivenBack = 0;
+  const auto onProgress = [&](const ProofProgress& reached) {
+    inputGivenBack = input.giveBack(inputGivenBack, reached.inputOffset);
+    outputGivenBack = output.giveBack(outputGivenBack, reached.outputOffset);
+    if (progress) progress(reached.fraction);
+  };
   return input.read([&](ByteView inputBytes) {
     return output.read([&](ByteView outputBytes) {
-      return proveConversion(inputBytes, outputBytes, producer, progress);
+      return proveConversion(inputBytes, outputBytes, producer, onProgress);
     });
   });
 }

@@ -118,6 +118,9 @@ FileDescriptor makeMemoryFile(std::span<const std::uint8_t> head, std::uint64_t 
 
 namespace {
 
+/// Bytes. Short files do without giving back.
+constexpr std::uint64_t minGivenBack = 1 << 20;
+
 /// Flag with which reading does not count as access; 0 where the system has none.
 #if CORVANA_HAS_NOATIME
 constexpr int quietly = O_NOATIME;
@@ -222,6 +225,22 @@ InputFile::~InputFile() {
 
 int InputFile::setTimes(const FileTimes& times) const {
   return corvana::setTimes(file_, times);
+}
+
+std::uint64_t InputFile::giveBack(std::uint64_t begin, std::uint64_t end) const {
+  static const auto page = static_cast<std::uint64_t>(::sysconf(_SC_PAGESIZE));
+  if (end < begin + minGivenBack) return begin;
+  end -= end % page;
+  // POSIX's own call may do nothing, and with the GNU C library does. Pages that stand for lost
+  // ones may go as well: those in their place are zeros again.
+#if CORVANA_HAS_MADVISE
+  ::madvise(const_cast<std::uint8_t*>(data_ + begin), static_cast<std::size_t>(end - begin),
+            MADV_DONTNEED);
+#else
+  ::posix_madvise(const_cast<std::uint8_t*>(data_ + begin), static_cast<std::size_t>(end - begin),
+                  POSIX_MADV_DONTNEED);
+#endif
+  return end;
 }
 
 void InputFile::guardedRead(const std::function<void()>& reader) const {

@@ -145,6 +145,11 @@ class InputFile {
     }
   }
 
+  /// Takes the content from `begin` to about `end` out of the program's memory, where it is enough
+  /// to be worth it; it can be read again. `begin` is 0 or what the call before returned: where the
+  /// next one is to begin.
+  std::uint64_t giveBack(std::uint64_t begin, std::uint64_t end) const;
+
   const FileIdentity& identity() const { return identity_; }
   /// As they were when it was opened.
   const FileTimes& times() const { return times_; }

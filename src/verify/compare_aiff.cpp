@@ -263,7 +263,7 @@ void compareChunks(const PromisedAiff& promised, ByteView output, Producer produ
 }  // namespace
 
 void compareOutput(const WavInfo& wav, ByteView input, ByteView output, Producer producer,
-                   Differences& differences, const ProgressHandler& progress) {
+                   Differences& differences, const ProofHandler& progress) {
   // The highest rates of WAV are written, though an AIFF input must not have them.
   constexpr double rateLimit = 4'294'967'296.0;
   const AiffInfo aiff = parseAiff(output, rateLimit);

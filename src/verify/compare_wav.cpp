@@ -261,7 +261,7 @@ void compareChunks(const PromisedWav& promised, const WavInfo& wav, ByteView out
 }  // namespace
 
 void compareOutput(const AiffInfo& aiff, ByteView input, ByteView output, Producer producer,
-                   Differences& differences, const ProgressHandler& progress) {
+                   Differences& differences, const ProofHandler& progress) {
   const WavInfo wav = parseWav(output);
   const PromisedWav promised = promisedWav(aiff);
   compareSound(aiff, promised, wav, differences);

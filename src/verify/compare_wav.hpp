@@ -9,6 +9,6 @@ namespace corvana {
 /// Adds what is different, the samples last. `aiff` is what `input` holds. Fails with a
 /// ConversionError where `output` cannot be read.
 void compareOutput(const AiffInfo& aiff, ByteView input, ByteView output, Producer producer,
-                   Differences& differences, const ProgressHandler& progress);
+                   Differences& differences, const ProofHandler& progress);
 
 }  // namespace corvana

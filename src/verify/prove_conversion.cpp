@@ -10,7 +10,7 @@ namespace {
 
 template <typename Info>
 Differences prove(const Info& info, ByteView input, ByteView output, Producer producer,
-                  const ProgressHandler& progress) {
+                  const ProofHandler& progress) {
   Differences differences;
   try {
     compareOutput(info, input, output, producer, differences, progress);
@@ -23,7 +23,7 @@ Differences prove(const Info& info, ByteView input, ByteView output, Producer pr
 }  // namespace
 
 Differences proveConversion(ByteView input, ByteView output, Producer producer,
-                            const ProgressHandler& progress) {
+                            const ProofHandler& progress) {
   const bool isAIFF = Fields(input, ByteOrder::big).id(0) == "FORM";
   return isAIFF ? prove(parseAiff(input), input, output, producer, progress)
                 : prove(parseWav(input), input, output, producer, progress);

@@ -3,8 +3,8 @@
 #pragma once
 
 #include "verify/differences.hpp"
+#include "verify/sample_proof.hpp"
 #include "vocabulary/bytes.hpp"
-#include "vocabulary/streams.hpp"
 
 namespace corvana {
 
@@ -17,6 +17,6 @@ enum class Producer { thisProgram, anyProgram };
 /// Fails with a ConversionError where the input cannot be read. `progress` is called as in a
 /// conversion, but not with 1.0.
 Differences proveConversion(ByteView input, ByteView output, Producer producer,
-                            const ProgressHandler& progress);
+                            const ProofHandler& progress);
 
 }  // namespace corvana

@@ -172,7 +172,7 @@ std::int64_t signedNumber(std::uint32_t value, std::uint32_t width) {
 }  // namespace
 
 void compareSamples(const SampleField& input, const SampleField& output, const SampleRange& range,
-                    Differences& differences, const ProgressHandler& progress) {
+                    Differences& differences, const ProofHandler& progress) {
   constexpr std::uint64_t blockSamples = 4096;
   constexpr std::uint64_t progressSamples = 128 * blockSamples;
   constexpr std::uint32_t topBit = 0x8000'0000;
@@ -185,7 +185,8 @@ void compareSamples(const SampleField& input, const SampleField& output, const S
 
   for (std::uint64_t done = 0; done < sampleCount; done += blockSamples) {
     if (progress && done % progressSamples == 0)
-      progress(static_cast<double>(done) / static_cast<double>(sampleCount));
+      progress({static_cast<double>(done) / static_cast<double>(sampleCount),
+                input.offset + done * input.width, output.offset + done * output.width});
     const std::uint64_t end = std::min(done + blockSamples, sampleCount);
     if (areEqual(addressOf(input, done), addressOf(output, done),
                  static_cast<std::size_t>(end - done), change))

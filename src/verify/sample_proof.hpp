@@ -2,10 +2,10 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 
 #include "verify/differences.hpp"
 #include "vocabulary/bytes.hpp"
-#include "vocabulary/streams.hpp"
 
 namespace corvana {
 
@@ -25,9 +25,20 @@ struct SampleRange {
   std::uint32_t keptWidth = 4;  ///< bytes of an input's sample that the output is to keep
 };
 
+/// How far a comparison is: what lies ahead in either file is still to be read.
+struct ProofProgress {
+  double fraction = 0;  ///< below 1.0
+  std::uint64_t inputOffset = 0;
+  std::uint64_t outputOffset = 0;
+};
+
+/// Takes that now and then, on the comparing thread; may be empty. What it throws ends the
+/// comparison.
+using ProofHandler = std::function<void(const ProofProgress& progress)>;
+
 /// A sample of the output has to have the value of the input's, less the bytes that are not kept.
-/// `progress` may be empty; what it throws ends the comparison.
+/// `progress` is called at least once every 2 MiB of either file.
 void compareSamples(const SampleField& input, const SampleField& output, const SampleRange& range,
-                    Differences& differences, const ProgressHandler& progress);
+                    Differences& differences, const ProofHandler& progress);
 
 }  // namespace corvana

@@ -1,5 +1,6 @@
 // Inputs that are no files, or become shorter while they are read.
 #include <csignal>
+#include <fstream>
 #include <gtest/gtest.h>
 #include <optional>
 #include <stdexcept>
@@ -64,6 +65,34 @@ TEST(MappedGuard, ShrunkenFileIsAnInputErrorWhateverTheReaderMadeOfIt) {
   EXPECT_EQ(removed.read(sumOf), 'x' * size);
   EXPECT_THROW(removed.read(failingReader), std::runtime_error);
 }
+
+#if CORVANA_HAS_MADVISE
+TEST(InputFile, TakesWhatIsGivenBackOutOfTheMemory) {
+  const auto residentPages = [] {
+    long all = 0, resident = 0;
+    std::ifstream("/proc/self/statm") >> all >> resident;
+    return resident;
+  };
+  if (residentPages() == 0) GTEST_SKIP() << "this system says nothing of the memory";
+  const TemporaryFolder folder;
+  const InputFile file = openFile(folder.write("big", std::string(8 << 20, 'x')));
+  const long before = residentPages();
+  EXPECT_EQ(file.read(sumOf), 'x' * (8U << 20));
+  const long read = residentPages();
+  EXPECT_GE(read, before + 1000);
+  const std::uint64_t begin = file.giveBack(0, (4 << 20) + 1);
+  EXPECT_LE(residentPages(), read - 500);
+  EXPECT_EQ(file.giveBack(begin, begin + 10'000), begin);
+  file.giveBack(begin, 8 << 20);
+  EXPECT_LE(residentPages(), read - 1000);
+  EXPECT_EQ(file.read(sumOf), 'x' * (8U << 20));
+  file.giveBack(0, 8 << 20);
+  fs::resize_file(folder / "big", 5 << 20);
+  EXPECT_THROW(file.read(sumOf), FileError);
+  EXPECT_EQ(file.giveBack(0, 8 << 20), 8U << 20);
+  EXPECT_THROW(file.read(sumOf), FileError);
+}
+#endif
 
 TEST(MappedGuardDeathTest, OtherFaultsKeepTheirEffect) {
   GTEST_FLAG_SET(death_test_style, "threadsafe");
