@@ -142,8 +142,9 @@ class BatchConversion {
   void convertLogging(Current& current, Kept& kept);
   void convert(InputFolder& folder, Input& input, Current& current);
   void convertInto(const OutputTarget& output, Input& input, Current& current);
-  Input open(const AudioFile& file, const Folder& folder) const;
+  std::unique_ptr<const InputFile> open(const AudioFile& file, const Folder& folder) const;
   Input openInput(const Current& current, Kept& kept);
+  bool isSettled(Input& input, const Current& current, const Folder& folder);
   void endTurn(Current& current);
 
   const std::vector<AudioFile>& files_;
@@ -253,11 +254,10 @@ void BatchConversion::convert(InputFolder& folder, Input& input, Current& curren
   }
 }
 
-BatchConversion::Input BatchConversion::open(const AudioFile& file, const Folder& folder) const {
-  Input input{std::make_unique<const InputFile>(folder, std::string(file.name()), file.path,
-                                                names_.options.accessTime())};
-  input.isAIFF = input.file->read(detectFormat);
-  return input;
+std::unique_ptr<const InputFile> BatchConversion::open(const AudioFile& file,
+                                                       const Folder& folder) const {
+  return std::make_unique<const InputFile>(folder, std::string(file.name()), file.path,
+                                           names_.options.accessTime());
 }
 
 /// Makes use of the time until the file's turn. What fails is tried again then.
@@ -265,7 +265,8 @@ void BatchConversion::openEarly(const AudioFile& file, Kept& kept) {
   kept.early = {};
   try {
     if (!kept.folder || !kept.folder->isOf(file)) kept.folder = openFolderOf(file);
-    Input input = open(file, kept.folder->folder());
+    Input input{open(file, kept.folder->folder())};
+    input.isAIFF = input.file->read(detectFormat);
     if (!names_.options.skipExisting)
       input.plan = input.file->read(input.isAIFF ? planAIFFToWAV : planWAVToAIFF);
     kept.early = std::move(input);
@@ -274,29 +275,38 @@ void BatchConversion::openEarly(const AudioFile& file, Kept& kept) {
   }
 }
 
-/// The file, or what would be in its place by now where the batch is only rehearsed. A file that
-/// is the output of another one is read when that is complete.
+/// The file, or what would be in its place by now where the batch is only rehearsed.
 BatchConversion::Input BatchConversion::openInput(const Current& current, Kept& kept) {
   const AudioFile& file = current.file;
   if (!kept.folder || !kept.folder->isOf(file)) kept.folder = openFolderOf(file);
   const Folder& folder = kept.folder->folder();
   const std::string name(file.name());
+  Input input = std::move(kept.early);
   if (auto replaced = names_.outputs.openReplaced(folder, name, file.path)) {
-    Input input{std::make_unique<const InputFile>(std::move(*replaced), name, file.path)};
-    input.isAIFF = input.file->read(detectFormat);
-    return input;
+    input.file = std::make_unique<const InputFile>(std::move(*replaced), name, file.path);
+  } else {
+    while (!isSettled(input, current, folder)) {
+      input = {};
+      inWork_.waitForEarlier(current.number);
+    }
   }
+  if (!input.plan) input.isAIFF = input.file->read(detectFormat);
+  return input;
+}
+
+/// Whether the file is open, and not the output of an earlier one that was not complete then.
+bool BatchConversion::isSettled(Input& input, const Current& current, const Folder& folder) {
   try {
-    const bool isEarly = kept.early.file && folder.leadsTo(name, kept.early.file->identity());
-    Input input = isEarly ? std::move(kept.early) : open(file, folder);
-    if (!inWork_.isWritten(input.file->identity())) return input;
+    if (!input.file) input.file = open(current.file, folder);
+    const FileIdentity& identity = input.file->identity();
+    // In this order: what is no longer being written has its last size and time.
+    return !inWork_.isWritten(identity) && (jobs_ == 1 || folder.leadsTo(identity.name, identity));
   } catch (const FileError& error) {
     // A link may lead to an output that has its name only when it is complete.
-    if (error.code() != std::errc::no_such_file_or_directory) throw;
-    if (inWork_.isFirst(current.number)) throw;
+    const bool mayComeYet = error.code() == std::errc::no_such_file_or_directory;
+    if (!mayComeYet || inWork_.isFirst(current.number)) throw;
+    return false;
   }
-  inWork_.waitForEarlier(current.number);
-  return open(file, folder);
 }
 
 void BatchConversion::convertInto(const OutputTarget& output, Input& input, Current& current) {
