@@ -12,10 +12,9 @@ namespace corvana {
 namespace fs = std::filesystem;
 
 bool hasAudioExtension(std::string_view path) {
-  const std::string_view name = path.substr(path.rfind('/') + 1);
-  const std::size_t dot = name.rfind('.');
-  if (dot == std::string_view::npos || dot == 0) return false;
-  const std::string_view extension = name.substr(dot + 1);
+  const std::size_t dot = path.rfind('.');
+  if (dot == std::string_view::npos || dot == 0 || path[dot - 1] == '/') return false;
+  const std::string_view extension = path.substr(dot + 1);  // with a slash, it is none of these
   const auto matches = [&](std::string_view known) {
     return std::equal(extension.begin(), extension.end(), known.begin(), known.end(),
                       [](char letter, char lower) {
@@ -48,6 +47,18 @@ std::string_view AudioFile::folderInTree() const {
   return tree.substr(std::min(tree.find_first_not_of('/'), tree.size()));
 }
 
+namespace {
+
+/// For the files of a folder. Room that nothing is put into costs nothing, while files that move
+/// into a larger one leave memory behind that the system has filled with zeros in vain.
+AudioFile& addTo(std::vector<AudioFile>& files) {
+  constexpr std::size_t firstRoom = 1 << 17;
+  if (files.size() == files.capacity()) files.reserve(std::max(firstRoom, 4 * files.size()));
+  return files.emplace_back();
+}
+
+}  // namespace
+
 FoundFiles collectAudioFiles(const std::vector<fs::path>& urls, const fs::path& outputFolder) {
   FoundFiles found;
   std::size_t namedLength = 0;
@@ -61,8 +72,10 @@ FoundFiles collectAudioFiles(const std::vector<fs::path>& urls, const fs::path& 
       except = {identity->device, identity->inode};
   const FolderVisitor visitor{.file =
                                   [&](std::string_view path) {
-                                    if (hasAudioExtension(path))
-                                      found.files.push_back({std::string(path), namedLength});
+                                    if (!hasAudioExtension(path)) return;
+                                    AudioFile& file = addTo(found.files);
+                                    file.path = path;
+                                    file.namedLength = namedLength;
                                   },
                               .folder =
                                   [](std::string_view name) {

@@ -26,6 +26,8 @@ TEST(AudioFiles, CollectsInTheGivenOrder) {
                            "in/10.wav",         "in/2.wav",          "in/AIFF/x.aif",
                            "in/aiff/y.Aifc",    "in/Kit.BAND/z.wav", "in/a.b.vst3/z.wav",
                            "in/Kit.appx/z.wav", "in/take.01/z.wav",  "in/\xFF/z.wav",
+                           "long/take 2.wav",   "long/take 10.wav",  "long/take 1.wav",
+                           "long/take 10.aif",  "long/take.wav",     "long/take 1/take 10.wav",
                            "WAV/sub/w.wave",    "WAV/AIFF/v.wav",    "single.aif",
                            ".hidden.wav",       "no extension",      ".wav",
                            "name.wav.txt"})
@@ -45,6 +47,9 @@ TEST(AudioFiles, CollectsInTheGivenOrder) {
   EXPECT_EQ(collect({"in"}),
             "in/10.wav|in/2.wav|in/B.wave|in/Kit.appx/z.wav|in/a.WAV|in/aiff/y.Aifc|in/b.aiff|"
             "in/dangling.aif|in/link.aif|in/take.01/z.wav|in/\xFF/z.wav|");
+  EXPECT_EQ(collect({"long"}),
+            "long/take 1/take 10.wav|long/take 1.wav|long/take 10.aif|long/take 10.wav|"
+            "long/take 2.wav|long/take.wav|");
   EXPECT_EQ(collect({"WAV"}), "WAV/sub/w.wave|") << "a given folder is searched whatever its name";
   EXPECT_EQ(collect({"single.aif", "in/dangling.aif", "missing.wav", "no extension", ".hidden.wav",
                      ".wav", "name.wav.txt", "WAV", "single.aif"}),
