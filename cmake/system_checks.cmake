@@ -12,7 +12,7 @@ if(NOT CORVANA_POSIX_ONLY)
   check_linker_flag(CXX -Wl,-z,relro,-z,now CORVANA_LINKS_READ_ONLY_TABLES)
 endif()
 # The C++ library as a part of programs, and of programs no more than what they use.
-set(CORVANA_QUICK_START_OPTIONS -static-libstdc++ -static-libgcc -Wl,--gc-sections)
+set(CORVANA_QUICK_START_OPTIONS -static-libstdc++ -static-libgcc -Wl,--gc-sections,--as-needed)
 if(NOT CORVANA_POSIX_ONLY)
   check_linker_flag(CXX "${CORVANA_QUICK_START_OPTIONS}" CORVANA_LINKS_CXX_LIBRARY)
 endif()
