@@ -25,19 +25,21 @@ bool hasAudioExtension(std::string_view path) {
   return std::any_of(std::begin(audioExtensions), std::end(audioExtensions), matches);
 }
 
-std::string_view AudioFile::folder() const {
-  const std::size_t slash = path.rfind('/');
-  if (slash == std::string::npos) return {};
-  return std::string_view(path).substr(0, std::max<std::size_t>(slash, 1));
+AudioFile audioFileAt(std::string_view path) {
+  const std::size_t start = path.rfind('/') + 1;
+  return {std::make_shared<const std::string>(path.substr(0, start)),
+          std::string(path.substr(start)), path.size()};
 }
 
-std::string_view AudioFile::name() const {
-  return std::string_view(path).substr(path.rfind('/') + 1);
+std::string_view AudioFile::folder() const {
+  const std::string_view path = *place;
+  return path.substr(0, path.size() > 1 ? path.size() - 1 : path.size());
 }
 
 std::string_view AudioFile::folderInTree() const {
-  if (namedLength >= path.size()) return {};
-  std::string_view named(path.data(), namedLength);
+  if (namedLength >= place->size() + fileName.size()) return {};
+  std::string_view named(*place);
+  named = named.substr(0, namedLength);
   named = named.substr(0, named.find_last_not_of('/') + 1);
   const std::size_t nameStart = named.rfind('/') + 1;
   const std::string_view name = named.substr(nameStart);
@@ -49,12 +51,15 @@ std::string_view AudioFile::folderInTree() const {
 
 namespace {
 
-/// For the files of a folder. Room that nothing is put into costs nothing, while files that move
+/// Adds a file of a folder. Room that nothing is put into costs nothing, while files that move
 /// into a larger one leave memory behind that the system has filled with zeros in vain.
-AudioFile& addTo(std::vector<AudioFile>& files) {
+void addFound(std::vector<AudioFile>& files, std::string_view path, std::size_t namedLength) {
   constexpr std::size_t firstRoom = 1 << 17;
   if (files.size() == files.capacity()) files.reserve(std::max(firstRoom, 4 * files.size()));
-  return files.emplace_back();
+  const std::string_view place = path.substr(0, path.rfind('/') + 1);
+  const bool isNeighbour = !files.empty() && *files.back().place == place;
+  auto text = isNeighbour ? files.back().place : std::make_shared<const std::string>(place);
+  files.push_back({std::move(text), std::string(path.substr(place.size())), namedLength});
 }
 
 }  // namespace
@@ -72,10 +77,8 @@ FoundFiles collectAudioFiles(const std::vector<fs::path>& urls, const fs::path& 
       except = {identity->device, identity->inode};
   const FolderVisitor visitor{.file =
                                   [&](std::string_view path) {
-                                    if (!hasAudioExtension(path)) return;
-                                    AudioFile& file = addTo(found.files);
-                                    file.path = path;
-                                    file.namedLength = namedLength;
+                                    if (hasAudioExtension(path))
+                                      addFound(found.files, path, namedLength);
                                   },
                               .folder =
                                   [](std::string_view name) {
@@ -96,7 +99,7 @@ FoundFiles collectAudioFiles(const std::vector<fs::path>& urls, const fs::path& 
       namedLength = url.native().size();
       searchFolder(url, visitor);
     } else if (hasAudioExtension(url.native())) {
-      found.files.push_back({url.native(), url.native().size()});
+      found.files.push_back(audioFileAt(url.native()));
     } else {
       found.leftOut.push_back({url.native(), localised("Not a WAV or AIFF file by its extension")});
     }

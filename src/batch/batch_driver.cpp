@@ -84,9 +84,9 @@ std::string joinedLines(const std::vector<std::string>& lines, Shown shown) {
 /// The file, or what would be in its place by now where the batch is only rehearsed.
 InputFile openInput(const Folder& folder, const AudioFile& file, const BatchNames& names) {
   const std::string name(file.name());
-  if (auto replaced = names.outputs.openReplaced(folder, name, file.path))
-    return {std::move(*replaced), name, file.path};
-  return {folder, name, file.path, names.options.accessTime()};
+  if (auto replaced = names.outputs.openReplaced(folder, name, file.path()))
+    return {std::move(*replaced), name, file.path()};
+  return {folder, name, file.path(), names.options.accessTime()};
 }
 
 /// Why the system could not write.
@@ -103,7 +103,7 @@ bool isTakenMeanwhile(const ConversionError& error) {
 /// read is not: its error belongs in the log.
 bool isLeftAlone(AudioFile& file, const BatchOptions& options) {
   try {
-    const InputFile input(openFolderOf(file).folder(), std::string(file.name()), file.path,
+    const InputFile input(openFolderOf(file).folder(), std::string(file.name()), file.path(),
                           options.accessTime());
     if (options.preserveTimes) file.earlierTimes = std::make_shared<FileTimes>(input.times());
     return input.read(detectFormat) == (options.direction == Direction::toAIFF);
@@ -196,7 +196,7 @@ void BatchDriver::convertFiles(const Batch& batch) {
         [this, status = fillText(localised("Converting %@ …"), {std::string(file.name())})] {
           view_.setStatus(status);
         });
-    LogEntry entry{.lines = {}, .input = file.path};
+    LogEntry entry{.lines = {}, .input = file.path()};
     const auto begun = std::chrono::steady_clock::now();
     try {
       if (!folder || !folder->isOf(file)) folder = openFolderOf(file);

@@ -12,7 +12,7 @@ namespace {
 using namespace test;
 
 fs::path outputOf(const fs::path& input, bool isAIFF, const BatchOptions& options) {
-  const std::vector<AudioFile> files = {{input.native(), input.native().size()}};
+  const std::vector<AudioFile> files = {audioFileAt(input.native())};
   InputFolder folder(files[0]);
   const InputFile file = openFile(input);
   const OutputPlace place = folder.outputPlace(files[0], isAIFF, options);
@@ -41,7 +41,7 @@ TEST(AudioFiles, CollectsInTheGivenOrder) {
                    [&](const char* name) { return folder / name; });
     std::string found;
     for (const AudioFile& file : collectAudioFiles(urls).files)
-      found += fs::path(file.path).lexically_relative(folder.path()).native() + "|";
+      found += fs::path(file.path()).lexically_relative(folder.path()).native() + "|";
     return found;
   };
   EXPECT_EQ(collect({"in"}),
@@ -109,7 +109,7 @@ TEST(AudioFiles, FindsInputsThatOutputsMayReplace) {
   for (const auto& c : cases) {
     std::vector<AudioFile> files;
     for (const char* path : c.inputs)
-      files.push_back({path});
+      files.push_back(audioFileAt(path));
     const auto found = [&](bool useSubfolder) {
       const NameClash clash = findNameClashes(files, useSubfolder).first;
       return clash.input.empty() ? "" : clash.input + " " + clash.other;
