@@ -54,7 +54,7 @@ def convert(content, output):
     def write(_user, data, size):
         try:
             output.write(string_at(data, size))
-        except OSError as failure:
+        except BaseException as failure:  # none may get out
             failures.append(failure)
         return len(failures)  # 0 goes on
 

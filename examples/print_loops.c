@@ -13,7 +13,7 @@ static unsigned char* read_content(const char* path, size_t* size) {
   if (fseek(stream, 0, SEEK_END) == 0) {
     const long end = ftell(stream);
     rewind(stream);
-    if (end > 0) content = malloc((size_t)end);
+    if (end >= 0) content = malloc((size_t)end + 1);
     if (content != NULL) *size = fread(content, 1, (size_t)end, stream);
   }
   fclose(stream);

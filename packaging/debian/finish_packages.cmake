@@ -25,9 +25,10 @@ foreach(component IN LISTS CPACK_COMPONENTS_ALL)
   set(package ${CPACK_DEBIAN_${upper}_PACKAGE_NAME})
   set(files ${CPACK_TEMPORARY_DIRECTORY}/${component}${CPACK_PACKAGING_INSTALL_PREFIX})
   set(documents ${files}/share/doc/${package})
-  configure_file(${here}/copyright.in ${documents}/copyright @ONLY)
+  configure_file(${here}/copyright.in ${documents}/copyright @ONLY NO_SOURCE_PERMISSIONS)
   file(WRITE ${documents}/changelog.Debian "${changelog}")
-  configure_file(${CPACK_CORVANA_SOURCES}/CHANGELOG.md ${documents}/changelog COPYONLY)
+  configure_file(${CPACK_CORVANA_SOURCES}/CHANGELOG.md ${documents}/changelog COPYONLY
+                 NO_SOURCE_PERMISSIONS)
   file(GLOB_RECURSE manuals ${files}/share/man/*)
   execute_process(
     COMMAND gzip -9 --no-name ${documents}/changelog.Debian ${documents}/changelog ${manuals}
@@ -43,7 +44,8 @@ foreach(component IN LISTS CPACK_COMPONENTS_ALL)
       list(APPEND libraries ${owner})
     endif()
     foreach(library IN LISTS libraries)
-      configure_file(/usr/share/doc/${library}/copyright ${documents}/notices/${library} COPYONLY)
+      configure_file(/usr/share/doc/${library}/copyright ${documents}/notices/${library} COPYONLY
+                     NO_SOURCE_PERMISSIONS)
     endforeach()
     # Where Debian's zsh looks for completions of packages.
     if(EXISTS ${files}/share/zsh/site-functions)

@@ -50,7 +50,7 @@ ViewController::ViewController(AppDelegate* appDelegate)
       appDelegate_(appDelegate),
       openPanelFolder_(QDir::homePath()),
       mainQueue_([this] { showChanges(); }),
-      driver_(*this, mainQueue_) {}
+      driver_(*this, mainQueue_, std::make_unique<SerialQueue>("corvana.convert")) {}
 
 void ViewController::viewDidLoad() {
   dropView->delegate = this;
@@ -130,13 +130,19 @@ void ViewController::appendLog(const LogEntry& entry) {
     std::fprintf(stderr, "corvana: %s\n", entry.screenText().c_str());
 }
 
-void ViewController::reportCounterparts(std::int64_t count) {
+void ViewController::batchStarted(const std::vector<AudioFile>& files,
+                                  const BatchOptions& options) {
+  // A person who overwrites files beside their inputs has been asked.
+  if (options.overwrite && !options.useSubfolder) return;
+  constexpr bool besideInputs = false;
+  const NameClashes counterparts = findNameClashes(files, besideInputs);
+  if (counterparts.count == 0) return;
   showHint(qtText(localisedCount(
       "%ld file lies beside one of the same name in the other format, perhaps an earlier output, "
       "and is converted as well. You can stop the run; outputs in subfolders stay apart.",
       "%ld files lie beside one of the same name in the other format, perhaps an earlier output, "
       "and are converted as well. You can stop the run; outputs in subfolders stay apart.",
-      count)));
+      counterparts.count)));
 }
 
 void ViewController::confirmReplacingInputs(const NameClash& example,

@@ -69,7 +69,7 @@ class ViewController : public DropViewDelegate, public BatchView {
   void setStatus(const std::string& text) override;
   void setProgress(double fraction) override;
   void appendLog(const LogEntry& entry) override;
-  void reportCounterparts(std::int64_t count) override;
+  void batchStarted(const std::vector<AudioFile>& files, const BatchOptions& options) override;
   /// Asks the user when the event loop runs next: a window that is just being made is shown then,
   /// and whoever handed the files over has been answered.
   void confirmReplacingInputs(const NameClash& example,

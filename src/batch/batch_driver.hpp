@@ -1,5 +1,5 @@
-// Converts lists of files and folders one after another on a work queue and keeps its window
-// (or terminal) up to date: log, status line, progress.
+// Converts lists of files and folders on a work queue and keeps its window (or terminal) up to
+// date: log, status line, progress.
 #pragma once
 
 #include <atomic>
@@ -7,54 +7,20 @@
 #include <filesystem>
 #include <functional>
 #include <memory>
-#include <optional>
 #include <string>
 #include <vector>
 
 #include "batch/audio_files.hpp"
+#include "batch/batch_inputs.hpp"
 #include "batch/batch_options.hpp"
-#include "batch/output_url.hpp"
-#include "output/convert_file.hpp"
+#include "batch/log_entry.hpp"
 #include "platform/ending.hpp"
 #include "platform/queues.hpp"
-#include "vocabulary/errors.hpp"
-#include "vocabulary/failure.hpp"
-#include "vocabulary/messages.hpp"
-#include "vocabulary/warnings.hpp"
 
 namespace corvana {
 
-/// What became of a file.
-enum class Outcome {
-  converted,
-  failed,
-  skipped,  ///< BatchOptions::skipExisting; `lines` is empty
-};
-
-/// What the log says of one finished file, or of a batch without files: lines for people, records
-/// for programs. A line holds the names and texts of files as they are, line feeds included.
-struct LogEntry {
-  std::vector<std::string> lines;       ///< what became of the file; then one for each warning
-  std::optional<Outcome> outcome = {};  ///< none for a batch without files
-  std::string input = {};               ///< path, as given or found
-  /// Path of the file that was written, or that stands for a skipped one; empty where none is.
-  std::string output = {};
-  /// Never both; none where the format of the file is not known.
-  std::optional<Direction> direction = {};
-  Summary summary = {};      ///< where converted, as the next two
-  std::uint32_t frames = 0;  ///< written
-  std::uint64_t bytes = 0;   ///< written
-  Warnings warnings = {};    ///< what the lines behind the first one say
-  Failure failure = {};      ///< where failed
-  double seconds = 0;        ///< that the file took
-
-  /// The exact bytes, for programs. A line feed is to follow.
-  std::string text() const;
-  /// For people: no name drives the screen or passes for a further line. A line feed is to follow.
-  std::string screenText() const;
-};
-
-/// What the driver needs of a window. Everything is called on the main thread.
+/// What the driver needs of a window. Everything is called on the main thread, or what the main
+/// queue takes for it: one call at a time.
 class BatchView {
  public:
   virtual ~BatchView() = default;
@@ -69,9 +35,8 @@ class BatchView {
   /// What the system refused at an output: why it cannot be written, where the log names the file
   /// only, or why it has not got the times of its input.
   virtual void reportReason(const std::string& /*path*/, const std::string& /*reason*/) {}
-  /// So many files of a batch that has started lie beside one of the same name in the other format.
-  /// Such are often outputs of an earlier run, and are converted back.
-  virtual void reportCounterparts(std::int64_t /*count*/) {}
+  /// A batch of these files has started.
+  virtual void batchStarted(const std::vector<AudioFile>& /*files*/, const BatchOptions&) {}
   /// Inputs of a batch would be replaced by the outputs of others, such as `example`. `answer` says
   /// what is to become of them and starts the batch, at once or later; without it, nothing starts.
   virtual void confirmReplacingInputs(const NameClash& /*example*/,
@@ -83,8 +48,8 @@ class BatchView {
 /// Everything runs on the main thread unless said otherwise.
 class BatchDriver {
  public:
-  /// `view` and `mainQueue` outlive the driver.
-  BatchDriver(BatchView& view, MainQueue& mainQueue);
+  /// `view` and `mainQueue` outlive the driver. Each batch is a task of the work queue.
+  BatchDriver(BatchView& view, MainQueue& mainQueue, std::unique_ptr<TaskQueue> workQueue);
   /// Stops first.
   ~BatchDriver();
 
@@ -92,8 +57,8 @@ class BatchDriver {
   /// option states of this moment.
   void processURLs(const std::vector<std::filesystem::path>& urls);
 
-  /// No further file is started, and the one being converted ends after its current block as a
-  /// failed file. For good: files given later are not converted either. A signal that asks the
+  /// No further file is started, and those being converted end after their current block as failed
+  /// files. For good: files given later are not converted either. A signal that asks the
   /// program to end (catchInterrupts) does the same. Any thread.
   void stop() { stopped_ = true; }
 
@@ -120,19 +85,15 @@ class BatchDriver {
 
   void start(Batch batch);
 
-  // On the work queue.
+  class Listener;
+
+  // On the work queue and the threads of its task.
   bool endsAtOnce() const { return stopped_ || interruptStatus() != 0; }
   bool isStopped(const Batch& batch) const { return endsAtOnce() || batch.run <= stoppedRun_; }
   void convertFiles(const Batch& batch);
-  void convertFile(InputFolder& folder, const AudioFile& file, const Batch& batch,
-                   BatchNames& names, LogEntry& entry);
-  void convertInto(const OutputTarget& output, const InputFile& input, bool isAIFF,
-                   const Batch& batch, const AudioFile& file, LogEntry& entry);
-  /// Why the output has not got the times of its input, if there is a reason.
-  void reportTimes(const OutputTarget& output, int errorNumber);
-  void reportProgress(double fraction);
-  void reportReason(const std::string& path, const std::string& reason);
 
+  /// `fraction` of the current file is done.
+  void showProgress(double fraction);
   void fileFinished(const LogEntry& entry);
   std::string finalStatus() const;
   void runStopped(std::int64_t run);
@@ -146,7 +107,7 @@ class BatchDriver {
   std::int64_t run_ = 0;           ///< number of the present or last run
   std::atomic<bool> stopped_ = false;
   std::atomic<std::int64_t> stoppedRun_ = 0;  ///< this one and those before it
-  SerialQueue workQueue_;                     // last: its thread ends before the rest does
+  std::unique_ptr<TaskQueue> workQueue_;      // last: its thread ends before the rest does
 };
 
 }  // namespace corvana

@@ -32,6 +32,8 @@ struct BatchOptions {
   std::filesystem::path outputFolder = {};
   bool preserveTimes = false;  ///< outputs get the times of their inputs
   bool skipExisting = false;   ///< leave out inputs whose output is up to date (currentOutput)
+  /// How many files are converted at the same time; 0: as many as there are processors.
+  unsigned jobs = 1;
   /// Make nothing and touch nothing: the log tells what the run would do.
   bool dryRun = false;
 

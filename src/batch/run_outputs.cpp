@@ -9,14 +9,17 @@ namespace corvana {
 namespace fs = std::filesystem;
 
 bool RunOutputs::contain(const OutputPlace& place, const std::string& name) const {
+  const std::lock_guard lock(mutex_);
   return find(nameIn(place.folder, place.missingFolders / name)) != nullptr;
 }
 
 void RunOutputs::add(const OutputPlace& place, const std::string& name) {
+  const std::lock_guard lock(mutex_);
   items_[nameIn(place.folder, place.missingFolders / name)] = {};
 }
 
 void RunOutputs::rehearse(const OutputTarget& target, const ConversionPlan& plan) {
+  const std::lock_guard lock(mutex_);
   const Name name = nameIn(target.folder, target.missingFolders / target.name);
   rehearseFolders(target);
   Item item;
@@ -54,6 +57,7 @@ void RunOutputs::rehearseFolders(const OutputTarget& target) {
 std::optional<FileDescriptor> RunOutputs::openReplaced(const Folder& folder,
                                                        const std::string& name,
                                                        const fs::path& path) const {
+  const std::lock_guard lock(mutex_);
   if (!hasReplaced_) return std::nullopt;
   const Item* const item = find(nameIn(folder, name));
   if (!item || !item->content) return std::nullopt;

@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <filesystem>
 #include <map>
+#include <mutex>
 #include <optional>
 #include <string>
 #include <tuple>
@@ -27,6 +28,7 @@ struct OutputPlace {
   }
 };
 
+/// Any thread.
 class RunOutputs {
  public:
   /// Whether the name is taken by an output of this batch, or by a folder made for one.
@@ -62,6 +64,7 @@ class RunOutputs {
   const Item* find(const Name& name) const;
   void rehearseFolders(const OutputTarget& target);
 
+  mutable std::mutex mutex_;
   std::map<Name, Item> items_;
   bool hasReplaced_ = false;
 };

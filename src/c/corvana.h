@@ -35,8 +35,8 @@ extern "C" {
 typedef enum corvana_status {
   CORVANA_OK = 0,
   CORVANA_END = 1,           ///< there is no loop, marker or warning of this index
-  CORVANA_BAD_ARGUMENT = 2,  ///< a null pointer, a wrong struct_size, another input than the
-                             ///< plan's, or too little room
+  CORVANA_BAD_ARGUMENT = 2,  ///< a null pointer, a wrong struct_size, an input of another size
+                             ///< than the plan's, or too little room
   CORVANA_NO_MEMORY = 3,
   CORVANA_UNSUITABLE = 4,      ///< the file is damaged, or of a kind that is not supported
   CORVANA_STOPPED = 5,         ///< the callback has refused to go on
@@ -126,7 +126,8 @@ typedef struct corvana_file_info {
 typedef struct corvana_loop {
   size_t struct_size;    ///< of the caller's struct, in bytes
   int64_t start;         ///< first frame; CORVANA_NONE where the marker is missing
-  int64_t end;           ///< last frame, inclusive in both formats; CORVANA_NONE likewise
+  int64_t end;           ///< last frame, inclusive in both formats, less than `start` where there
+                         ///< is no frame between them; CORVANA_NONE likewise
   int64_t type;          ///< as in the file: loop type or play mode
   uint32_t kind;         ///< CORVANA_LOOP_…
   uint32_t role;         ///< CORVANA_ROLE_…

@@ -1,6 +1,7 @@
 #include "cli/convert_command.hpp"
 
 #include <filesystem>
+#include <memory>
 #include <optional>
 
 #include "batch/batch_driver.hpp"
@@ -51,6 +52,12 @@ constexpr const char* footer =
     "--preserve-times gives an output the access and modification times that its input had\n"
     "before the run. Where that fails, standard error says so; the output stands and the exit\n"
     "status stays.\n"
+    "\n"
+    "Several files are converted at the same time, as many as there are processors or --jobs "
+    "says;\n"
+    "names, bytes and log are the same as with --jobs 1. With --overwrite-inputs, where what a "
+    "file\n"
+    "holds may depend on those before it, they are converted one after another.\n"
     "\n"
     "Standard output carries the log, one entry a file; standard error status and progress. With\n"
     "--json each file is one JSON object: its paths, figures, warnings or error, each with a code\n"
@@ -107,6 +114,7 @@ ConvertLine::ConvertLine() : app(description, "corvana-cli") {
                        "corvana-cli " + bundleValue(mainBundleInfo(), bundleVersionKey));
   BatchOptions& batch = options.batch;
   batch.clash = InputClash::fail;
+  batch.jobs = 0;
   const std::string where = "Where outputs go";
   auto* const subfolder =
       app.add_flag("--subfolder", batch.useSubfolder,
@@ -157,6 +165,13 @@ ConvertLine::ConvertLine() : app(description, "corvana-cli") {
       ->option_text(" ")
       ->group(what);
 
+  app.add_option("--jobs", batch.jobs,
+                 "Convert so many files at the same time; 0: one for each processor")
+      ->check(CLI::Range(0, 256))
+      ->capture_default_str()
+      ->type_name("N")
+      ->group(what);
+
   const std::string said = "What is said";
   app.add_flag("--dry-run", batch.dryRun, "Only write the log of what would be done")->group(said);
   app.add_flag("--quiet", options.quiet, "Show neither status nor progress")->group(said);
@@ -176,21 +191,19 @@ int runConvert(const std::vector<std::string>& values) {
   if (const auto status = parseCommandLine(line.app, values)) return *status;
   const auto paths = pathsToConvert(line);
   if (!paths) return statusWrongUsage;
-  RunLoop mainQueue;
   TerminalView view(line.options);
   catchInterrupts();
-  BatchDriver driver(view, mainQueue);
+  DirectQueue mainQueue;
+  BatchDriver driver(view, mainQueue, std::make_unique<DirectQueue>());
 
   driver.processURLs(*paths);
-  bool failed = driver.totalFiles() == 0 || !view.searchIsComplete();
-  mainQueue.runUntil([&] { return driver.totalFiles() == 0; });
   if (interruptStatus() != 0) {
     view.erase();
     return interruptStatus();
   }
   view.finish();
 
-  if (driver.failedFiles() > 0) failed = true;
+  bool failed = !view.hasFiles() || !view.searchIsComplete() || driver.failedFiles() > 0;
   if (!view.logIsComplete()) {
     report("the log could not be written completely");
     failed = true;

@@ -21,6 +21,7 @@ class TerminalView : public BatchView {
   explicit TerminalView(const TerminalOptions& options);
 
   BatchOptions options() const override { return options_.batch; }
+  void runStarted() override { hasFiles_ = true; }
   void setStatus(const std::string& text) override;
   void setProgress(double fraction) override;
   void appendLog(const LogEntry& entry) override;
@@ -34,6 +35,8 @@ class TerminalView : public BatchView {
 
   /// Whether every entry of the log reached standard output.
   bool logIsComplete() const { return logIsComplete_; }
+  /// Whether anything was found to convert.
+  bool hasFiles() const { return hasFiles_; }
   /// Whether everything that was to be searched has been.
   bool searchIsComplete() const { return searchIsComplete_; }
   /// Whether a file has a warning: its output lacks something that the input has.
@@ -50,6 +53,7 @@ class TerminalView : public BatchView {
   bool drawsProgress_;
   bool isDrawn_ = false;
   bool logIsComplete_ = true;
+  bool hasFiles_ = false;
   bool searchIsComplete_ = true;
   bool hasLosses_ = false;
   std::string status_;

@@ -25,8 +25,10 @@ class InputFileSource : public ByteSource {
 };
 
 ConversionResult convertFile(ConversionPlan plan, const InputFile& input,
-                             const OutputTarget& output, const ProgressHandler& progress) {
+                             const OutputTarget& output, const ProgressHandler& progress,
+                             const CreationHandler& created) {
   OutputFile file(output);
+  created(file);
   carryOut(plan, InputFileSource(input), file, progress);
   file.close();
 
@@ -49,13 +51,13 @@ ConversionResult resultOf(ConversionPlan plan, const OutputTarget& output) {
 }
 
 ConversionResult convertWAVToAIFF(const InputFile& input, const OutputTarget& output,
-                                  const ProgressHandler& progress) {
-  return convertFile(input.read(planWAVToAIFF), input, output, progress);
+                                  const ProgressHandler& progress, const CreationHandler& created) {
+  return convertFile(input.read(planWAVToAIFF), input, output, progress, created);
 }
 
 ConversionResult convertAIFFToWAV(const InputFile& input, const OutputTarget& output,
-                                  const ProgressHandler& progress) {
-  return convertFile(input.read(planAIFFToWAV), input, output, progress);
+                                  const ProgressHandler& progress, const CreationHandler& created) {
+  return convertFile(input.read(planAIFFToWAV), input, output, progress, created);
 }
 
 }  // namespace corvana

@@ -3,6 +3,7 @@
 
 #include <cstdint>
 #include <filesystem>
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -31,11 +32,14 @@ struct ConversionResult {
 /// What the conversion of this plan comes to.
 ConversionResult resultOf(ConversionPlan plan, const OutputTarget& output);
 
+/// Called when the output file is there, before anything is written to it.
+using CreationHandler = std::function<void(const OutputFile& file)>;
+
 /// Fail with a ConversionError, or with a FileError from the file system. Nothing is written or
 /// removed before the whole input but its samples has been read and found convertible.
 ConversionResult convertWAVToAIFF(const InputFile& input, const OutputTarget& output,
-                                  const ProgressHandler& progress);
+                                  const ProgressHandler& progress, const CreationHandler& created);
 ConversionResult convertAIFFToWAV(const InputFile& input, const OutputTarget& output,
-                                  const ProgressHandler& progress);
+                                  const ProgressHandler& progress, const CreationHandler& created);
 
 }  // namespace corvana

@@ -62,7 +62,6 @@ OutputFile::OutputFile(const OutputTarget& target) : target_(target) {
 OutputFile::~OutputFile() {
   if (!hiddenName_.empty()) {
     folder().discard(hiddenName_);
-    setUnfinishedFile(-1, "");
     return;
   }
   if (file_.number() < 0) return;
@@ -91,7 +90,7 @@ void OutputFile::createHidden() {
     std::string name = hiddenName(++counter);
     std::optional<FileDescriptor> file = create(name);
     if (!file) continue;
-    setUnfinishedFile(folder().number(), name.c_str());
+    unfinished_.emplace(folder().number(), name);
     hiddenName_ = std::move(name);
     file_ = std::move(*file);
     return;
@@ -144,7 +143,7 @@ void OutputFile::putInPlace() {
     folder().moveOver(hiddenName_, target_.name);
   }
   hiddenName_.clear();
-  setUnfinishedFile(-1, "");
+  unfinished_.reset();
   attempt([this] { folder().sync(); });
 }
 

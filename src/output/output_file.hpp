@@ -6,6 +6,7 @@
 #include <optional>
 #include <string>
 
+#include "platform/ending.hpp"
 #include "platform/folder.hpp"
 #include "vocabulary/streams.hpp"
 
@@ -58,11 +59,16 @@ class OutputFile : public ByteSink {
   /// what it was given before.
   void close();
 
+  const OutputTarget& target() const { return target_; }
+  /// The folder in which it is made.
+  const Folder& folder() const { return madeFolder_ ? *madeFolder_ : target_.folder; }
+  /// Of the file, while it is not closed.
+  FolderIdentity identity() const { return identityOf(file_); }
+
   /// Why the closed file could not be given its times; 0 where it could, or was to have none.
   int timesError() const { return timesError_; }
 
  private:
-  const Folder& folder() const { return madeFolder_ ? *madeFolder_ : target_.folder; }
   /// A step of writing, whose failure is writeFailed.
   template <typename Step>
   auto attempt(const Step& step) const;
@@ -77,6 +83,7 @@ class OutputFile : public ByteSink {
   OutputTarget target_;
   std::optional<Folder> madeFolder_;
   std::string hiddenName_;  ///< of a safe file that is not yet complete
+  std::optional<UnfinishedFile> unfinished_;
   FileDescriptor file_;
   ByteBuffer waiting_;  ///< short pieces that are not yet written
   std::uint64_t written_ = 0;

@@ -14,6 +14,13 @@
 #include "vocabulary/screen_text.hpp"
 
 namespace corvana {
+
+/// Its owner writes the name while no handler may read it.
+struct Place {
+  std::atomic<int> folder = -1;
+  std::array<char, 64> name{};
+};
+
 namespace {
 
 /// Time to finish the current block or small file; together with the way out it stays below a
@@ -23,13 +30,14 @@ constexpr itimerval grace{{0, 0}, {0, 800'000}};
 std::atomic<int> exitStatus = 0;
 static_assert(std::atomic<int>::is_always_lock_free, "set by a signal handler");
 
-// Written by one thread while no handler may read it: the folder is -1 then.
-std::atomic<int> unfinishedFolder = -1;
-std::array<char, 64> unfinishedName{};
+// Of the places for unfinished files: no folder.
+constexpr int freePlace = -1;
+constexpr int placeBeingFilled = -2;
+constinit std::array<Place, 256> places{};
 
 [[noreturn]] void endAtOnce() {
-  if (const int folder = unfinishedFolder; folder >= 0)
-    ::unlinkat(folder, unfinishedName.data(), 0);
+  for (const Place& place : places)
+    if (const int folder = place.folder; folder >= 0) ::unlinkat(folder, place.name.data(), 0);
   ::_exit(exitStatus);
 }
 
@@ -103,10 +111,19 @@ void endInTime() {
   ::setitimer(ITIMER_REAL, &grace, nullptr);
 }
 
-void setUnfinishedFile(int folder, const char* name) {
-  unfinishedFolder = -1;
-  std::strncpy(unfinishedName.data(), name, unfinishedName.size() - 1);
-  unfinishedFolder = folder;
+UnfinishedFile::UnfinishedFile(int folder, const std::string& name) {
+  for (Place& place : places) {
+    int expected = freePlace;
+    if (!place.folder.compare_exchange_strong(expected, placeBeingFilled)) continue;
+    std::strncpy(place.name.data(), name.c_str(), place.name.size() - 1);
+    place.folder = folder;
+    place_ = &place;
+    return;
+  }
+}
+
+UnfinishedFile::~UnfinishedFile() {
+  if (place_ != nullptr) place_->folder = freePlace;
 }
 
 int processNumber() {

@@ -2,6 +2,8 @@
 // its threads wait for.
 #pragma once
 
+#include <string>
+
 namespace corvana {
 
 /// From now on SIGINT, SIGTERM and SIGHUP ask the program to end: interruptStatus() tells, and the
@@ -17,9 +19,19 @@ int interruptStatus();
 /// returns interruptStatus(). Main thread.
 void endInTime();
 
-/// Names the hidden file of an open folder that a program which ends at once takes along; -1: none.
-/// The name is at most 63 characters long. One at a time.
-void setUnfinishedFile(int folder, const char* name);
+/// The hidden file `name` of an open folder, which a program that ends at once takes along. The
+/// name is at most 63 characters long. Of more than 256 at a time, some are left behind. Any
+/// thread.
+class UnfinishedFile {
+ public:
+  UnfinishedFile(int folder, const std::string& name);
+  UnfinishedFile(const UnfinishedFile&) = delete;
+  UnfinishedFile& operator=(const UnfinishedFile&) = delete;
+  ~UnfinishedFile();
+
+ private:
+  struct Place* place_ = nullptr;
+};
 
 /// What tells this run of the program from others that go on at the same time.
 int processNumber();

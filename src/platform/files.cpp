@@ -78,9 +78,9 @@ int FileDescriptor::release() {
   return std::exchange(number_, -1);
 }
 
-FolderIdentity identityOf(const FileDescriptor& folder) {
+FolderIdentity identityOf(const FileDescriptor& descriptor) {
   struct stat status {};
-  if (::fstat(folder.number(), &status) != 0) return {};
+  if (::fstat(descriptor.number(), &status) != 0) return {};
   return {status.st_dev, status.st_ino};
 }
 

@@ -97,15 +97,15 @@ class FileDescriptor {
   int number_ = -1;
 };
 
-/// What tells a folder from one that has taken its place.
+/// What tells a folder or file from one that has taken its place.
 struct FolderIdentity {
   dev_t device = 0;
   ino_t inode = 0;
   bool operator==(const FolderIdentity&) const = default;
 };
 
-/// Of an open folder.
-FolderIdentity identityOf(const FileDescriptor& folder);
+/// Of an open folder or file.
+FolderIdentity identityOf(const FileDescriptor& descriptor);
 
 /// A file without a name and a disk, open for reading: `head`, `gap` zeros, which take no room, and
 /// `tail`. Fails with a FileError that names `path`.

@@ -1,5 +1,4 @@
-// Queues of work: one worker thread for conversions, and the thread that owns everything a
-// person sees.
+// Queues of work: for conversions, and for everything a person sees.
 #pragma once
 
 #include <condition_variable>
@@ -14,8 +13,19 @@ namespace corvana {
 /// One that throws ends the program (endForException): others would wait for it for ever.
 using Task = std::function<void()>;
 
-/// Runs tasks one at a time on a thread of its own, in the order in which they were given.
-class SerialQueue {
+/// Takes tasks and runs them one at a time, in the order in which each thread gave them.
+class TaskQueue {
+ public:
+  virtual ~TaskQueue() = default;
+  /// Any thread.
+  virtual void post(Task task) = 0;
+};
+
+/// Where a worker posts what the main thread shall do. The window's is the toolkit's event loop.
+using MainQueue = TaskQueue;
+
+/// Runs tasks on a thread of its own.
+class SerialQueue : public TaskQueue {
  public:
   /// `label` names the thread for debuggers (at most 15 characters) where the system has such
   /// names.
@@ -23,10 +33,9 @@ class SerialQueue {
   SerialQueue(const SerialQueue&) = delete;
   SerialQueue& operator=(const SerialQueue&) = delete;
   /// Waits for the running task; tasks not yet started are dropped.
-  ~SerialQueue();
+  ~SerialQueue() override;
 
-  /// Any thread.
-  void async(Task task);
+  void post(Task task) override;
 
  private:
   void run();
@@ -38,35 +47,14 @@ class SerialQueue {
   std::thread thread_;
 };
 
-/// Where a worker posts what the main thread shall do, in the order of the posts. The window's
-/// is the toolkit's event loop, the command line's a RunLoop.
-class MainQueue {
+/// Runs each task at once, on the thread that posts it; the threads take turns. For a program that
+/// has nothing to do but these tasks. A task is not to post to its own queue.
+class DirectQueue : public TaskQueue {
  public:
-  virtual ~MainQueue() = default;
-  /// Any thread.
-  virtual void post(Task task) = 0;
-};
-
-/// A main queue for a program without a toolkit.
-class RunLoop : public MainQueue {
- public:
-  /// A worker that is far ahead of the main thread waits here, so that a stalled terminal does
-  /// not fill the memory.
   void post(Task task) override;
 
-  /// Runs posted tasks on the calling thread until `done`, asked after each, answers true.
-  void runUntil(const std::function<bool()>& done);
-
  private:
-  void takeTasks();
-
   std::mutex mutex_;
-  std::condition_variable filled_;
-  std::condition_variable drained_;
-  std::deque<Task> tasks_;
-  bool isAsleep_ = false;  ///< the next post has to wake the runner
-  std::thread::id runner_;
-  std::deque<Task> taken_;  ///< the runner's alone: tasks that are next
 };
 
 }  // namespace corvana

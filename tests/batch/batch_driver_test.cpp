@@ -6,6 +6,7 @@
 
 #include "support/audio_builder.hpp"
 #include "support/conversion.hpp"
+#include "support/run_loop.hpp"
 #include "support/temporary_folder.hpp"
 
 namespace corvana {
@@ -45,7 +46,7 @@ class Driver : public testing::Test {
   const TemporaryFolder folder;
   RecordingView view;
   RunLoop queue;
-  BatchDriver driver{view, queue};
+  BatchDriver driver{view, queue, std::make_unique<SerialQueue>("test")};
 };
 
 TEST_F(Driver, ShowsAFileStepByStep) {

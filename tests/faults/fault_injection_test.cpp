@@ -118,10 +118,11 @@ std::string replaceAll(std::string text, const std::string& place, const std::st
   return text;
 }
 
-/// Runs the program with the fault for the paths that start with `below`.
+/// Runs the program with the fault for the paths that start with `below`, one file after the other,
+/// so that it is known which call is the first.
 Outcome run(const fs::path& folder, const std::string& fault, const fs::path& below,
             std::vector<std::string> arguments) {
-  arguments.insert(arguments.begin(), {CORVANA_CLI, "--quiet"});
+  arguments.insert(arguments.begin(), {CORVANA_CLI, "--quiet", "--jobs", "1"});
   const Process process(folder, std::move(arguments), [&] {
     ::setenv("ASAN_OPTIONS", "verify_asan_link_order=0", 1);
     ::setenv("CORVANA_FAULT", fault.c_str(), 1);

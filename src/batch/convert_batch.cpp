@@ -1,0 +1,303 @@
+#include "batch/convert_batch.hpp"
+
+#include <algorithm>
+#include <cerrno>
+#include <chrono>
+#include <memory>
+#include <mutex>
+#include <optional>
+#include <system_error>
+#include <thread>
+#include <utility>
+
+#include "batch/files_in_work.hpp"
+#include "batch/output_url.hpp"
+#include "convert/detect_format.hpp"
+#include "convert/plan_aiff_to_wav.hpp"
+#include "convert/plan_wav_to_aiff.hpp"
+#include "output/convert_file.hpp"
+#include "output/verify_output.hpp"
+#include "platform/ending.hpp"
+#include "platform/texts.hpp"
+#include "verify/difference_texts.hpp"
+#include "vocabulary/errors.hpp"
+#include "vocabulary/text_format.hpp"
+
+namespace corvana {
+namespace {
+
+/// Most files that are converted at the same time.
+constexpr unsigned maxJobs = 256;
+
+void setConverted(LogEntry& entry, const AudioFile& file, ConversionResult result) {
+  entry.outcome = Outcome::converted;
+  entry.lines = {std::string(file.name()) + " => " + result.outputURL.filename().native() + "  [" +
+                 result.summary + "]"};
+  for (const std::string& warning : result.warnings)
+    entry.lines.push_back("   ⚠\uFE0E " + warning);
+  entry.output = result.outputURL.native();
+  entry.summary = result.figures;
+  entry.frames = result.frames;
+  entry.bytes = result.bytes;
+  entry.warnings = std::move(result.warningRecords);
+}
+
+std::string failureLine(const AudioFile& file, const Failure& failure) {
+  return "✗ " + std::string(file.name()) + ": " + failure.text;
+}
+
+void setFailed(LogEntry& entry, const AudioFile& file, Failure failure) {
+  entry.outcome = Outcome::failed;
+  entry.lines = {failureLine(file, failure)};
+  entry.failure = std::move(failure);
+}
+
+void setFailed(LogEntry& entry, const AudioFile& file, const std::exception& error) {
+  setFailed(entry, file, failureOf(error, systemLanguage()));
+}
+
+/// The output is not as its input promises. It stays, for somebody to look at.
+void setDifferent(LogEntry& entry, const AudioFile& file, const OutputTarget& output,
+                  const Differences& differences) {
+  constexpr std::size_t maxShown = 10;
+  entry.outcome = Outcome::failed;
+  for (const Difference& difference : differences.kept) {
+    const std::string text = differenceText(difference, systemLanguage());
+    if (entry.lines.empty()) {
+      entry.failure = {
+          .code = "not-as-promised",
+          .text = fillText(localised("'%1$@' is not as promised: %2$@"), {output.name, text})};
+      entry.lines = {failureLine(file, entry.failure)};
+    } else if (entry.lines.size() < maxShown) {
+      entry.lines.push_back("   " + text);
+    }
+  }
+  if (const std::uint64_t further = differences.count - entry.lines.size(); further > 0)
+    entry.lines.push_back("   " + furtherDifferences(further, systemLanguage()));
+}
+
+/// Why the system could not write.
+int reasonOf(const ConversionError& writeFailed) {
+  return static_cast<int>(std::get<std::int64_t>(writeFailed.values().at(1)));
+}
+
+/// Whether somebody else has made a file of the output's name since it was chosen.
+bool isTakenMeanwhile(const ConversionError& error) {
+  return error.kind() == ConversionError::Case::writeFailed && reasonOf(error) == EEXIST;
+}
+
+/// So many files are to be converted at the same time.
+std::size_t jobsOf(const std::vector<AudioFile>& files, const BatchOptions& options) {
+  // Where outputs take the place of inputs, what a file holds depends on the files before it; a
+  // rehearsal writes nothing that could be done beside it.
+  const bool replacesInputs = options.overwrite && options.clash == InputClash::replace;
+  if (options.dryRun || replacesInputs) return 1;
+  const unsigned jobs = options.jobs > 0 ? options.jobs : std::thread::hardware_concurrency();
+  return std::min<std::size_t>(std::clamp(jobs, 1U, maxJobs), files.size());
+}
+
+const std::vector<AudioFile>& filesToSpare(const std::vector<AudioFile>& files,
+                                           const BatchOptions& options) {
+  static const std::vector<AudioFile> none;
+  return options.overwrite && options.clash != InputClash::replace ? files : none;
+}
+
+/// One batch, in the hands of one or several threads.
+class BatchConversion {
+ public:
+  BatchConversion(const std::vector<AudioFile>& files, const BatchOptions& options,
+                  BatchListener& listener)
+      : files_(files),
+        listener_(listener),
+        jobs_(jobsOf(files, options)),
+        names_{options, BatchInputs(filesToSpare(files, options))} {}
+
+  /// Converts with as many threads as there are jobs, this one among them.
+  void run();
+
+ private:
+  /// A file that a thread is in charge of.
+  struct Current {
+    const AudioFile& file;
+    std::uint64_t number;                ///< in FilesInWork
+    std::unique_lock<std::mutex>& turn;  ///< until the output is there
+    LogEntry entry;
+    std::vector<Refusal> refusals;
+  };
+
+  void convertNextFiles();
+  void convertLogging(std::optional<InputFolder>& folder, Current& current);
+  void convert(InputFolder& folder, Current& current);
+  void convertInto(const OutputTarget& output, const InputFile& input, bool isAIFF,
+                   Current& current);
+  std::unique_ptr<const InputFile> openInput(const Folder& folder, const Current& current);
+
+  const std::vector<AudioFile>& files_;
+  BatchListener& listener_;
+  const std::size_t jobs_;
+  BatchNames names_;
+  FilesInWork inWork_;
+  /// Held from the beginning of a file until its output is there: the next file finds the names as
+  /// if all before it were finished.
+  std::mutex turn_;
+  std::size_t begun_ = 0;
+};
+
+void BatchConversion::run() {
+  std::vector<std::thread> others;
+  try {
+    while (others.size() + 1 < jobs_)
+      others.emplace_back([this] { doOrEnd([this] { convertNextFiles(); }); });
+  } catch (const std::system_error&) {
+    // The system has no more threads; those that there are do the work.
+  }
+  convertNextFiles();
+  for (std::thread& other : others)
+    other.join();
+}
+
+void BatchConversion::convertNextFiles() {
+  std::optional<InputFolder> folder;
+  for (;;) {
+    std::unique_lock turn(turn_);
+    if (begun_ == files_.size() || listener_.isStopped()) return;
+    const AudioFile& file = files_[begun_++];
+    Current current{file, inWork_.begin(), turn, {.lines = {}, .input = file.path()}, {}};
+    listener_.fileBegun(file);
+    const auto begun = std::chrono::steady_clock::now();
+    convertLogging(folder, current);
+    current.entry.seconds =
+        std::chrono::duration<double>(std::chrono::steady_clock::now() - begun).count();
+    if (turn.owns_lock()) turn.unlock();
+    inWork_.finish(current.number, [this, entry = std::move(current.entry),
+                                    refusals = std::move(current.refusals)]() mutable {
+      listener_.fileFinished(std::move(entry), std::move(refusals));
+    });
+  }
+}
+
+void BatchConversion::convertLogging(std::optional<InputFolder>& folder, Current& current) {
+  const AudioFile& file = current.file;
+  try {
+    if (!folder || !folder->isOf(file)) folder = openFolderOf(file);
+    convert(*folder, current);
+  } catch (const ConversionError& error) {
+    if (error.kind() == ConversionError::Case::writeFailed)
+      current.refusals.push_back({std::get<std::string>(error.values().at(0)),
+                                  std::generic_category().message(reasonOf(error))});
+    setFailed(current.entry, file, error);
+  } catch (const InputClashError& error) {
+    setFailed(current.entry, file, {"input-clash", {error.name()}, error.what()});
+  } catch (const std::exception& error) {
+    setFailed(current.entry, file, error);
+  }
+}
+
+void BatchConversion::convert(InputFolder& folder, Current& current) {
+  const BatchOptions& options = names_.options;
+  const auto input = openInput(folder.folder(), current);
+  const bool isAIFF = input->read(detectFormat);
+  current.entry.direction = isAIFF ? Direction::toWAV : Direction::toAIFF;
+  const auto place = [&] { return folder.outputPlace(current.file, isAIFF, options); };
+  if (options.skipExisting) {
+    if (inWork_.isWritten(place().folder, outputName(current.file.name(), isAIFF)))
+      inWork_.waitForEarlier(current.number);
+    if (const auto existing = currentOutput(place(), *input, isAIFF, names_)) {
+      current.entry.outcome = Outcome::skipped;
+      current.entry.output = existing->native();
+      return;
+    }
+  }
+  for (std::string triedName;;) {
+    OutputTarget output = makeOutputURL(folder, place(), *input, isAIFF, names_);
+    if (current.turn.owns_lock() && inWork_.isWritten(output.folder, output.name)) {
+      inWork_.waitForEarlier(current.number);
+      continue;
+    }
+    if (options.preserveTimes)
+      output.times = current.file.earlierTimes ? *current.file.earlierTimes : input->times();
+    if (options.dryRun) {
+      ConversionPlan plan = input->read(isAIFF ? planAIFFToWAV : planWAVToAIFF);
+      names_.outputs.rehearse(output, plan);
+      return setConverted(current.entry, current.file, resultOf(std::move(plan), output));
+    }
+    try {
+      convertInto(output, *input, isAIFF, current);
+      if (options.skipExisting) names_.outputs.add(place(), output.name);
+      return;
+    } catch (const ConversionError& error) {
+      if (!isTakenMeanwhile(error) || options.overwrite || output.name == triedName) throw;
+      triedName = output.name;
+    }
+  }
+}
+
+/// The file, or what would be in its place by now where the batch is only rehearsed. A file that
+/// is the output of another one is read when that is complete.
+std::unique_ptr<const InputFile> BatchConversion::openInput(const Folder& folder,
+                                                            const Current& current) {
+  const std::string path = current.file.path();
+  const std::string name(current.file.name());
+  if (auto replaced = names_.outputs.openReplaced(folder, name, path))
+    return std::make_unique<const InputFile>(std::move(*replaced), name, path);
+  const auto open = [&] {
+    return std::make_unique<const InputFile>(folder, name, path, names_.options.accessTime());
+  };
+  try {
+    auto input = open();
+    if (!inWork_.isWritten(input->identity())) return input;
+  } catch (const FileError& error) {
+    // A link may lead to an output that has its name only when it is complete.
+    if (error.code() != std::errc::no_such_file_or_directory) throw;
+    if (inWork_.isFirst(current.number)) throw;
+  }
+  inWork_.waitForEarlier(current.number);
+  return open();
+}
+
+void BatchConversion::convertInto(const OutputTarget& output, const InputFile& input, bool isAIFF,
+                                  Current& current) {
+  const BatchOptions& options = names_.options;
+  const ProgressHandler progress = [&](double fraction) {
+    // A file whose samples are all written is finished rather than left without its end.
+    if (listener_.isStopped() && fraction < 1.0)
+      throw FileError(ECANCELED,
+                      options.safe ? localised("Stopped – '%1$@' is not made.")
+                                   : localised("Stopped – '%1$@' is incomplete."),
+                      output.url());
+    if (inWork_.isFirst(current.number)) listener_.progressMade(fraction);
+  };
+  const CreationHandler created = [&](const OutputFile& file) {
+    if (!current.turn.owns_lock() || jobs_ == 1) return;
+    inWork_.setOutput(current.number, file);
+    current.turn.unlock();
+  };
+  const auto reportTimes = [&](int errorNumber) {
+    if (errorNumber != 0)
+      current.refusals.push_back(
+          {output.url().native(), fillText(localised("It has not got the times of its input: %@"),
+                                           {std::generic_category().message(errorNumber)})});
+  };
+  ConversionResult result = isAIFF ? convertAIFFToWAV(input, output, progress, created)
+                                   : convertWAVToAIFF(input, output, progress, created);
+  reportTimes(result.timesError);
+  if (options.verify) {
+    const OutputProof proof = verifyOutput(input, output, [&](double) {
+      if (listener_.isStopped())
+        throw FileError(ECANCELED, localised("Stopped – '%1$@' is not verified."), output.url());
+    });
+    if (result.timesError == 0) reportTimes(proof.timesError);
+    if (proof.differences.areThere())
+      return setDifferent(current.entry, current.file, output, proof.differences);
+  }
+  setConverted(current.entry, current.file, std::move(result));
+}
+
+}  // namespace
+
+void convertBatch(const std::vector<AudioFile>& files, const BatchOptions& options,
+                  BatchListener& listener) {
+  BatchConversion(files, options, listener).run();
+}
+
+}  // namespace corvana
