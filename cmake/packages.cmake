@@ -69,4 +69,8 @@ endforeach()
 # For finish_packages.cmake.
 set(CPACK_CORVANA_SOURCES ${PROJECT_SOURCE_DIR})
 set(CPACK_CORVANA_ID ${CORVANA_ID})
+if(CORVANA_LINKS_CXX_LIBRARY AND CORVANA_STATIC_CXX)
+  execute_process(COMMAND ${CMAKE_CXX_COMPILER} -print-file-name=libstdc++.a
+                  OUTPUT_VARIABLE CPACK_CORVANA_CXX_LIBRARY OUTPUT_STRIP_TRAILING_WHITESPACE)
+endif()
 include(CPack)

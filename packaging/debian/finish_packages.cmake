@@ -35,7 +35,15 @@ foreach(component IN LISTS CPACK_COMPONENTS_ALL)
     COMMAND_ERROR_IS_FATAL ANY)
   if(component STREQUAL "cli")
     # Of what is compiled into the program.
-    foreach(library libcli11-dev nlohmann-json3-dev)
+    set(libraries libcli11-dev nlohmann-json3-dev)
+    if(CPACK_CORVANA_CXX_LIBRARY)  # whose licence has an exception for programs made with the compiler
+      file(REAL_PATH ${CPACK_CORVANA_CXX_LIBRARY} library)
+      execute_process(COMMAND dpkg-query --search ${library} OUTPUT_VARIABLE owner
+                      COMMAND_ERROR_IS_FATAL ANY)
+      string(REGEX REPLACE ":.*" "" owner ${owner})
+      list(APPEND libraries ${owner})
+    endif()
+    foreach(library IN LISTS libraries)
       configure_file(/usr/share/doc/${library}/copyright ${documents}/notices/${library} COPYONLY
                      NO_SOURCE_PERMISSIONS)
     endforeach()

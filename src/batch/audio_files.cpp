@@ -12,10 +12,9 @@ namespace corvana {
 namespace fs = std::filesystem;
 
 bool hasAudioExtension(std::string_view path) {
-  const std::string_view name = path.substr(path.rfind('/') + 1);
-  const std::size_t dot = name.rfind('.');
-  if (dot == std::string_view::npos || dot == 0) return false;
-  const std::string_view extension = name.substr(dot + 1);
+  const std::size_t dot = path.rfind('.');
+  if (dot == std::string_view::npos || dot == 0 || path[dot - 1] == '/') return false;
+  const std::string_view extension = path.substr(dot + 1);  // with a slash, it is none of these
   const auto matches = [&](std::string_view known) {
     return std::equal(extension.begin(), extension.end(), known.begin(), known.end(),
                       [](char letter, char lower) {
@@ -26,19 +25,21 @@ bool hasAudioExtension(std::string_view path) {
   return std::any_of(std::begin(audioExtensions), std::end(audioExtensions), matches);
 }
 
-std::string_view AudioFile::folder() const {
-  const std::size_t slash = path.rfind('/');
-  if (slash == std::string::npos) return {};
-  return std::string_view(path).substr(0, std::max<std::size_t>(slash, 1));
+AudioFile audioFileAt(std::string_view path) {
+  const std::size_t start = path.rfind('/') + 1;
+  return {std::make_shared<const std::string>(path.substr(0, start)),
+          std::string(path.substr(start)), path.size()};
 }
 
-std::string_view AudioFile::name() const {
-  return std::string_view(path).substr(path.rfind('/') + 1);
+std::string_view AudioFile::folder() const {
+  const std::string_view path = *place;
+  return path.substr(0, path.size() > 1 ? path.size() - 1 : path.size());
 }
 
 std::string_view AudioFile::folderInTree() const {
-  if (namedLength >= path.size()) return {};
-  std::string_view named(path.data(), namedLength);
+  if (namedLength >= place->size() + fileName.size()) return {};
+  std::string_view named(*place);
+  named = named.substr(0, namedLength);
   named = named.substr(0, named.find_last_not_of('/') + 1);
   const std::size_t nameStart = named.rfind('/') + 1;
   const std::string_view name = named.substr(nameStart);
@@ -47,6 +48,21 @@ std::string_view AudioFile::folderInTree() const {
   tree.remove_prefix(std::min(isNameless ? namedLength : nameStart, tree.size()));
   return tree.substr(std::min(tree.find_first_not_of('/'), tree.size()));
 }
+
+namespace {
+
+/// Adds a file of a folder. Room that nothing is put into costs nothing, while files that move
+/// into a larger one leave memory behind that the system has filled with zeros in vain.
+void addFound(std::vector<AudioFile>& files, std::string_view path, std::size_t namedLength) {
+  constexpr std::size_t firstRoom = 1 << 17;
+  if (files.size() == files.capacity()) files.reserve(std::max(firstRoom, 4 * files.size()));
+  const std::string_view place = path.substr(0, path.rfind('/') + 1);
+  const bool isNeighbour = !files.empty() && *files.back().place == place;
+  auto text = isNeighbour ? files.back().place : std::make_shared<const std::string>(place);
+  files.push_back({std::move(text), std::string(path.substr(place.size())), namedLength});
+}
+
+}  // namespace
 
 FoundFiles collectAudioFiles(const std::vector<fs::path>& urls, const fs::path& outputFolder) {
   FoundFiles found;
@@ -62,7 +78,7 @@ FoundFiles collectAudioFiles(const std::vector<fs::path>& urls, const fs::path& 
   const FolderVisitor visitor{.file =
                                   [&](std::string_view path) {
                                     if (hasAudioExtension(path))
-                                      found.files.push_back({std::string(path), namedLength});
+                                      addFound(found.files, path, namedLength);
                                   },
                               .folder =
                                   [](std::string_view name) {
@@ -83,7 +99,7 @@ FoundFiles collectAudioFiles(const std::vector<fs::path>& urls, const fs::path& 
       namedLength = url.native().size();
       searchFolder(url, visitor);
     } else if (hasAudioExtension(url.native())) {
-      found.files.push_back({url.native(), url.native().size()});
+      found.files.push_back(audioFileAt(url.native()));
     } else {
       found.leftOut.push_back({url.native(), localised("Not a WAV or AIFF file by its extension")});
     }

@@ -20,20 +20,25 @@ inline constexpr std::string_view outputFolderNames[] = {"AIFF", "WAV"};
 /// Whether the extension of `path` is in audioExtensions, in any case of letters.
 bool hasAudioExtension(std::string_view path);
 
-/// A file to convert. Its path is a plain text: making path objects of a large library takes
-/// nearly as long as finding it.
+/// A file to convert. Plain texts, of which the files of a folder share one: making path objects of
+/// a large library takes nearly as long as finding it, and a text for each path a tenth of that.
 struct AudioFile {
-  std::string path;
+  std::shared_ptr<const std::string> place;  ///< the path up to the name, with its slash
+  std::string fileName;                      ///< the last part of the path
   std::size_t namedLength = 0;  ///< how much of the path, folders only, the user has named
   /// As they were before a look at the file may have changed them; null: nobody looked.
   std::shared_ptr<const FileTimes> earlierTimes = {};
 
+  std::string path() const { return *place + fileName; }
   std::string_view folder() const;  ///< of the path; empty for a file of the current folder
-  std::string_view name() const;    ///< the last part of the path
+  std::string_view name() const { return fileName; }
   /// Where it lies in the tree that was searched: the path of its folder from the named one on,
   /// whose name is the first part (none for ".", ".." and "/"). Empty for a named file.
   std::string_view folderInTree() const;
 };
+
+/// A file that the user has named.
+AudioFile audioFileAt(std::string_view path);
 
 /// Something that a search has left out, and why.
 struct LeftOut {

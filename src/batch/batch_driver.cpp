@@ -17,7 +17,7 @@ namespace fs = std::filesystem;
 /// read is not: its error belongs in the log.
 bool isLeftAlone(AudioFile& file, const BatchOptions& options) {
   try {
-    const InputFile input(openFolderOf(file).folder(), std::string(file.name()), file.path,
+    const InputFile input(openFolderOf(file).folder(), std::string(file.name()), file.path(),
                           options.accessTime());
     if (options.preserveTimes) file.earlierTimes = std::make_shared<FileTimes>(input.times());
     return input.read(detectFormat) == (options.direction == Direction::toAIFF);

@@ -9,7 +9,7 @@ namespace corvana {
 namespace {
 
 bool isNamedAIFF(const AudioFile& file) {
-  const char letter = file.path[file.path.rfind('.') + 1];
+  const char letter = file.fileName[file.fileName.rfind('.') + 1];
   return letter == 'a' || letter == 'A';
 }
 
@@ -24,7 +24,7 @@ BatchInputs::BatchInputs(const std::vector<AudioFile>& files) {
 bool BatchInputs::contains(const Folder& folder, const std::string& name) const {
   const auto [first, last] = filesOfName_.equal_range(foldedName(name));
   return std::any_of(first, last, [&](const auto& entry) {
-    const auto identity = identityOf(entry.second->path);
+    const auto identity = identityOf(entry.second->path());
     return identity && folder.mayLeadTo(name, *identity);
   });
 }
@@ -46,11 +46,11 @@ NameClashes findNameClashes(const std::vector<AudioFile>& files, bool useSubfold
   std::unordered_map<std::string, std::string_view> inputs;
   inputs.reserve(files.size());
   for (const AudioFile& file : files)
-    inputs.emplace(foldedName(file.path), file.name());
+    inputs.emplace(foldedName(file.path()), file.name());
   for (const AudioFile& file : files) {
     const std::string_view name = file.name();
     const bool isAIFF = isNamedAIFF(file);
-    std::string output(file.path, 0, file.path.size() - name.size());
+    std::string output = *file.place;
     if (useSubfolder) output += outputSubfolder(isAIFF, useSubfolder) + '/';
     output += outputName(name, isAIFF);
     const auto other = inputs.find(foldedName(output));

@@ -181,7 +181,7 @@ void BatchConversion::convertNextFiles() {
     if (listener_.isStopped()) return turns_.close();
     inWork_.begin();
     listener_.fileBegun(current.file);
-    current.entry.input = current.file.path;
+    current.entry.input = current.file.path();
     const auto begun = std::chrono::steady_clock::now();
     convertLogging(current, kept);
     current.entry.seconds =
@@ -256,7 +256,7 @@ void BatchConversion::convert(InputFolder& folder, Input& input, Current& curren
 
 std::unique_ptr<const InputFile> BatchConversion::open(const AudioFile& file,
                                                        const Folder& folder) const {
-  return std::make_unique<const InputFile>(folder, std::string(file.name()), file.path,
+  return std::make_unique<const InputFile>(folder, std::string(file.name()), file.path(),
                                            names_.options.accessTime());
 }
 
@@ -282,8 +282,8 @@ BatchConversion::Input BatchConversion::openInput(const Current& current, Kept& 
   const Folder& folder = kept.folder->folder();
   const std::string name(file.name());
   Input input = std::move(kept.early);
-  if (auto replaced = names_.outputs.openReplaced(folder, name, file.path)) {
-    input.file = std::make_unique<const InputFile>(std::move(*replaced), name, file.path);
+  if (auto replaced = names_.outputs.openReplaced(folder, name, file.path())) {
+    input.file = std::make_unique<const InputFile>(std::move(*replaced), name, file.path());
   } else {
     while (!isSettled(input, current, folder)) {
       input = {};

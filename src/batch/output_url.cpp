@@ -48,7 +48,7 @@ InputFolder openFolderOf(const AudioFile& file) {
   try {
     return InputFolder(file);
   } catch (const std::system_error& error) {
-    throw FileError(error.code().value(), localised("Cannot read '%1$@': %2$@"), file.path,
+    throw FileError(error.code().value(), localised("Cannot read '%1$@': %2$@"), file.path(),
                     folderReason(error));
   }
 }

@@ -30,7 +30,9 @@ std::string text(std::uint64_t number) {
 }
 
 std::string fixed(double number, int places) {
-  const double scale = std::pow(10, places);
+  double scale = 1;
+  for (int place = 0; place < places; ++place)
+    scale *= 10;
   const auto scaled = static_cast<std::int64_t>(std::llround(std::fabs(number) * scale));
   const auto unit = static_cast<std::int64_t>(scale);
   const std::string behind = std::to_string(unit + scaled % unit).substr(1);

@@ -40,12 +40,12 @@ int lookAtFiles(const LookOptions& options,
     Look result;
     try {
       if (!folder || !folder->isOf(file)) folder = openFolderOf(file);
-      const InputFile input(folder->folder(), std::string(file.name()), file.path);
-      result = input.read([&](ByteView content) { return look(file.path, content); });
+      const InputFile input(folder->folder(), std::string(file.name()), file.path());
+      result = input.read([&](ByteView content) { return look(file.path(), content); });
     } catch (const std::system_error& error) {
       result.failed = true;
       if (options.json) {
-        Json object = fileObject(file.path);
+        Json object = fileObject(file.path());
         object["error"] = jsonOf(error, systemLanguage());
         result.output = lineOf(object);
       } else {

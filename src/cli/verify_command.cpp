@@ -43,7 +43,7 @@ constexpr const char* footer =
 class NamedFile {
  public:
   explicit NamedFile(const std::string& path)
-      : file_{path, path.size()},
+      : file_(audioFileAt(path)),
         content_(openFolderOf(file_).folder(), std::string(file_.name()), path) {}
 
   const InputFile& content() const { return content_; }
@@ -53,7 +53,7 @@ class NamedFile {
     try {
       return content_.read(detectFormat);
     } catch (const ConversionError& error) {
-      throw FileError(EINVAL, localised("Cannot read '%1$@': %2$@"), file_.path,
+      throw FileError(EINVAL, localised("Cannot read '%1$@': %2$@"), file_.path(),
                       errorDescription(error, systemLanguage()));
     }
   }

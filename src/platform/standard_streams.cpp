@@ -46,10 +46,9 @@ std::size_t columnsOf(std::string_view character) {
 }  // namespace
 
 void reserveStandardStreams() {
-  int descriptor = ::open("/dev/null", O_RDONLY);
-  while (descriptor >= 0 && descriptor <= STDERR_FILENO)
-    descriptor = ::dup(descriptor);
-  if (descriptor >= 0) ::close(descriptor);
+  // The lowest free number is the one that is given to a file.
+  for (int stream = STDIN_FILENO; stream <= STDERR_FILENO; ++stream)
+    if (::fcntl(stream, F_GETFD) < 0) ::open("/dev/null", O_RDONLY);
 }
 
 bool isTerminal(std::FILE* stream) {

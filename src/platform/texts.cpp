@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <climits>
 #include <clocale>
 #include <cstdio>
 #include <cstdlib>
@@ -32,6 +33,13 @@ std::string languageOfEnvironment() {
   return {};
 }
 
+/// Sets what the program uses of a locale. Each of the other categories would cost a file.
+bool setCategories(const char* locale, bool withTexts) {
+  return std::setlocale(LC_CTYPE, locale) != nullptr &&
+         std::setlocale(LC_NUMERIC, locale) != nullptr &&
+         (!withTexts || std::setlocale(LC_MESSAGES, locale) != nullptr);
+}
+
 class SystemLanguage : public Language {
  public:
   std::string localised(const char* key) const override { return corvana::localised(key); }
@@ -60,11 +68,13 @@ std::filesystem::path catalogueFolder(const std::filesystem::path& programFolder
 }
 
 void useSystemLanguage(const std::filesystem::path& programFolder) {
-  if (std::setlocale(LC_ALL, "") == nullptr) {
+  const std::string language = languageOfEnvironment();
+  // Without a language gettext would look in vain for the catalogues of one that is called "C".
+  const bool hasLanguage = language != "C" || !environmentValue("LANGUAGE").empty();
+  if (!setCategories("", hasLanguage)) {
     // The wanted locale is not generated on this system. Its texts can be had all the same:
     // gettext reads LANGUAGE in any locale but "C".
-    const std::string language = languageOfEnvironment();
-    std::setlocale(LC_ALL, "C.UTF-8");
+    setCategories("C.UTF-8", hasLanguage);
     if (!language.empty() && std::getenv("LANGUAGE") == nullptr)
       ::setenv("LANGUAGE", language.c_str(), 1);
   }
@@ -93,9 +103,11 @@ std::filesystem::path folderOfCommand(std::string_view command, std::string_view
 
 std::filesystem::path runningProgramFolder(const char* command) {
 #if CORVANA_HAS_LINK_TO_PROGRAM
-  std::error_code error;
-  const auto program = std::filesystem::read_symlink("/proc/self/exe", error);
-  if (!error) return program.parent_path();
+  std::array<char, PATH_MAX> program{};
+  const ssize_t length = ::readlink("/proc/self/exe", program.data(), program.size());
+  if (length > 0)
+    return std::filesystem::path(std::string_view(program.data(), static_cast<std::size_t>(length)))
+        .parent_path();
 #endif
   return command == nullptr ? std::filesystem::path()
                             : folderOfCommand(command, environmentValue("PATH"));

@@ -12,7 +12,7 @@ namespace {
 using namespace test;
 
 fs::path outputOf(const fs::path& input, bool isAIFF, const BatchOptions& options) {
-  const std::vector<AudioFile> files = {{input.native(), input.native().size()}};
+  const std::vector<AudioFile> files = {audioFileAt(input.native())};
   InputFolder folder(files[0]);
   const InputFile file = openFile(input);
   const OutputPlace place = folder.outputPlace(files[0], isAIFF, options);
@@ -26,6 +26,8 @@ TEST(AudioFiles, CollectsInTheGivenOrder) {
                            "in/10.wav",         "in/2.wav",          "in/AIFF/x.aif",
                            "in/aiff/y.Aifc",    "in/Kit.BAND/z.wav", "in/a.b.vst3/z.wav",
                            "in/Kit.appx/z.wav", "in/take.01/z.wav",  "in/\xFF/z.wav",
+                           "long/take 2.wav",   "long/take 10.wav",  "long/take 1.wav",
+                           "long/take 10.aif",  "long/take.wav",     "long/take 1/take 10.wav",
                            "WAV/sub/w.wave",    "WAV/AIFF/v.wav",    "single.aif",
                            ".hidden.wav",       "no extension",      ".wav",
                            "name.wav.txt"})
@@ -39,12 +41,15 @@ TEST(AudioFiles, CollectsInTheGivenOrder) {
                    [&](const char* name) { return folder / name; });
     std::string found;
     for (const AudioFile& file : collectAudioFiles(urls).files)
-      found += fs::path(file.path).lexically_relative(folder.path()).native() + "|";
+      found += fs::path(file.path()).lexically_relative(folder.path()).native() + "|";
     return found;
   };
   EXPECT_EQ(collect({"in"}),
             "in/10.wav|in/2.wav|in/B.wave|in/Kit.appx/z.wav|in/a.WAV|in/aiff/y.Aifc|in/b.aiff|"
             "in/dangling.aif|in/link.aif|in/take.01/z.wav|in/\xFF/z.wav|");
+  EXPECT_EQ(collect({"long"}),
+            "long/take 1/take 10.wav|long/take 1.wav|long/take 10.aif|long/take 10.wav|"
+            "long/take 2.wav|long/take.wav|");
   EXPECT_EQ(collect({"WAV"}), "WAV/sub/w.wave|") << "a given folder is searched whatever its name";
   EXPECT_EQ(collect({"single.aif", "in/dangling.aif", "missing.wav", "no extension", ".hidden.wav",
                      ".wav", "name.wav.txt", "WAV", "single.aif"}),
@@ -104,7 +109,7 @@ TEST(AudioFiles, FindsInputsThatOutputsMayReplace) {
   for (const auto& c : cases) {
     std::vector<AudioFile> files;
     for (const char* path : c.inputs)
-      files.push_back({path});
+      files.push_back(audioFileAt(path));
     const auto found = [&](bool useSubfolder) {
       const NameClash clash = findNameClashes(files, useSubfolder).first;
       return clash.input.empty() ? "" : clash.input + " " + clash.other;
