@@ -43,12 +43,14 @@ class BatchDriver::Listener : public BatchListener {
   Listener(BatchDriver& driver, const Batch& batch) : driver_(driver), batch_(batch) {}
 
   void fileBegun(const AudioFile& file) override {
+    if (!batch_.showsProgress) return;
     driver_.mainQueue_.post([&driver = driver_, status = fillText(localised("Converting %@ …"),
                                                                   {std::string(file.name())})] {
       driver.view_.setStatus(status);
     });
   }
   void progressMade(double fraction) override {
+    if (!batch_.showsProgress) return;
     driver_.mainQueue_.post([&driver = driver_, fraction] { driver.showProgress(fraction); });
   }
   void fileFinished(LogEntry entry, std::vector<Refusal> refusals) override {
@@ -109,6 +111,7 @@ void BatchDriver::start(Batch batch) {
     view_.runStarted();
   }
   batch.run = run_;
+  batch.showsProgress = view_.showsProgress();
   totalFiles_ += static_cast<std::int64_t>(batch.files->size());
   view_.setProgress(static_cast<double>(finishedFiles_) / static_cast<double>(totalFiles_));
   workQueue_->post([this, batch] { convertFiles(batch); });

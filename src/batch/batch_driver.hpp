@@ -27,6 +27,9 @@ class BatchView {
   virtual BatchOptions options() const = 0;
   /// The first file of a run is queued; it ends with the last one of all batches queued by then.
   virtual void runStarted() {}
+  /// Whether a person sees how a batch gets on. Asked at its start; if not, neither a status nor
+  /// the progress of the current file comes before the last one.
+  virtual bool showsProgress() const { return true; }
   virtual void setStatus(const std::string& text) = 0;
   virtual void setProgress(double fraction) = 0;  ///< 0.0 to 1.0
   virtual void appendLog(const LogEntry& entry) = 0;
@@ -81,6 +84,7 @@ class BatchDriver {
     Files files;
     BatchOptions options;
     std::int64_t run = 0;
+    bool showsProgress = true;
   };
 
   void start(Batch batch);

@@ -54,14 +54,20 @@ void FilesInWork::waitForEarlier(std::uint64_t file) {
 
 void FilesInWork::finish(std::uint64_t file, Task task) {
   {
-    const std::lock_guard lock(mutex_);
+    std::unique_lock lock(mutex_);
     Item& item = items_.at(file);
     item.output.reset();
     item.task = std::move(task);
+    // Others that finish in the meantime leave theirs to this thread.
+    if (std::exchange(isHandingOn_, true)) return;
     while (!items_.empty() && items_.begin()->second.task) {
-      items_.begin()->second.task();
+      const Task next = std::move(items_.begin()->second.task);
       items_.erase(items_.begin());
+      lock.unlock();
+      next();
+      lock.lock();
     }
+    isHandingOn_ = false;
   }
   finished_.notify_all();
 }

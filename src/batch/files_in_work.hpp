@@ -57,7 +57,8 @@ class FilesInWork {
   mutable std::mutex mutex_;
   std::condition_variable finished_;
   std::uint64_t begun_ = 0;
-  std::map<std::uint64_t, Item> items_;  ///< the first is not finished
+  std::map<std::uint64_t, Item> items_;  ///< the first is not finished, or is being handed on
+  bool isHandingOn_ = false;             ///< some thread is
 };
 
 }  // namespace corvana

@@ -22,6 +22,7 @@ class TerminalView : public BatchView {
 
   BatchOptions options() const override { return options_.batch; }
   void runStarted() override { hasFiles_ = true; }
+  bool showsProgress() const override { return drawsProgress_; }
   void setStatus(const std::string& text) override;
   void setProgress(double fraction) override;
   void appendLog(const LogEntry& entry) override;

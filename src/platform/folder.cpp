@@ -153,6 +153,11 @@ bool Folder::mayLeadTo(const std::string& name, const FileIdentity& file) const 
   return !leadsNowhere;
 }
 
+FolderIdentity Folder::identity() const {
+  if (!identity_) identity_ = identityOf(descriptor_);
+  return *identity_;
+}
+
 bool Folder::leadsTo(const std::string& name, const FileIdentity& file) const {
   struct stat status {};
   if (::fstatat(number(), name.c_str(), &status, 0) != 0) return false;

@@ -29,7 +29,8 @@ class Folder {
   /// be the folder.
   void rehearseMaking(const std::string& name) const;
 
-  FolderIdentity identity() const { return identityOf(descriptor_); }
+  /// Not by two threads at once.
+  FolderIdentity identity() const;
 
   /// For messages.
   const std::filesystem::path& path() const { return path_; }
@@ -82,6 +83,7 @@ class Folder {
 
   FileDescriptor descriptor_;
   std::filesystem::path path_;
+  mutable std::optional<FolderIdentity> identity_;  ///< once somebody has asked
 };
 
 /// Opens the folder at `path`, of which the user has named the first `namedLength` characters. The
