@@ -284,11 +284,9 @@ BatchConversion::Input BatchConversion::openInput(const Current& current, Kept& 
   Input input = std::move(kept.early);
   if (auto replaced = names_.outputs.openReplaced(folder, name, file.path())) {
     input.file = std::make_unique<const InputFile>(std::move(*replaced), name, file.path());
-  } else {
-    while (!isSettled(input, current, folder)) {
-      input = {};
-      inWork_.waitForEarlier(current.number);
-    }
+  } else if (!isSettled(input, current, folder)) {
+    inWork_.waitForEarlier(current.number);
+    input = {open(file, folder)};
   }
   if (!input.plan) input.isAIFF = input.file->read(detectFormat);
   return input;
