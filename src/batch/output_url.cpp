@@ -59,23 +59,24 @@ OutputPlace InputFolder::outputPlace(const AudioFile& file, bool isAIFF,
   if (!isElsewhere && !options.useSubfolder) return {folder_};
   std::filesystem::path wanted(isElsewhere ? std::string(file.folderInTree())
                                            : outputSubfolder(isAIFF, true));
-  if (!outputs_ || !missingFolders_.empty() || wanted.native() != wantedPath_.native()) {
-    wantedPath_ = wanted;
-    outputs_.reset();
-    missingFolders_.clear();
+  auto& [outputs, wantedPath, missingFolders] = outputs_[isAIFF ? 1 : 0];
+  if (!outputs || !missingFolders.empty() || wanted.native() != wantedPath.native()) {
+    wantedPath = wanted;
+    outputs.reset();
+    missingFolders.clear();
     if (isElsewhere) {
-      missingFolders_ = options.outputFolder;
-      outputs_ = openNamedFolder(missingFolders_);
+      missingFolders = options.outputFolder;
+      outputs = openNamedFolder(missingFolders);
     }
-    if (missingFolders_.empty()) {
-      missingFolders_ = std::move(wanted);
-      auto inner = openFolders(outputs_ ? *outputs_ : folder_, missingFolders_);
-      if (inner) outputs_ = std::move(inner);
+    if (missingFolders.empty()) {
+      missingFolders = std::move(wanted);
+      auto inner = openFolders(outputs ? *outputs : folder_, missingFolders);
+      if (inner) outputs = std::move(inner);
     } else if (!wanted.empty()) {
-      missingFolders_ /= wanted;
+      missingFolders /= wanted;
     }
   }
-  return {outputs_ ? *outputs_ : folder_, missingFolders_};
+  return {outputs ? *outputs : folder_, missingFolders};
 }
 
 std::optional<std::filesystem::path> currentOutput(const OutputPlace& place, const InputFile& input,

@@ -1,6 +1,7 @@
 // What the output of a file is called, and where it goes.
 #pragma once
 
+#include <array>
 #include <filesystem>
 #include <optional>
 #include <string>
@@ -30,9 +31,13 @@ class InputFolder {
  private:
   std::string path_;
   Folder folder_;
-  std::optional<Folder> outputs_;  ///< the innermost that exists of wantedPath_
-  std::filesystem::path wantedPath_;
-  std::filesystem::path missingFolders_;
+  /// Where outputs of one direction go.
+  struct Outputs {
+    std::optional<Folder> folder;  ///< the innermost that exists of wantedPath
+    std::filesystem::path wantedPath;
+    std::filesystem::path missingFolders;
+  };
+  std::array<Outputs, 2> outputs_;  ///< to AIFF, to WAV
 };
 
 /// Opens the folder of an input. Fails with a FileError.
