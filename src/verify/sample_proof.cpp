@@ -4,6 +4,18 @@
 #include <array>
 #include <bit>
 #include <cstring>
+#include <utility>
+
+// What it takes is said in sample_kernels.cpp, with which a proof must have nothing in common.
+#if defined(__has_builtin)
+#if __has_builtin(__builtin_shufflevector)
+#if defined(__x86_64__) || defined(__i386__)
+#define CORVANA_PROOF_SHUFFLES [[gnu::target("ssse3")]]
+#elif defined(__aarch64__)
+#define CORVANA_PROOF_SHUFFLES
+#endif
+#endif
+#endif
 
 namespace corvana {
 namespace {
@@ -67,8 +79,8 @@ auto withLayoutOf(const SampleField& field, const Use& use) {
   }
 }
 
-/// Whether `count` samples, at least one, are as they should be. Says it of all at once: without a
-/// way out of the loop, the compiler makes vectors of it.
+/// Whether `count` samples are as they should be. Says it of all at once: without a way out of the
+/// loop, the compiler makes vectors of it.
 template <typename Input, typename Output>
 bool areEqual(const std::uint8_t* input, const std::uint8_t* output, std::size_t count,
               Change change) {
@@ -90,71 +102,84 @@ bool areEqual(const std::uint8_t* input, const std::uint8_t* output, std::size_t
                      [](std::uint32_t bits) { return bits == 0; });
 }
 
-using Word = std::uint64_t;
+#ifdef CORVANA_PROOF_SHUFFLES
 
-Word wordAt(const std::uint8_t* bytes) {
-  Word word = 0;
-  std::memcpy(&word, bytes, sizeof word);
-  return word;
+constexpr std::size_t vectorSize = 16;
+
+using Vector [[gnu::vector_size(vectorSize)]] = std::uint8_t;
+
+CORVANA_PROOF_SHUFFLES inline Vector vectorAt(const std::uint8_t* bytes) {
+  Vector vector;
+  __builtin_memcpy(&vector, bytes, vectorSize);
+  return vector;
 }
 
-/// For each place of a byte in its sample: 0xFF where the bytes of words, one behind the other,
-/// have it.
-template <std::size_t width, std::size_t words>
-constexpr std::array<std::array<Word, words>, width> masksOfPlaces() {
-  std::array<std::array<Word, words>, width> masks{};
-  for (std::size_t word = 0; word < words; ++word)
-    for (std::size_t byte = 0; byte < sizeof(Word); ++byte) {
-      const bool isFirstLowest = std::endian::native == std::endian::little;
-      const std::size_t shift = 8 * (isFirstLowest ? byte : sizeof(Word) - 1 - byte);
-      masks[(word * sizeof(Word) + byte) % width][word] |= Word{0xFF} << shift;
-    }
-  return masks;
+/// Which byte of a sample has a place, 0 the most significant one; also which place a byte has.
+template <typename Of>
+constexpr std::size_t placed(std::size_t place) {
+  return Of::order == ByteOrder::big ? place : Of::width - 1 - place;
 }
 
-/// The same of samples of one width that are kept whole, in either order of bytes. Eight bytes of
-/// the output are compared at once: those of a place in their samples with those of the opposite
-/// place in the input, which lie so many bytes further on.
+/// The same of samples that keep as many bytes as the output has, as many at once as fill a vector.
+/// The sequence counts its bytes.
+template <typename Input, typename Output, std::size_t... byte>
+CORVANA_PROOF_SHUFFLES bool areShuffled(const std::uint8_t* input, const std::uint8_t* output,
+                                        std::size_t count, Change change,
+                                        std::index_sequence<byte...> /*bytes*/) {
+  constexpr std::size_t step = vectorSize / Input::width;
+  constexpr Vector isCompared = {(byte / Output::width < step ? 0xFF : 0)...};
+  constexpr Vector isTop = {(placed<Output>(byte % Output::width) == 0 ? 0x80 : 0)...};
+  const Vector turned = change.turned == 0 ? Vector{} : isTop;
+  Vector different = {};
+  std::size_t done = 0;
+  // Vectors reach into the samples behind them.
+  for (; (count - done) * Output::width >= vectorSize; done += step) {
+    const Vector bytes = vectorAt(input + done * Input::width);
+    const Vector expected = __builtin_shufflevector(
+        bytes, bytes,
+        static_cast<int>(byte / Output::width % step * Input::width +
+                         placed<Input>(placed<Output>(byte % Output::width)))...);
+    different |= expected ^ turned ^ vectorAt(output + done * Output::width);
+  }
+  different &= isCompared;
+  std::array<std::uint64_t, 2> bits{};
+  __builtin_memcpy(bits.data(), &different, vectorSize);
+  return (bits[0] | bits[1]) == 0 &&
+         areEqual<Input, Output>(input + done * Input::width, output + done * Output::width,
+                                 count - done, change);
+}
+
 template <typename Input, typename Output>
-bool areMirrored(const std::uint8_t* input, const std::uint8_t* output, std::size_t count,
+bool areShuffled(const std::uint8_t* input, const std::uint8_t* output, std::size_t count,
                  Change change) {
-  constexpr std::size_t width = Input::width;
-  constexpr std::size_t words = width == 3 ? 3 : 1;  // until samples begin with a word again
-  constexpr std::size_t step = words * sizeof(Word) / width;
-  constexpr bool isReversed = Input::order != Output::order;
-  constexpr auto masks = masksOfPlaces<width, words>();
-  const Word turned = change.turned == 0 ? 0 : 0x8080'8080'8080'8080;
-  // Words reach into the samples before and behind them.
-  Word different = 0;
-  std::size_t done = std::min(count, step);
-  bool same = areEqual<Input, Output>(input, output, done, change);
-  for (; done + 2 * step <= count; done += step)
-    for (std::size_t word = 0; word < words; ++word) {
-      const std::size_t at = done * width + word * sizeof(Word);
-      Word expected = 0;
-      for (std::size_t place = 0; place < width; ++place)
-        expected |=
-            wordAt(input + at + (isReversed ? width - 1 - 2 * place : 0)) & masks[place][word];
-      different |= expected ^ turned ^ wordAt(output + at);
-    }
-  if (done < count)
-    same &=
-        areEqual<Input, Output>(input + done * width, output + done * width, count - done, change);
-  return same && different == 0;
+  return areShuffled<Input, Output>(input, output, count, change,
+                                    std::make_index_sequence<vectorSize>());
 }
+
+bool canShuffle() {
+#ifdef __aarch64__
+  return true;
+#else
+  return __builtin_cpu_supports("ssse3");
+#endif
+}
+
+#endif
 
 using AreEqual = bool (*)(const std::uint8_t* input, const std::uint8_t* output, std::size_t count,
                           Change change);
 
-AreEqual comparisonOf(const SampleField& input, const SampleField& output, Change change) {
+AreEqual comparisonOf(const SampleField& input, const SampleField& output,
+                      [[maybe_unused]] Change change) {
   return withLayoutOf(input, [&](auto from) {
     return withLayoutOf(output, [&](auto to) -> AreEqual {
       using Input = decltype(from);
       using Output = decltype(to);
-      if constexpr (Input::width == Output::width) {
-        const bool isWhole = (change.kept & Input::bits) == Input::bits;
-        if (isWhole && (Input::width == 1 || change.turned == 0)) return areMirrored<Input, Output>;
-      }
+#ifdef CORVANA_PROOF_SHUFFLES
+      if constexpr (Input::width >= Output::width)
+        if ((change.kept & Input::bits) == Output::bits && canShuffle())
+          return areShuffled<Input, Output>;
+#endif
       return areEqual<Input, Output>;
     });
   });
