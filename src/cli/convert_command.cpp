@@ -166,9 +166,8 @@ ConvertLine::ConvertLine() : app(description, "corvana-cli") {
       ->group(what);
 
   app.add_option("--jobs", batch.jobs,
-                 "Convert so many files at the same time; 0: one for each processor")
-      ->check(CLI::Range(0, 256))
-      ->capture_default_str()
+                 "Convert so many files at the same time; 0, as without it: one for each processor")
+      ->check(CLI::Range(0, 256).description(""))
       ->type_name("N")
       ->group(what);
 
