@@ -159,14 +159,15 @@ class BatchConversion {
 };
 
 void BatchConversion::run() {
+  const auto convert = [this] { doOrEnd([this] { convertNextFiles(); }); };
   std::vector<std::thread> others;
   try {
     while (others.size() + 1 < jobs_)
-      others.emplace_back([this] { doOrEnd([this] { convertNextFiles(); }); });
+      others.emplace_back(convert);
   } catch (const std::system_error&) {
     // The system has no more threads; those that there are do the work.
   }
-  convertNextFiles();
+  convert();
   for (std::thread& other : others)
     other.join();
 }
