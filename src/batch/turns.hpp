@@ -24,7 +24,7 @@ class Turns {
 
  private:
   std::condition_variable& ofNumber(std::uint64_t number) {
-    return changed_[number % changed_.size()];
+    return changed_[static_cast<std::size_t>(number % changed_.size())];
   }
 
   std::atomic<std::uint64_t> now_ = 0;
