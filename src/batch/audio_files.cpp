@@ -71,7 +71,7 @@ FoundFiles collectAudioFiles(const std::vector<fs::path>& urls, const fs::path& 
     found.leftOut.push_back(
         {std::string(path), std::generic_category().message(errorNumber), true});
   };
-  std::optional<FolderIdentity> except;
+  std::optional<InodeIdentity> except;
   if (!outputFolder.empty())
     if (const auto identity = identityOf(outputFolder))
       except = {identity->device, identity->inode};

@@ -34,7 +34,7 @@ bool BatchInputs::containName(const Folder& folder, const std::string& name) con
   return std::any_of(first, last, [&](const auto& entry) {
     if (entry.second->name() != name) return false;
     const auto parent = identityOf(std::filesystem::path(entry.second->folder()) / ".");
-    return parent && FolderIdentity{parent->device, parent->inode} == folder.identity();
+    return parent && InodeIdentity{parent->device, parent->inode} == folder.identity();
   });
 }
 

@@ -103,6 +103,14 @@ const std::vector<AudioFile>& filesToSpare(const std::vector<AudioFile>& files,
   return options.overwrite && options.clash != InputClash::replace ? files : none;
 }
 
+/// That the work takes.
+template <typename Work>
+double secondsOf(const Work& work) {
+  const auto begun = std::chrono::steady_clock::now();
+  work();
+  return std::chrono::duration<double>(std::chrono::steady_clock::now() - begun).count();
+}
+
 /// One batch, in the hands of one or several threads.
 class BatchConversion {
  public:
@@ -130,6 +138,8 @@ class BatchConversion {
     std::unique_ptr<const InputFile> file = {};
     bool isAIFF = false;
     std::optional<ConversionPlan> plan = {};
+
+    ConversionPlan makePlan() const { return file->read(isAIFF ? planAIFFToWAV : planWAVToAIFF); }
   };
   /// What a thread keeps from one file to the next.
   struct Kept {
@@ -142,6 +152,7 @@ class BatchConversion {
   void convertLogging(Current& current, Kept& kept);
   void convert(InputFolder& folder, Input& input, Current& current);
   void convertInto(const OutputTarget& output, Input& input, Current& current);
+  static const Folder& folderOf(const AudioFile& file, Kept& kept);
   std::unique_ptr<const InputFile> open(const AudioFile& file, const Folder& folder) const;
   Input openInput(const Current& current, Kept& kept);
   bool isSettled(Input& input, const Current& current, const Folder& folder);
@@ -177,16 +188,13 @@ void BatchConversion::convertNextFiles() {
     const std::uint64_t number = taken_++;
     if (number >= files_.size()) return;
     Current current{files_[static_cast<std::size_t>(number)], number};
-    if (jobs_ > 1) openEarly(current.file, kept);
+    current.entry.seconds = jobs_ > 1 ? secondsOf([&] { openEarly(current.file, kept); }) : 0;
     if (!turns_.begin(number)) return;
     if (listener_.isStopped()) return turns_.close();
     inWork_.begin();
     listener_.fileBegun(current.file);
     current.entry.input = current.file.path();
-    const auto begun = std::chrono::steady_clock::now();
-    convertLogging(current, kept);
-    current.entry.seconds =
-        std::chrono::duration<double>(std::chrono::steady_clock::now() - begun).count();
+    current.entry.seconds += secondsOf([&] { convertLogging(current, kept); });
     endTurn(current);
     inWork_.finish(number, [this, entry = std::move(current.entry),
                             refusals = std::move(current.refusals)]() mutable {
@@ -240,7 +248,7 @@ void BatchConversion::convert(InputFolder& folder, Input& input, Current& curren
     if (options.preserveTimes)
       output.times = current.file.earlierTimes ? *current.file.earlierTimes : file.times();
     if (options.dryRun) {
-      ConversionPlan plan = file.read(isAIFF ? planAIFFToWAV : planWAVToAIFF);
+      ConversionPlan plan = input.makePlan();
       names_.outputs.rehearse(output, plan);
       return setConverted(current.entry, current.file, resultOf(std::move(plan), output));
     }
@@ -255,6 +263,11 @@ void BatchConversion::convert(InputFolder& folder, Input& input, Current& curren
   }
 }
 
+const Folder& BatchConversion::folderOf(const AudioFile& file, Kept& kept) {
+  if (!kept.folder || !kept.folder->isOf(file)) kept.folder = openFolderOf(file);
+  return kept.folder->folder();
+}
+
 std::unique_ptr<const InputFile> BatchConversion::open(const AudioFile& file,
                                                        const Folder& folder) const {
   return std::make_unique<const InputFile>(folder, std::string(file.name()), file.path(),
@@ -265,11 +278,9 @@ std::unique_ptr<const InputFile> BatchConversion::open(const AudioFile& file,
 void BatchConversion::openEarly(const AudioFile& file, Kept& kept) {
   kept.early = {};
   try {
-    if (!kept.folder || !kept.folder->isOf(file)) kept.folder = openFolderOf(file);
-    Input input{open(file, kept.folder->folder())};
+    Input input{open(file, folderOf(file, kept))};
     input.isAIFF = input.file->read(detectFormat);
-    if (!names_.options.skipExisting)
-      input.plan = input.file->read(input.isAIFF ? planAIFFToWAV : planWAVToAIFF);
+    if (!names_.options.skipExisting) input.plan = input.makePlan();
     kept.early = std::move(input);
   } catch (const std::exception&) {
     return;
@@ -279,8 +290,7 @@ void BatchConversion::openEarly(const AudioFile& file, Kept& kept) {
 /// The file, or what would be in its place by now where the batch is only rehearsed.
 BatchConversion::Input BatchConversion::openInput(const Current& current, Kept& kept) {
   const AudioFile& file = current.file;
-  if (!kept.folder || !kept.folder->isOf(file)) kept.folder = openFolderOf(file);
-  const Folder& folder = kept.folder->folder();
+  const Folder& folder = folderOf(file, kept);
   const std::string name(file.name());
   Input input = std::move(kept.early);
   if (auto replaced = names_.outputs.openReplaced(folder, name, file.path())) {

@@ -38,7 +38,7 @@ bool FilesInWork::isWritten(const Folder& folder, const std::string& name) const
 
 bool FilesInWork::isWritten(const FileIdentity& file) const {
   return anyOutput([&](const Output& output) {
-    return output.file == FolderIdentity{file.device, file.inode};
+    return output.file == InodeIdentity{file.device, file.inode};
   });
 }
 

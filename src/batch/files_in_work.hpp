@@ -42,8 +42,8 @@ class FilesInWork {
 
  private:
   struct Output {
-    FolderIdentity folder;
-    FolderIdentity file;
+    InodeIdentity folder;
+    InodeIdentity file;
     std::string foldedName;
   };
   struct Item {

@@ -68,7 +68,7 @@ std::optional<FileDescriptor> RunOutputs::openReplaced(const Folder& folder,
 }
 
 RunOutputs::Name RunOutputs::nameIn(const Folder& folder, const fs::path& path) {
-  const FolderIdentity identity = folder.identity();
+  const InodeIdentity identity = folder.identity();
   return {identity.device, identity.inode, path.native()};
 }
 

@@ -40,10 +40,10 @@ void copySampleFrames(const SampleRun& samples, std::uint64_t position, const By
                 [&](ByteView bytes) { convertSamples(samples.conversion, bytes, piece); });
     sink.append(piece);
     done += frames;
-    while (done >= std::min(reported + framesPerBlock, frameCount) && reported < frameCount) {
-      reported = std::min(reported + framesPerBlock, frameCount);
-      if (progress) progress(static_cast<double>(reported) / static_cast<double>(frameCount));
-    }
+    const std::uint64_t blockEnd = std::min(reported + framesPerBlock, frameCount);
+    if (done < blockEnd) continue;
+    reported = blockEnd;
+    if (progress) progress(static_cast<double>(reported) / static_cast<double>(frameCount));
   }
 }
 

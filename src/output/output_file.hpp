@@ -63,7 +63,7 @@ class OutputFile : public ByteSink {
   /// The folder in which it is made.
   const Folder& folder() const { return madeFolder_ ? *madeFolder_ : target_.folder; }
   /// Of the file, while it is not closed.
-  FolderIdentity identity() const { return identityOf(file_); }
+  InodeIdentity identity() const { return identityOf(file_); }
 
   /// Why the closed file could not be given its times; 0 where it could, or was to have none.
   int timesError() const { return timesError_; }

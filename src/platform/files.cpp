@@ -78,7 +78,7 @@ int FileDescriptor::release() {
   return std::exchange(number_, -1);
 }
 
-FolderIdentity identityOf(const FileDescriptor& descriptor) {
+InodeIdentity identityOf(const FileDescriptor& descriptor) {
   struct stat status {};
   if (::fstat(descriptor.number(), &status) != 0) return {};
   return {status.st_dev, status.st_ino};
@@ -158,10 +158,6 @@ FileDescriptor openForReading(const Folder& folder, const std::string& name,
   if (file.number() < 0) failReading(errno, path);
   return file;
 }
-
-}  // namespace
-
-namespace {
 
 /// Bytes. What is not larger is read instead of mapped: that costs less, and where several threads
 /// convert, all of them stop for a moment whenever one gives a mapping back.

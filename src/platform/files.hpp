@@ -99,14 +99,14 @@ class FileDescriptor {
 };
 
 /// What tells a folder or file from one that has taken its place.
-struct FolderIdentity {
+struct InodeIdentity {
   dev_t device = 0;
   ino_t inode = 0;
-  bool operator==(const FolderIdentity&) const = default;
+  bool operator==(const InodeIdentity&) const = default;
 };
 
 /// Of an open folder or file.
-FolderIdentity identityOf(const FileDescriptor& descriptor);
+InodeIdentity identityOf(const FileDescriptor& descriptor);
 
 /// A file without a name and a disk, open for reading: `head`, `gap` zeros, which take no room, and
 /// `tail`. Fails with a FileError that names `path`.

@@ -153,7 +153,7 @@ bool Folder::mayLeadTo(const std::string& name, const FileIdentity& file) const 
   return !leadsNowhere;
 }
 
-FolderIdentity Folder::identity() const {
+InodeIdentity Folder::identity() const {
   if (!identity_) identity_ = identityOf(descriptor_);
   return *identity_;
 }

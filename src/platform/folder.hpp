@@ -30,7 +30,7 @@ class Folder {
   void rehearseMaking(const std::string& name) const;
 
   /// Not by two threads at once.
-  FolderIdentity identity() const;
+  InodeIdentity identity() const;
 
   /// For messages.
   const std::filesystem::path& path() const { return path_; }
@@ -83,7 +83,7 @@ class Folder {
 
   FileDescriptor descriptor_;
   std::filesystem::path path_;
-  mutable std::optional<FolderIdentity> identity_;  ///< once somebody has asked
+  mutable std::optional<InodeIdentity> identity_;  ///< once somebody has asked
 };
 
 /// Opens the folder at `path`, of which the user has named the first `namedLength` characters. The

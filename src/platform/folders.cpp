@@ -40,7 +40,7 @@ OpenFolder openFolder(int parent, const char* name, int flags = 0) {
   return listing;
 }
 
-FolderIdentity identityOf(const OpenFolder& folder) {
+InodeIdentity identityOf(const OpenFolder& folder) {
   struct stat status {};
   if (::fstat(::dirfd(folder.get()), &status) != 0) return {};
   return {status.st_dev, status.st_ino};
@@ -139,10 +139,10 @@ class Entries {
 
 /// A folder on the way down.
 struct Level {
-  OpenFolder folder;        ///< closed while the search is far below
-  FolderIdentity identity;  ///< of one that was closed
-  Entries::End begin;       ///< of its entries, behind those of the folders above
-  std::size_t next = 0;     ///< the entry to be visited
+  OpenFolder folder;       ///< closed while the search is far below
+  InodeIdentity identity;  ///< of one that was closed
+  Entries::End begin;      ///< of its entries, behind those of the folders above
+  std::size_t next = 0;    ///< the entry to be visited
   std::size_t pathLength = 0;
 };
 

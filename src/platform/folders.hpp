@@ -22,7 +22,7 @@ struct FolderVisitor {
   /// A folder whose content is not, or not all, visited, and the system's reason.
   std::function<void(std::string_view path, int errorNumber)> unreadable;
   /// A folder that is left out wherever the search comes across it.
-  std::optional<FolderIdentity> except = {};
+  std::optional<InodeIdentity> except = {};
 };
 
 /// Visits everything below `folder`, depth first, the entries of each folder in byte order of

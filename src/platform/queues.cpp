@@ -9,6 +9,7 @@
 #include "platform/ending.hpp"
 
 namespace corvana {
+
 SerialQueue::SerialQueue([[maybe_unused]] const std::string& label) : thread_([this] { run(); }) {
 #if CORVANA_HAS_NAMED_THREADS
   ::pthread_setname_np(thread_.native_handle(), label.c_str());
