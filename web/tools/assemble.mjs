@@ -1,0 +1,98 @@
+// node assemble.mjs FOLDER: of what scripts/web has built in FOLDER and the sources beside, makes
+//   FOLDER/npm, FOLDER/corvana-VERSION.tgz   the npm package
+//   FOLDER/page                              the page with the package's modules in page/corvana
+// and says how large they are.
+import { execFileSync } from "node:child_process";
+import { createHash } from "node:crypto";
+import * as fs from "node:fs";
+import * as path from "node:path";
+import { fileURLToPath } from "node:url";
+import { brotliCompressSync, gzipSync } from "node:zlib";
+
+const root = fileURLToPath(new URL("../..", import.meta.url));
+const web = path.join(root, "web");
+const built = path.resolve(process.argv[2]);
+const tools = path.join(web, "node_modules/.bin");
+
+/** @param {string} folder @returns {string[]} paths of files below it, "a/b", sorted */
+function filesIn(folder) {
+  const found = fs.readdirSync(folder, { withFileTypes: true }).flatMap((entry) => {
+    if (!entry.isDirectory()) return [entry.name];
+    return filesIn(path.join(folder, entry.name)).map((below) => `${entry.name}/${below}`);
+  });
+  return found.sort();
+}
+
+/** @param {string} name of a folder that takes the place of the one of the last build */
+function newFolder(name) {
+  const folder = path.join(built, name);
+  fs.rmSync(folder, { recursive: true, force: true });
+  fs.mkdirSync(folder, { recursive: true });
+  return folder;
+}
+
+/** @param {string} from @param {string} to @param {(name: string) => boolean} isWanted */
+function copyFiles(from, to, isWanted = () => true) {
+  for (const name of filesIn(from).filter(isWanted))
+    fs.cpSync(path.join(from, name), path.join(to, name));
+}
+
+/** @param {string} tool @param {string[]} parameters */
+function run(tool, ...parameters) {
+  return execFileSync(tool, parameters, { encoding: "utf8", stdio: ["ignore", "pipe", 2] });
+}
+
+function packageModules(/** @type {string} */ version) {
+  const npm = newFolder("npm");
+  copyFiles(path.join(web, "npm"), npm);
+  fs.copyFileSync(path.join(root, "LICENSE"), path.join(npm, "LICENSE"));
+  const description = JSON.parse(fs.readFileSync(path.join(npm, "package.json"), "utf8"));
+  const json = JSON.stringify({ ...description, version }, null, 2);
+  fs.writeFileSync(path.join(npm, "package.json"), `${json}\n`);
+  fs.writeFileSync(path.join(npm, "version.js"), `export const version = "${version}";\n`);
+  const wasm = fs.readFileSync(path.join(built, "wasm/web/binding/corvana.wasm"));
+  fs.writeFileSync(
+    path.join(npm, "wasm.js"),
+    `/** The module of WebAssembly in base64. */\nexport const wasm = "${wasm.toString("base64")}";\n`,
+  );
+  run(process.execPath, path.join(web, "tools/catalogues.mjs"), path.join(npm, "languages"));
+  return npm;
+}
+
+/** Declarations of the package and of what the page has from others, for TypeScript. */
+function declare(/** @type {string} */ npm) {
+  const types = newFolder("types");
+  const modules = filesIn(npm).filter((name) => name.endsWith(".js"));
+  run(
+    path.join(tools, "tsc"),
+    ..."--ignoreConfig --allowJs --declaration --emitDeclarationOnly --skipLibCheck".split(" "),
+    ..."--strict --target es2022 --module nodenext".split(" "),
+    ...["--rootDir", npm, "--outDir", path.join(types, "corvana")],
+    ...modules.map((name) => path.join(npm, name)),
+  );
+  copyFiles(path.join(types, "corvana"), npm);
+  const zip = path.join(web, "node_modules/client-zip/index.d.ts");
+  fs.copyFileSync(zip, path.join(types, "client-zip.d.ts"));
+}
+
+function assemblePage(/** @type {string} */ npm) {
+  const page = newFolder("page");
+  copyFiles(path.join(web, "page"), page);
+  copyFiles(npm, path.join(page, "corvana"), (name) => name.endsWith(".js"));
+  const zip = path.join(web, "node_modules/client-zip/index.js");
+  fs.copyFileSync(zip, path.join(page, "client-zip.js"));
+  fs.copyFileSync(path.join(root, "packaging/corvana.svg"), path.join(page, "icon.svg"));
+  copyFiles(path.join(built, "icons"), page);
+  return page;
+}
+
+/** @param {number} size in bytes */
+const kilobytes = (size) => `${(size / 1000).toFixed(1)} kB`;
+
+/** @param {string} name @param {Buffer[]} files each is packed for itself, as servers do */
+function sizes(name, files) {
+  /** @param {(file: Buffer) => Buffer} pack */
+  const sum = (pack) => kilobytes(files.reduce((all, file) => all + pack(file).length, 0));
+  const packed = `${sum((file) => gzipSync(file, { level: 9 }))} with gzip`;
+  return `${name}: ${sum((file) => file)}, ${packed}, ${sum(brotliCompressSync)} with Brotli`;
+}
