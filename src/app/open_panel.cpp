@@ -17,8 +17,8 @@
 
 #include "app/places.hpp"
 #include "app/qt_values.hpp"
-#include "batch/audio_files.hpp"
 #include "platform/texts.hpp"
+#include "vocabulary/file_names.hpp"
 #include "vocabulary/text_format.hpp"
 
 namespace corvana {

@@ -6,24 +6,11 @@
 
 #include "platform/folders.hpp"
 #include "platform/texts.hpp"
+#include "vocabulary/file_names.hpp"
 
 namespace corvana {
 
 namespace fs = std::filesystem;
-
-bool hasAudioExtension(std::string_view path) {
-  const std::size_t dot = path.rfind('.');
-  if (dot == std::string_view::npos || dot == 0 || path[dot - 1] == '/') return false;
-  const std::string_view extension = path.substr(dot + 1);  // with a slash, it is none of these
-  const auto matches = [&](std::string_view known) {
-    return std::equal(extension.begin(), extension.end(), known.begin(), known.end(),
-                      [](char letter, char lower) {
-                        return (letter >= 'A' && letter <= 'Z' ? letter - 'A' + 'a' : letter) ==
-                               lower;
-                      });
-  };
-  return std::any_of(std::begin(audioExtensions), std::end(audioExtensions), matches);
-}
 
 AudioFile audioFileAt(std::string_view path) {
   const std::size_t start = path.rfind('/') + 1;
@@ -75,21 +62,15 @@ FoundFiles collectAudioFiles(const std::vector<fs::path>& urls, const fs::path& 
   if (!outputFolder.empty())
     if (const auto identity = identityOf(outputFolder))
       except = {identity->device, identity->inode};
-  const FolderVisitor visitor{.file =
-                                  [&](std::string_view path) {
-                                    if (hasAudioExtension(path))
-                                      addFound(found.files, path, namedLength);
-                                  },
-                              .folder =
-                                  [](std::string_view name) {
-                                    const bool isOutput =
-                                        std::find(std::begin(outputFolderNames),
-                                                  std::end(outputFolderNames),
-                                                  name) != std::end(outputFolderNames);
-                                    return isOutput ? Descend::no : Descend::yes;
-                                  },
-                              .unreadable = leaveOut,
-                              .except = except};
+  const FolderVisitor visitor{
+      .file =
+          [&](std::string_view path) {
+            if (hasAudioExtension(path)) addFound(found.files, path, namedLength);
+          },
+      .folder =
+          [](std::string_view name) { return isOutputFolder(name) ? Descend::no : Descend::yes; },
+      .unreadable = leaveOut,
+      .except = except};
   for (const fs::path& url : urls) {
     std::error_code error;
     const fs::file_status status = fs::status(url, error);

@@ -11,15 +11,6 @@
 
 namespace corvana {
 
-/// The extensions of convertible files, in lower case, without the dot.
-inline constexpr std::string_view audioExtensions[] = {"wav", "wave", "aif", "aiff", "aifc"};
-
-/// Subfolders that outputs are written to; a search does not look into them. Case-sensitive.
-inline constexpr std::string_view outputFolderNames[] = {"AIFF", "WAV"};
-
-/// Whether the extension of `path` is in audioExtensions, in any case of letters.
-bool hasAudioExtension(std::string_view path);
-
 /// A file to convert. Plain texts, of which the files of a folder share one: making path objects of
 /// a large library takes nearly as long as finding it, and a text for each path a tenth of that.
 struct AudioFile {

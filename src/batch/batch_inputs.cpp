@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <string_view>
 
-#include "batch/output_url.hpp"
+#include "vocabulary/file_names.hpp"
 
 namespace corvana {
 namespace {
@@ -51,7 +51,7 @@ NameClashes findNameClashes(const std::vector<AudioFile>& files, bool useSubfold
     const std::string_view name = file.name();
     const bool isAIFF = isNamedAIFF(file);
     std::string output = *file.place;
-    if (useSubfolder) output += outputSubfolder(isAIFF, useSubfolder) + '/';
+    if (useSubfolder) output += outputSubfolder(isAIFF) + '/';
     output += outputName(name, isAIFF);
     const auto other = inputs.find(foldedName(output));
     if (other == inputs.end()) continue;

@@ -22,6 +22,7 @@
 #include "platform/texts.hpp"
 #include "verify/difference_texts.hpp"
 #include "vocabulary/errors.hpp"
+#include "vocabulary/file_names.hpp"
 #include "vocabulary/text_format.hpp"
 
 namespace corvana {
@@ -32,10 +33,8 @@ constexpr unsigned maxJobs = 256;
 
 void setConverted(LogEntry& entry, const AudioFile& file, ConversionResult result) {
   entry.outcome = Outcome::converted;
-  entry.lines = {std::string(file.name()) + " => " + result.outputURL.filename().native() + "  [" +
-                 result.summary + "]"};
-  for (const std::string& warning : result.warnings)
-    entry.lines.push_back("   ⚠\uFE0E " + warning);
+  entry.lines = convertedLines(file.name(), result.outputURL.filename().native(), result.summary,
+                               result.warnings);
   entry.output = result.outputURL.native();
   entry.summary = result.figures;
   entry.frames = result.frames;
@@ -43,13 +42,9 @@ void setConverted(LogEntry& entry, const AudioFile& file, ConversionResult resul
   entry.warnings = std::move(result.warningRecords);
 }
 
-std::string failureLine(const AudioFile& file, const Failure& failure) {
-  return "✗ " + std::string(file.name()) + ": " + failure.text;
-}
-
 void setFailed(LogEntry& entry, const AudioFile& file, Failure failure) {
   entry.outcome = Outcome::failed;
-  entry.lines = {failureLine(file, failure)};
+  entry.lines = {failureLine(file.name(), failure.text)};
   entry.failure = std::move(failure);
 }
 
@@ -68,7 +63,7 @@ void setDifferent(LogEntry& entry, const AudioFile& file, const OutputTarget& ou
       entry.failure = {
           .code = "not-as-promised",
           .text = fillText(localised("'%1$@' is not as promised: %2$@"), {output.name, text})};
-      entry.lines = {failureLine(file, entry.failure)};
+      entry.lines = {failureLine(file.name(), entry.failure.text)};
     } else if (entry.lines.size() < maxShown) {
       entry.lines.push_back("   " + text);
     }

@@ -6,18 +6,10 @@
 #include "convert/detect_format.hpp"
 #include "platform/texts.hpp"
 #include "vocabulary/chunks.hpp"
+#include "vocabulary/file_names.hpp"
 
 namespace corvana {
 namespace {
-
-std::string baseName(std::string_view inputName) {
-  const std::size_t dot = inputName.rfind('.');
-  return std::string(dot == 0 ? inputName : inputName.substr(0, dot));
-}
-
-std::string extension(bool isAIFF) {
-  return isAIFF ? ".wav" : ".aif";
-}
 
 /// Opens as much of a path that the user has named as exists, and leaves the rest in it.
 Folder openNamedFolder(std::filesystem::path& path) {
@@ -58,7 +50,7 @@ OutputPlace InputFolder::outputPlace(const AudioFile& file, bool isAIFF,
   const bool isElsewhere = !options.outputFolder.empty();
   if (!isElsewhere && !options.useSubfolder) return {folder_};
   std::filesystem::path wanted(isElsewhere ? std::string(file.folderInTree())
-                                           : outputSubfolder(isAIFF, true));
+                                           : outputSubfolder(isAIFF));
   auto& [outputs, wantedPath, missingFolders] = outputs_[isAIFF ? 1 : 0];
   if (!outputs || !missingFolders.empty() || wanted.native() != wantedPath.native()) {
     wantedPath = wanted;
@@ -106,44 +98,34 @@ InputClashError::InputClashError(const std::string& name)
 OutputTarget makeOutputURL(const InputFolder& folder, const OutputPlace& place,
                            const InputFile& input, bool isAIFF, const BatchNames& names) {
   const BatchOptions& options = names.options;
-  OutputTarget target{.folder = place.folder,
-                      .missingFolders = place.missingFolders,
-                      .name = outputName(input.identity().name, isAIFF),
-                      .replaceExisting = options.overwrite,
-                      .safe = options.safe,
-                      .input = input.identity(),
-                      .permissions = input.permissions()};
-  const auto isRehearsed = [&] {
-    return options.dryRun && names.outputs.contain(place, target.name);
+  const auto isRehearsed = [&](const std::string& name) {
+    return options.dryRun && names.outputs.contain(place, name);
   };
-  const auto mayReplace = [&] {
+  const auto mayReplace = [&](const std::string& name) {
     if (!options.overwrite) return false;
     const bool isBesideInput = &place.folder == &folder.folder() && place.missingFolders.empty();
-    if (isBesideInput && target.name == input.identity().name) return false;
-    const bool isOurs = isRehearsed();
-    if (!isOurs && place.folder.mayLeadTo(target.name, input.identity())) return false;
+    if (isBesideInput && name == input.identity().name) return false;
+    const bool isOurs = isRehearsed(name);
+    if (!isOurs && place.folder.mayLeadTo(name, input.identity())) return false;
     // An input that led nowhere has been replaced, and is an input still.
     const bool isInput =
-        isOurs ? place.missingFolders.empty() && names.inputs.containName(place.folder, target.name)
-               : names.inputs.contains(place.folder, target.name);
+        isOurs ? place.missingFolders.empty() && names.inputs.containName(place.folder, name)
+               : names.inputs.contains(place.folder, name);
     if (options.clash == InputClash::replace || !isInput) return true;
-    if (options.clash == InputClash::fail) throw InputClashError(target.name);
+    if (options.clash == InputClash::fail) throw InputClashError(name);
     return false;
   };
-  const auto isTaken = [&] { return place.nameExists(target.name) || isRehearsed(); };
-  for (std::uint64_t n = 1; isTaken() && !mayReplace(); ++n)
-    target.name =
-        baseName(input.identity().name) + " (" + std::to_string(n) + ")" + extension(isAIFF);
-  return target;
-}
-
-std::string outputSubfolder(bool isAIFF, bool useSubfolder) {
-  if (!useSubfolder) return {};
-  return isAIFF ? "WAV" : "AIFF";
-}
-
-std::string outputName(std::string_view inputName, bool isAIFF) {
-  return baseName(inputName) + extension(isAIFF);
+  const auto mayTake = [&](const std::string& name) {
+    const bool isTaken = place.nameExists(name) || isRehearsed(name);
+    return !isTaken || mayReplace(name);
+  };
+  return {.folder = place.folder,
+          .missingFolders = place.missingFolders,
+          .name = freeOutputName(input.identity().name, isAIFF, mayTake),
+          .replaceExisting = options.overwrite,
+          .safe = options.safe,
+          .input = input.identity(),
+          .permissions = input.permissions()};
 }
 
 }  // namespace corvana

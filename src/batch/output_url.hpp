@@ -74,10 +74,4 @@ class InputClashError : public FileError {
 OutputTarget makeOutputURL(const InputFolder& folder, const OutputPlace& place,
                            const InputFile& input, bool isAIFF, const BatchNames& names);
 
-/// "AIFF" or "WAV", empty without subfolders.
-std::string outputSubfolder(bool isAIFF, bool useSubfolder);
-
-/// The name of an output without a number.
-std::string outputName(std::string_view inputName, bool isAIFF);
-
 }  // namespace corvana

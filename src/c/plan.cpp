@@ -4,7 +4,6 @@
 #include <new>
 #include <string>
 #include <utility>
-#include <variant>
 #include <vector>
 
 #include "c/boundary.hpp"
@@ -84,8 +83,7 @@ void corvana_plan_free(corvana_plan* plan) {
 corvana_status corvana_plan_get_info(const corvana_plan* plan, corvana_plan_info* info) {
   if (plan == nullptr || !isUsable(info)) return CORVANA_BAD_ARGUMENT;
   corvana_plan_info record{};
-  record.format =
-      std::holds_alternative<AiffContent>(plan->plan.content) ? CORVANA_AIFF : CORVANA_WAV;
+  record.format = plan->plan.makesWAV() ? CORVANA_WAV : CORVANA_AIFF;
   record.sample_rate = plan->plan.summary.sampleRate;
   record.output_size = plan->plan.outputSize();
   record.frames = plan->plan.samples.frameCount;

@@ -2,7 +2,8 @@
 
 #include <algorithm>
 #include <cmath>
-#include <cstring>
+
+#include "inspect/samples.hpp"
 
 namespace corvana {
 namespace {
@@ -13,29 +14,16 @@ constexpr std::uint32_t mostChannels = 32;
 constexpr double standsOut = 4;  // times the largest step around
 constexpr double inaudible = 1.0 / 1024;
 
-/// As std::bit_cast, which not every standard library has: Debian 12's Emscripten brings none.
-template <typename Number, typename Bits>
-double numberOf(Bits bits) {
-  static_assert(sizeof(Number) == sizeof(Bits));
-  Number number = 0;
-  std::memcpy(&number, &bits, sizeof number);
-  return number;
-}
-
 /// Samples in parts of full scale.
 class Samples {
  public:
   Samples(ByteView content, const FileDescription& file)
       : format_(*file.format),
-        frameBytes_(format_.frameBytes()),
+        read_(sampleReader(format_)),
         data_(content.subspan(static_cast<std::size_t>(file.dataOffset),
                               static_cast<std::size_t>(file.dataSize))) {}
 
-  bool canBeRead() const {
-    if (format_.kind == SampleKind::integer) return format_.sampleBytes <= 4;
-    return format_.kind == SampleKind::floatingPoint &&
-           (format_.sampleBytes == 4 || format_.sampleBytes == 8);
-  }
+  bool canBeRead() const { return read_ != nullptr; }
 
   double rounding() const {
     return format_.kind == SampleKind::integer ? std::ldexp(1.0, 1 - static_cast<int>(format_.bits))
@@ -43,24 +31,14 @@ class Samples {
   }
 
   double at(std::uint64_t frame, std::uint32_t channel) const {
-    const auto offset = static_cast<std::size_t>(frame * frameBytes_ +
-                                                 std::uint64_t{channel} * format_.sampleBytes);
-    const Fields fields(data_.subspan(offset, format_.sampleBytes), format_.order);
-    if (format_.kind == SampleKind::floatingPoint)
-      return format_.sampleBytes == 4 ? numberOf<float>(fields.u32(0))
-                                      : numberOf<double>(fields.u64(0));
-    std::uint32_t value = 0;  // left-justified
-    for (std::uint32_t i = 0; i < format_.sampleBytes; ++i)
-      value |=
-          std::uint32_t{fields.u8(i)}
-          << (format_.order == ByteOrder::big ? 24 - 8 * i : 32 - 8 * format_.sampleBytes + 8 * i);
-    if (format_.isUnsigned) value ^= 0x8000'0000U;
-    return static_cast<std::int32_t>(value) / 2147483648.0;
+    const std::uint64_t offset =
+        frame * format_.frameBytes() + std::uint64_t{channel} * format_.sampleBytes;
+    return read_(data_.subspan(static_cast<std::size_t>(offset), format_.sampleBytes).data());
   }
 
  private:
   SoundFormat format_;
-  std::uint64_t frameBytes_;
+  SampleReader read_;
   ByteView data_;
 };
 

@@ -2,7 +2,7 @@
 
 #include "check/check_file.hpp"
 #include "cli/command_line.hpp"
-#include "cli/json_values.hpp"
+#include "cli/json_lines.hpp"
 #include "platform/standard_streams.hpp"
 #include "platform/texts.hpp"
 #include "vocabulary/screen_text.hpp"

@@ -2,7 +2,7 @@
 
 #include "cli/command_line.hpp"
 #include "cli/info_text.hpp"
-#include "cli/json_values.hpp"
+#include "cli/json_lines.hpp"
 #include "platform/standard_streams.hpp"
 #include "platform/texts.hpp"
 #include "vocabulary/screen_text.hpp"
@@ -37,15 +37,7 @@ Json infoObject(const std::string& path, const FileDescription& file, const Pros
                 int middleC) {
   Json object = fileObject(path);
   addDescription(object, file, middleC);
-  Json& conversion = object["conversion"];
-  if (const auto* error = std::get_if<ConversionError>(&prospect)) {
-    conversion["error"] = jsonOf(*error, systemLanguage());
-  } else {
-    const auto& plan = std::get<ConversionPlan>(prospect);
-    conversion["direction"] = directionCode(file.isAIFF() ? Direction::toWAV : Direction::toAIFF);
-    conversion["summary"] = makeSummary(plan.summary, systemLanguage());
-    conversion["warnings"] = jsonOf(plan.warnings, systemLanguage());
-  }
+  addProspect(object, prospect, systemLanguage());
   return object;
 }
 

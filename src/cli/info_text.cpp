@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "cli/columns.hpp"
-#include "convert/plan_conversion.hpp"
+#include "inspect/format_text.hpp"
 #include "inspect/note_name.hpp"
 #include "vocabulary/messages.hpp"
 #include "vocabulary/screen_text.hpp"
@@ -40,25 +40,10 @@ std::string fixed(double number, int places) {
   return digits += std::to_string(scaled / unit) + "." + behind;
 }
 
-/// A whole number without a point.
-std::string plain(double number) {
-  std::string digits = decimalText(number);
-  if (digits.ends_with(".0")) digits.resize(digits.size() - 2);
-  return digits;
-}
-
 /// With a "+" where it is above 0.
 std::string signedText(double number) {
   std::string sign = number > 0 ? "+" : "";
-  return sign += plain(number);
-}
-
-/// Four characters of a file, of which none drives the screen.
-std::string idText(const std::string& id) {
-  std::string shown = id;
-  for (char& character : shown)
-    if (character < ' ' || character > '~') character = '?';
-  return shown;
+  return sign += plainText(number);
 }
 
 /// With `separator` between the two where `text` is not empty.
@@ -126,60 +111,8 @@ class InfoWriter {
     return hasRate ? fixed(static_cast<double>(frames) / file_.format->sampleRate, 3) + " s" : "";
   }
 
-  std::string containerText() const {
-    switch (file_.chunks.container) {
-      case Container::wav:
-        return "WAV";
-      case Container::rifx:
-        return localised("RIFX (big-endian WAV)");
-      case Container::rf64:
-        return localised("RF64 (WAV above 4 GB)");
-      case Container::riff:
-        return filled(translatable("RIFF of the type '%@'"), {idText(file_.chunks.formType)});
-      case Container::aiff:
-        return "AIFF";
-      case Container::aifc:
-        return "AIFF-C";
-      case Container::form:
-        return filled(translatable("FORM of the type '%@'"), {idText(file_.chunks.formType)});
-      case Container::unknown:
-        break;
-    }
-    return localised("neither WAV nor AIFF");
-  }
-
-  std::string encodingText(const SoundFormat& format) const {
-    const std::string bits = bitDepthText(format.bits, language_);
-    switch (format.kind) {
-      case SampleKind::integer:
-        return bits + " PCM";
-      case SampleKind::floatingPoint:
-        return filled(translatable("%@ floating point"), {bits});
-      case SampleKind::aLaw:
-        return "A-law";
-      case SampleKind::muLaw:
-        return "µ-law";
-      case SampleKind::compressed:
-        if (!file_.isAIFF())
-          return filled(translatable("compressed, format tag %@"),
-                        {text(std::int64_t{format.formatTag})});
-        return localised("compressed");
-      case SampleKind::unknown:
-        break;
-    }
-    return localised("unknown encoding");
-  }
-
   void addFormat() {
-    std::string line = containerText();
-    if (const auto& format = file_.format) {
-      line += ", " + encodingText(*format) + ", " + channelsText(format->channels, language_) +
-              ", " + plain(format->sampleRate) + " Hz";
-      const std::string name = readableLine(format->compressionName);
-      if (!format->compressionType.empty())
-        line += " ('" + idText(format->compressionType) + (name.empty() ? "'" : "', " + name) + ")";
-    }
-    add(translatable("Format"), {line});
+    add(translatable("Format"), {formatText(file_, language_)});
 
     const auto bytes = static_cast<std::int64_t>(file_.fileSize);
     std::string size = language_.localisedCount("%ld byte", "%ld bytes", bytes);
@@ -300,7 +233,7 @@ class InfoWriter {
     std::size_t shown = 0;
     for (const TextDescription& entry : file_.texts) {
       if (shown++ == mostRows) break;
-      std::string label = idText(entry.chunk) + "  ";
+      std::string label = readableID(entry.chunk) + "  ";
       std::string_view rest = entry.text;
       for (std::size_t i = 0; i < mostTextLines && !label.empty(); ++i) {
         const std::size_t end = std::min(rest.find('\n'), rest.size());
@@ -324,7 +257,7 @@ class InfoWriter {
       else if (chunk.padding == Padding::missing)
         remark = localised("the pad byte is missing");
       const auto size = static_cast<std::int64_t>(chunk.declaredSize);
-      rows.push_back({idText(chunk.id), filled(translatable("at %@"), {text(chunk.offset)}),
+      rows.push_back({readableID(chunk.id), filled(translatable("at %@"), {text(chunk.offset)}),
                       language_.localisedCount("%ld byte", "%ld bytes", size), remark});
     }
     Lines lines = aligned(rows);
@@ -355,14 +288,6 @@ class InfoWriter {
 };
 
 }  // namespace
-
-Prospect prospectOf(ByteView file) {
-  try {
-    return planConversion(file);
-  } catch (const ConversionError& error) {
-    return error;
-  }
-}
 
 std::string infoText(const FileDescription& file, const Prospect& prospect, int middleC,
                      const Language& language) {

@@ -5,7 +5,7 @@
 #include <optional>
 
 #include "batch/output_url.hpp"
-#include "cli/json_values.hpp"
+#include "cli/json_lines.hpp"
 #include "cli/report.hpp"
 #include "platform/texts.hpp"
 
@@ -46,7 +46,7 @@ int lookAtFiles(const LookOptions& options,
       result.failed = true;
       if (options.json) {
         Json object = fileObject(file.path());
-        object["error"] = jsonOf(error, systemLanguage());
+        object["error"] = errorObject(error, systemLanguage());
         result.output = lineOf(object);
       } else {
         report(error.what());

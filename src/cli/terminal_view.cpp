@@ -7,7 +7,7 @@
 #include <cstdlib>
 #include <string_view>
 
-#include "cli/json_values.hpp"
+#include "cli/json_lines.hpp"
 #include "cli/report.hpp"
 #include "platform/standard_streams.hpp"
 #include "platform/texts.hpp"

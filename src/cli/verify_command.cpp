@@ -5,7 +5,7 @@
 
 #include "batch/output_url.hpp"
 #include "cli/command_line.hpp"
-#include "cli/json_values.hpp"
+#include "cli/json_lines.hpp"
 #include "cli/report.hpp"
 #include "convert/detect_format.hpp"
 #include "output/verify_output.hpp"
@@ -101,17 +101,17 @@ Verdict verify(const VerifyLine& line) {
                       localised("'%1$@' is of the same format as the input – one file has to be "
                                 "WAV, the other AIFF."),
                       line.output);
-    object["direction"] = directionCode(fromAIFF ? Direction::toWAV : Direction::toAIFF);
+    object["direction"] = directionCode(fromAIFF);
     const Differences differences =
         verifyFiles(input.content(), output.content(), Producer::anyProgram, {});
     return verdictOf(differences, object, line.json);
   } catch (const ConversionError& error) {
-    object["error"] = jsonOf(error, systemLanguage());
+    object["error"] = errorObject(error, systemLanguage());
     const std::string text = errorDescription(error, systemLanguage());
     return line.json ? Verdict{.output = lineOf(object)}
                      : Verdict{.remark = line.input + ": " + text};
   } catch (const std::system_error& error) {
-    object["error"] = jsonOf(error, systemLanguage());
+    object["error"] = errorObject(error, systemLanguage());
     return line.json ? Verdict{.output = lineOf(object)} : Verdict{.remark = error.what()};
   }
 }

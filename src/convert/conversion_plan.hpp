@@ -40,6 +40,7 @@ struct ConversionPlan {
   Summary summary;     ///< the figures of the output
   Warnings warnings;   ///< what the output cannot keep
 
+  bool makesWAV() const { return std::holds_alternative<WavContent>(content); }  ///< or AIFF
   std::uint64_t outputSize() const {  ///< bytes, of the whole output
     return header.size() + samples.outputSize() + trailer.size();
   }

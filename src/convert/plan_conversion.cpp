@@ -10,4 +10,12 @@ ConversionPlan planConversion(ByteView file) {
   return detectFormat(file) ? planAIFFToWAV(file) : planWAVToAIFF(file);
 }
 
+Prospect prospectOf(ByteView file) {
+  try {
+    return planConversion(file);
+  } catch (const ConversionError& error) {
+    return error;
+  }
+}
+
 }  // namespace corvana

@@ -6,12 +6,13 @@
 #include <utility>
 
 // Byte shuffles need the compiler's vectors (GCC 12, any current Clang) and a processor that has
-// the instruction: every 64-bit ARM, and x86 with SSSE3, which is asked for at run time.
+// the instruction: every 64-bit ARM, WebAssembly with its vectors, and x86 with SSSE3, which is
+// asked for at run time.
 #if defined(__has_builtin)
 #if __has_builtin(__builtin_shufflevector)
 #if defined(__x86_64__) || defined(__i386__)
 #define CORVANA_BYTE_SHUFFLES [[gnu::target("ssse3")]]
-#elif defined(__aarch64__)
+#elif defined(__aarch64__) || defined(__wasm_simd128__)
 #define CORVANA_BYTE_SHUFFLES
 #endif
 #endif
@@ -135,7 +136,7 @@ SampleKernel kernel([[maybe_unused]] Processor processor) {
 }  // namespace
 
 Processor thisProcessor() {
-#if defined(CORVANA_BYTE_SHUFFLES) && defined(__aarch64__)
+#if defined(CORVANA_BYTE_SHUFFLES) && !(defined(__x86_64__) || defined(__i386__))
   return Processor::shufflesBytes;
 #elif defined(CORVANA_BYTE_SHUFFLES)
   if (__builtin_cpu_supports("ssse3")) return Processor::shufflesBytes;

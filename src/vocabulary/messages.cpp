@@ -1,7 +1,7 @@
 #include "vocabulary/messages.hpp"
 
 #include <algorithm>
-#include <vector>
+#include <utility>
 
 #include "vocabulary/text_format.hpp"
 
@@ -186,6 +186,22 @@ std::string errorDescription(const ConversionError& error, const Language& langu
   if (error.kind() == ConversionError::Case::unsupported)
     return fillText(language.localised(form.text), {detailText(error, language)});
   return fill(form.text, error.values(), language);
+}
+
+std::vector<std::string> convertedLines(std::string_view inputName, std::string_view outputName,
+                                        std::string_view summary,
+                                        const std::vector<std::string>& warnings) {
+  std::string line(inputName);
+  line.append(" => ").append(outputName).append("  [").append(summary) += ']';
+  std::vector<std::string> lines = {std::move(line)};
+  lines.reserve(1 + warnings.size());
+  for (const std::string& warning : warnings)
+    lines.push_back("   ⚠\uFE0E " + warning);
+  return lines;
+}
+
+std::string failureLine(std::string_view inputName, std::string_view reason) {
+  return std::string("✗ ").append(inputName).append(": ").append(reason);
 }
 
 }  // namespace corvana

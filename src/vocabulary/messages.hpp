@@ -5,6 +5,8 @@
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <string_view>
+#include <vector>
 
 #include "vocabulary/errors.hpp"
 #include "vocabulary/language.hpp"
@@ -48,5 +50,15 @@ std::string warningText(const Warning& warning, const Language& language);
 
 /// The message of a failed conversion.
 std::string errorDescription(const ConversionError& error, const Language& language);
+
+// The lines of the log. They hold names and texts as they are.
+
+/// What a conversion came to, then a line for each warning.
+std::vector<std::string> convertedLines(std::string_view inputName, std::string_view outputName,
+                                        std::string_view summary,
+                                        const std::vector<std::string>& warnings);
+
+/// Why a file was not converted.
+std::string failureLine(std::string_view inputName, std::string_view reason);
 
 }  // namespace corvana

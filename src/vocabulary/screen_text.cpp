@@ -43,4 +43,10 @@ std::string readableLine(std::string_view text) {
   return readable(text, {});
 }
 
+std::string readableID(std::string id) {
+  for (char& character : id)
+    if (character < ' ' || character > '~') character = '?';
+  return id;
+}
+
 }  // namespace corvana

@@ -15,4 +15,7 @@ std::string readableText(std::string_view text);
 /// The same for a text of one line: U+FFFD stands for a line feed as well.
 std::string readableLine(std::string_view text);
 
+/// The same for the four characters of a chunk ID: "?" stands for all but those of ASCII.
+std::string readableID(std::string id);
+
 }  // namespace corvana

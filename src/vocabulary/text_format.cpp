@@ -116,4 +116,10 @@ std::string decimalText(double number) {
   return sign + (plain ? plainText(digits) : scientificText(digits));
 }
 
+std::string plainText(double number) {
+  std::string digits = decimalText(number);
+  if (digits.ends_with(".0")) digits.resize(digits.size() - 2);
+  return digits;
+}
+
 }  // namespace corvana

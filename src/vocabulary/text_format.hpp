@@ -29,4 +29,7 @@ std::string decimalText(std::int64_t number);
 /// exponent from 1e+16 upwards and below 0.0001.
 std::string decimalText(double number);
 
+/// The same, but a whole number without its decimal place.
+std::string plainText(double number);
+
 }  // namespace corvana

@@ -11,7 +11,6 @@
 #include <stdexcept>
 #include <string>
 
-#include "batch/audio_files.hpp"
 #include "cli/convert_command.hpp"
 #include "cli/verbs.hpp"
 #include "completions.hpp"
@@ -19,6 +18,7 @@
 #include "man_options.hpp"
 #include "platform/bundle_info.hpp"
 #include "versionfile_line.hpp"
+#include "vocabulary/file_names.hpp"
 
 namespace {
 

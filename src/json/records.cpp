@@ -1,12 +1,10 @@
-#include "cli/json_values.hpp"
+#include "json/records.hpp"
 
 #include <array>
 #include <cmath>
 #include <string_view>
 
 #include "inspect/note_name.hpp"
-#include "platform/error_names.hpp"
-#include "platform/standard_streams.hpp"
 #include "verify/difference_texts.hpp"
 #include "vocabulary/unicode.hpp"
 
@@ -185,7 +183,7 @@ Json fileObject(const std::string& input) {
 }
 
 void addPath(Json& object, const std::string& key, const std::string& path) {
-  object[key] = path;  // lineOf takes care of what is not UTF-8
+  object[key] = path;  // textOf takes care of what is not UTF-8
   if (!isUtf8(path)) object[key + "Bytes"] = hexDigits(path);
 }
 
@@ -203,38 +201,19 @@ Json jsonOf(const Warnings& warnings, const Language& language) {
 }
 
 Json jsonOf(const Failure& failure) {
-  Json object = {
-      {"code", failure.code}, {"values", listOf(failure.values)}, {"text", failure.text}};
-  if (failure.errorNumber != 0) {
-    object["errorName"] = errorName(failure.errorNumber);
-    object["errorNumber"] = failure.errorNumber;
-  }
-  return object;
+  return {{"code", failure.code}, {"values", listOf(failure.values)}, {"text", failure.text}};
 }
 
-Json jsonOf(const std::exception& error, const Language& language) {
-  return jsonOf(failureOf(error, language));
+const char* directionCode(bool toWAV) {
+  return toWAV ? "aiff-to-wav" : "wav-to-aiff";
 }
 
-Json jsonOf(const LogEntry& entry, const Language& language) {
-  Json object = fileObject(entry.input);
-  if (!entry.output.empty()) addPath(object, "output", entry.output);
-  if (entry.direction) object["direction"] = directionCode(*entry.direction);
-  if (entry.outcome == Outcome::converted) {
-    object["format"] = entry.direction == Direction::toWAV ? "wav" : "aiff";
-    addSummary(object, entry.summary);
-    object["frames"] = entry.frames;
-    object["bytes"] = entry.bytes;
-  }
-  if (entry.outcome == Outcome::skipped) object["skipped"] = true;
-  object["warnings"] = jsonOf(entry.warnings, language);
-  if (entry.outcome == Outcome::failed) object["error"] = jsonOf(entry.failure);
-  object["seconds"] = std::round(entry.seconds * 1e6) / 1e6;
-  return object;
-}
-
-const char* directionCode(Direction direction) {
-  return direction == Direction::toWAV ? "aiff-to-wav" : "wav-to-aiff";
+void addOutput(Json& object, bool isWAV, const Summary& summary, std::uint32_t frames,
+               std::uint64_t bytes) {
+  object["format"] = isWAV ? "wav" : "aiff";
+  addSummary(object, summary);
+  object["frames"] = frames;
+  object["bytes"] = bytes;
 }
 
 Json jsonOf(const Finding& finding, const Language& language) {
@@ -267,6 +246,18 @@ void addDescription(Json& object, const FileDescription& file, int middleC) {
   object["chunks"] = listOf(file.chunks.chunks);
 }
 
+void addProspect(Json& object, const Prospect& prospect, const Language& language) {
+  Json& conversion = object["conversion"];
+  if (const auto* error = std::get_if<ConversionError>(&prospect)) {
+    conversion["error"] = jsonOf(failureOf(*error, language));
+    return;
+  }
+  const auto& plan = std::get<ConversionPlan>(prospect);
+  conversion["direction"] = directionCode(plan.makesWAV());
+  conversion["summary"] = makeSummary(plan.summary, language);
+  conversion["warnings"] = jsonOf(plan.warnings, language);
+}
+
 void addDifferences(Json& object, const Differences& differences, const Language& language) {
   object["differenceCount"] = differences.count;
   Json& list = object["differences"] = Json::array();
@@ -287,9 +278,8 @@ void addDifferences(Json& object, const Differences& differences, const Language
   }
 }
 
-std::string lineOf(const Json& object) {
-  static const bool onTerminal = isTerminal(stdout);
-  return object.dump(-1, ' ', onTerminal, Json::error_handler_t::replace) + "\n";
+std::string textOf(const Json& object, bool asASCII) {
+  return object.dump(-1, ' ', asASCII, Json::error_handler_t::replace);
 }
 
 }  // namespace corvana

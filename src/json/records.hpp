@@ -1,17 +1,18 @@
-// The engine's records as JSON, in one vocabulary for every command.
+// The engine's records as JSON, in one vocabulary for every front end.
 #pragma once
 
-#include <exception>
+#include <cstdint>
 #include <nlohmann/json.hpp>
 #include <string>
 
-#include "batch/batch_driver.hpp"
 #include "check/findings.hpp"
+#include "convert/plan_conversion.hpp"
 #include "inspect/file_description.hpp"
 #include "verify/differences.hpp"
 #include "vocabulary/failure.hpp"
 #include "vocabulary/language.hpp"
 #include "vocabulary/messages.hpp"
+#include "vocabulary/warnings.hpp"
 
 namespace corvana {
 
@@ -30,17 +31,15 @@ void addPath(Json& object, const std::string& key, const std::string& path);
 Json jsonOf(const Warning& warning, const Language& language);
 Json jsonOf(const Warnings& warnings, const Language& language);
 
-/// {"code", "values", "text"}; and "errorName" ("ENOSPC"), "errorNumber" where the system had a
-/// part in it.
+/// {"code", "values", "text"}
 Json jsonOf(const Failure& failure);
-Json jsonOf(const std::exception& error, const Language& language);
-
-/// The object for a file of a conversion, whose figures are those of the output. The entry is not
-/// that of a batch without files.
-Json jsonOf(const LogEntry& entry, const Language& language);
 
 /// "wav-to-aiff" or "aiff-to-wav".
-const char* directionCode(Direction direction);
+const char* directionCode(bool toWAV);
+
+/// Adds the figures of an output: format, those of the summary, "frames", "bytes".
+void addOutput(Json& object, bool isWAV, const Summary& summary, std::uint32_t frames,
+               std::uint64_t bytes);
 
 /// {"code", "severity", "offset", "frame", "loop", "values", "text"}; places only where there are
 /// some.
@@ -49,12 +48,14 @@ Json jsonOf(const Finding& finding, const Language& language);
 /// Adds what the file holds.
 void addDescription(Json& object, const FileDescription& file, int middleC);
 
+/// Adds what a conversion of the file would say, as "conversion".
+void addProspect(Json& object, const Prospect& prospect, const Language& language);
+
 /// Adds "differenceCount" and "differences", those that are kept: {"code", "number", "frame",
 /// "channel", "chunk", "offset", "expected", "found", "text"}; without what a difference has not.
 void addDifferences(Json& object, const Differences& differences, const Language& language);
 
-/// One line for standard output, with its line feed. ASCII on a terminal, so that no name drives
-/// it. Never fails.
-std::string lineOf(const Json& object);
+/// On one line. Never fails: "\uFFFD" stands for what is not UTF-8.
+std::string textOf(const Json& object, bool asASCII = false);
 
 }  // namespace corvana

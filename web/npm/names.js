@@ -1,0 +1,75 @@
+// Names of inputs and outputs, and the lines of the log: the rules of the command line.
+
+import { anyEngine } from "./sampled_file.js";
+
+/** Whether a file of this name is one to convert. */
+export function hasAudioExtension(/** @type {string} */ name) {
+  const engine = anyEngine();
+  engine.putText(name);
+  return Boolean(engine.exports.hasAudioExtension());
+}
+
+/** Whether outputs are written into a folder of this name; a search does not look there. */
+export function isOutputFolder(/** @type {string} */ name) {
+  const engine = anyEngine();
+  engine.putText(name);
+  return Boolean(engine.exports.isOutputFolder());
+}
+
+/** The subfolder for outputs of a format: "AIFF" or "WAV". */
+export function outputSubfolder(/** @type {"aiff" | "wav"} */ format) {
+  const engine = anyEngine();
+  return engine.answer(() => engine.exports.outputSubfolder(Number(format === "wav")));
+}
+
+/**
+ * The name of an output without a number.
+ * @param {string} inputName
+ * @param {"aiff" | "wav"} format of the output
+ */
+export function outputName(inputName, format) {
+  return freeOutputName(inputName, format, () => true);
+}
+
+/**
+ * The first of "a.aif", "a (1).aif", "a (2).aif" … that `mayTake` agrees to.
+ * @param {string} inputName
+ * @param {"aiff" | "wav"} format of the output
+ * @param {(name: string) => boolean} mayTake
+ */
+export function freeOutputName(inputName, format, mayTake) {
+  const engine = anyEngine();
+  engine.mayTake = mayTake;
+  return engine.answer(
+    () => engine.exports.freeOutputName(Number(format === "wav")),
+    inputName,
+  );
+}
+
+/**
+ * What the log says of a converted file: one line, then one for each warning.
+ * @param {string} inputName
+ * @param {string} outputName
+ * @param {import("./records.js").Conversion} conversion
+ */
+export function convertedLines(inputName, outputName, { summary, warnings }) {
+  const engine = anyEngine();
+  const texts = [inputName, outputName, summary, ...warnings.map((warning) => warning.text)];
+  return engine.answer(engine.exports.convertedLines, ...texts).split("\n");
+}
+
+/** What it says of a file that could not be converted. */
+export function failureLine(/** @type {string} */ inputName, /** @type {string} */ reason) {
+  const engine = anyEngine();
+  return engine.answer(engine.exports.failureLine, inputName, reason);
+}
+
+/**
+ * Puts texts in place of "%@" (one after another) and "%1$@", "%2$@" … (by number).
+ * @param {string} format
+ * @param {string[]} texts
+ */
+export function fillText(format, texts) {
+  const engine = anyEngine();
+  return engine.answer(engine.exports.fillText, format, ...texts);
+}
