@@ -95,7 +95,10 @@ test("a large file is read and written in pieces, and can be given up", async ()
   const onProgress = (/** @type {number} */ fraction) => heard.push(fraction);
   const file = await corvana.open(new Blob([content]), { onProgress });
   assert.ok(heard.length > 5 && heard.at(-1) === 1, "progress");
-  assert.deepEqual(heard, [...heard].sort((a, b) => a - b));
+  assert.deepEqual(
+    heard,
+    [...heard].sort((a, b) => a - b),
+  );
   const { outputSize } = file.plan();
   const blocks = [...file.blocks()];
   assert.ok(blocks.every((block) => block.length <= 2 ** 20));
@@ -145,7 +148,10 @@ test("the package installs, runs and has types, and holds what it should", () =>
     }),
     packageFiles,
   );
-  fs.cpSync(path.join(commandLine.root, "web/tests/support/program.mts"), path.join(empty, "program.mts"));
+  fs.cpSync(
+    path.join(commandLine.root, "web/tests/support/program.mts"),
+    path.join(empty, "program.mts"),
+  );
   execFileSync(
     path.join(commandLine.root, "web/node_modules/.bin/tsc"),
     [
@@ -158,5 +164,8 @@ test("the package installs, runs and has types, and holds what it should", () =>
   const input = commandLine.filesIn(library).find((file) => file.includes("Bells")) ?? "";
   const said = execFileSync("node", ["program.mjs", input], { cwd: empty, encoding: "utf8" });
   const [line] = commandLine.records("de", "--dry-run", "--json", input);
-  assert.equal(said, line.warnings.map((/** @type {any} */ warning) => `${warning.text}\n`).join(""));
+  assert.equal(
+    said,
+    line.warnings.map((/** @type {any} */ warning) => `${warning.text}\n`).join(""),
+  );
 });

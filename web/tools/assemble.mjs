@@ -42,10 +42,23 @@ function run(tool, ...parameters) {
   return execFileSync(tool, parameters, { encoding: "utf8", stdio: ["ignore", "pipe", 2] });
 }
 
+/** The licences of what is linked into the module. */
+function notices() {
+  const parts = [
+    "/usr/share/doc/nlohmann-json3-dev/copyright",
+    "/usr/share/emscripten/system/lib/libc/musl/COPYRIGHT",
+  ];
+  const texts = parts
+    .filter((file) => fs.existsSync(file))
+    .map((file) => fs.readFileSync(file, "utf8"));
+  return `corvana.wasm contains JSON for Modern C++ and the C library musl.\n\n${texts.join("\n\n")}`;
+}
+
 function packageModules(/** @type {string} */ version) {
   const npm = newFolder("npm");
   copyFiles(path.join(web, "npm"), npm);
   fs.copyFileSync(path.join(root, "LICENSE"), path.join(npm, "LICENSE"));
+  fs.writeFileSync(path.join(npm, "NOTICES"), notices());
   const description = JSON.parse(fs.readFileSync(path.join(npm, "package.json"), "utf8"));
   const json = JSON.stringify({ ...description, version }, null, 2);
   fs.writeFileSync(path.join(npm, "package.json"), `${json}\n`);
@@ -59,18 +72,23 @@ function packageModules(/** @type {string} */ version) {
   return npm;
 }
 
-/** Declarations of the package and of what the page has from others, for TypeScript. */
+/** Declarations of the package's modules, and of what the page has from others. */
 function declare(/** @type {string} */ npm) {
   const types = newFolder("types");
-  const modules = filesIn(npm).filter((name) => name.endsWith(".js"));
+  const corvana = path.join(types, "corvana");
+  const files = filesIn(npm);
+  const isDeclared = (/** @type {string} */ name) => files.includes(name.replace(/js$/, "d.ts"));
   run(
     path.join(tools, "tsc"),
     ..."--ignoreConfig --allowJs --declaration --emitDeclarationOnly --skipLibCheck".split(" "),
     ..."--strict --target es2022 --module nodenext".split(" "),
-    ...["--rootDir", npm, "--outDir", path.join(types, "corvana")],
-    ...modules.map((name) => path.join(npm, name)),
+    ...["--rootDir", npm, "--outDir", corvana],
+    ...files
+      .filter((name) => name.endsWith(".js") && !isDeclared(name))
+      .map((name) => path.join(npm, name)),
   );
-  copyFiles(path.join(types, "corvana"), npm);
+  copyFiles(corvana, npm);
+  copyFiles(npm, corvana, (name) => name.endsWith(".d.ts"));
   const zip = path.join(web, "node_modules/client-zip/index.d.ts");
   fs.copyFileSync(zip, path.join(types, "client-zip.d.ts"));
 }
@@ -79,8 +97,12 @@ function assemblePage(/** @type {string} */ npm) {
   const page = newFolder("page");
   copyFiles(path.join(web, "page"), page);
   copyFiles(npm, path.join(page, "corvana"), (name) => name.endsWith(".js"));
-  const zip = path.join(web, "node_modules/client-zip/index.js");
-  fs.copyFileSync(zip, path.join(page, "client-zip.js"));
+  for (const name of ["LICENSE", "NOTICES"])
+    fs.copyFileSync(path.join(npm, name), path.join(page, "corvana", name));
+  const zip = path.join(web, "node_modules/client-zip");
+  const licence = fs.readFileSync(path.join(zip, "LICENSE.txt"), "utf8");
+  const code = fs.readFileSync(path.join(zip, "index.js"), "utf8");
+  fs.writeFileSync(path.join(page, "client-zip.js"), `/*!\n${licence}\n*/\n${code}`);
   fs.copyFileSync(path.join(root, "packaging/corvana.svg"), path.join(page, "icon.svg"));
   copyFiles(path.join(built, "icons"), page);
   return page;
@@ -96,3 +118,17 @@ function sizes(name, files) {
   const packed = `${sum((file) => gzipSync(file, { level: 9 }))} with gzip`;
   return `${name}: ${sum((file) => file)}, ${packed}, ${sum(brotliCompressSync)} with Brotli`;
 }
+
+const description = fs.readFileSync(path.join(built, "wasm/CMakeCache.txt"), "utf8");
+const version = /^CMAKE_PROJECT_VERSION:STATIC=(.*)$/m.exec(description)?.[1];
+if (!version) throw Error("CMake's cache has no version.");
+const npm = packageModules(version);
+declare(npm);
+const archive = path.join(built, `corvana-${version}.tgz`);
+run("npm", "pack", npm, "--silent", "--pack-destination", built);
+const page = assemblePage(npm);
+
+const pageFiles = filesIn(page).filter((name) => !/LICENSE|NOTICES/.test(name));
+const contents = pageFiles.map((name) => fs.readFileSync(path.join(page, name)));
+console.log(`${path.relative(root, archive)}: ${kilobytes(fs.statSync(archive).size)}`);
+console.log(sizes(`${path.relative(root, page)} (${pageFiles.length} files)`, contents));
