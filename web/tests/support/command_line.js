@@ -22,7 +22,14 @@ export const built = path.join(root, "build-web");
 /** @param {string} language @param {string[]} parameters @returns {string} */
 export function say(language, ...parameters) {
   const run = spawnSync(path.join(root, "build/corvana-cli"), parameters, {
-    env: { ...process.env, LC_ALL: "C.UTF-8", LANGUAGE: language, NO_COLOR: "1" },
+    // Of German also the point in 1.234.
+    env: {
+      ...process.env,
+      LOCPATH: path.join(built, "locales"),
+      LC_ALL: language === "de" ? "de_DE.UTF-8" : "C.UTF-8",
+      LANGUAGE: language,
+      NO_COLOR: "1",
+    },
     encoding: "utf8",
     maxBuffer: 2 ** 30,
   });
