@@ -122,7 +122,7 @@ ByteView OpenFile::nextBlock() {
 std::vector<std::string> takeTexts() {
   std::vector<std::string> texts(1);
   for (const char letter : std::exchange(text, {}))
-    if (letter == '\0')
+    if (letter == '\xFF')
       texts.emplace_back();
     else
       texts.back() += letter;

@@ -98,12 +98,18 @@ export class Engine {
     return decoder.decode(memory.subarray(at >>> 0, memory.indexOf(0, at >>> 0)));
   }
 
-  /** Puts down a text for the next call. */
-  putText(/** @type {string} */ text) {
-    const bytes = encoder.encode(text);
-    const at = this.exports.makeText(bytes.length);
+  /** Puts down texts for the next call, between them a byte that UTF-8 does not have. */
+  putText(/** @type {string[]} */ ...texts) {
+    const parts = texts.map((text) => encoder.encode(text));
+    const size = parts.reduce((sum, part) => sum + part.length, parts.length - 1);
+    const at = this.exports.makeText(size);
     if (at === 0) throw outOfMemory(this.language);
-    this.bytes(at, bytes.length).set(bytes);
+    const bytes = this.bytes(at, size).fill(0xff);
+    let position = 0;
+    for (const part of parts) {
+      bytes.set(part, position);
+      position += part.length + 1;
+    }
   }
 
   /** What the last call has put down. */
@@ -117,7 +123,7 @@ export class Engine {
    * @param {...string} texts
    */
   answer(call, ...texts) {
-    if (texts.length > 0) this.putText(texts.join("\0"));
+    if (texts.length > 0) this.putText(...texts);
     if (!call()) throw outOfMemory(this.language);
     return this.text();
   }
