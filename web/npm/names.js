@@ -40,10 +40,7 @@ export function outputName(inputName, format) {
 export function freeOutputName(inputName, format, mayTake) {
   const engine = anyEngine();
   engine.mayTake = mayTake;
-  return engine.answer(
-    () => engine.exports.freeOutputName(Number(format === "wav")),
-    inputName,
-  );
+  return engine.answer(() => engine.exports.freeOutputName(Number(format === "wav")), inputName);
 }
 
 /**
