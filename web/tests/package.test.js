@@ -118,7 +118,7 @@ test("a large file is read and written in pieces, and can be given up", async ()
   const heard = [];
   const onProgress = (/** @type {number} */ fraction) => heard.push(fraction);
   const file = await corvana.open(new Blob([content]), { onProgress });
-  assert.ok(heard.length > 5 && heard.at(-1) === 1, "progress");
+  assert.ok(heard.length >= 3 && heard.at(-1) === 1, "progress");
   assert.deepEqual(
     heard,
     [...heard].sort((a, b) => a - b),

@@ -77,7 +77,9 @@ function declare(/** @type {string} */ npm) {
   const types = newFolder("types");
   const corvana = path.join(types, "corvana");
   const files = filesIn(npm);
-  const isDeclared = (/** @type {string} */ name) => files.includes(name.replace(/js$/, "d.ts"));
+  /** Languages have one declaration for all. @param {string} name */
+  const isDeclared = (name) =>
+    name.startsWith("languages/") || files.includes(name.replace(/js$/, "d.ts"));
   run(
     path.join(tools, "tsc"),
     ..."--ignoreConfig --allowJs --declaration --emitDeclarationOnly --skipLibCheck".split(" "),
