@@ -8,11 +8,11 @@
 #include <algorithm>
 #include <cstdint>
 #include <cstdlib>
-#include <memory>
 #include <new>
 #include <optional>
 #include <string>
 #include <string_view>
+#include <unistd.h>
 #include <utility>
 #include <vector>
 
@@ -62,13 +62,26 @@ class HostLanguage : public Language {
 
 const HostLanguage language;
 
-struct Freeing {
-  void operator()(std::uint8_t* bytes) const { std::free(bytes); }
-};
+/// Bytes. The heap gives nothing of 2 GB and more. Larger files have memory that nobody can give
+/// back; JavaScript leaves such an instance to its collector.
+constexpr std::size_t mostOfHeap = 1 << 30;
+
+/// Memory that nothing fills with zeros first, null where there is none.
+std::uint8_t* makeRoom(std::size_t size) {
+  if (size <= mostOfHeap)
+    return static_cast<std::uint8_t*>(std::malloc(std::max<std::size_t>(size, 1)));
+  auto* const start = static_cast<std::uint8_t*>(::sbrk(0));
+  for (std::size_t made = 0; made < size;) {
+    const std::size_t step = std::min(mostOfHeap, size - made);
+    if (::sbrk(static_cast<std::intptr_t>(step)) != start + made) return nullptr;
+    made += step;
+  }
+  return start;
+}
 
 /// The file that is open.
 struct OpenFile {
-  std::unique_ptr<std::uint8_t, Freeing> memory;  ///< nothing fills it with zeros first
+  std::uint8_t* memory = nullptr;  ///< of the heap where `size` is at most mostOfHeap
   std::size_t size = 0;
   std::optional<FileDescription> description = {};
   std::optional<ConversionPlan> plan = {};
@@ -77,7 +90,7 @@ struct OpenFile {
   ByteBuffer block = {};
   ByteView current = {};  ///< what nextBlock has given
 
-  ByteView content() const { return {memory.get(), size}; }
+  ByteView content() const { return {memory, size}; }
   const FileDescription& describe() {
     if (!description) description = describeFile(content());
     return *description;
@@ -159,16 +172,17 @@ CORVANA_EXPORT(textSize) std::size_t textSize() {
 
 // The file.
 
-/// Makes room for a file in place of the present one, uninitialised; null without memory.
-CORVANA_EXPORT(reserve) std::uint8_t* reserve(std::size_t size) {
+CORVANA_EXPORT(release) void release() {
+  if (file.size <= mostOfHeap) std::free(file.memory);
   file = {};
-  file.memory.reset(static_cast<std::uint8_t*>(std::malloc(std::max<std::size_t>(size, 1))));
-  file.size = size;
-  return file.memory.get();
 }
 
-CORVANA_EXPORT(release) void release() {
-  file = {};
+/// Makes room for a file in place of the present one, uninitialised; null without memory.
+CORVANA_EXPORT(reserve) std::uint8_t* reserve(std::size_t size) {
+  release();
+  file.memory = makeRoom(size);
+  file.size = file.memory == nullptr ? 0 : size;
+  return file.memory;
 }
 
 /// What the file holds, as `corvana-cli info --json` writes it.
