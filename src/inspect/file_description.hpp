@@ -18,8 +18,8 @@ enum class SampleKind { unknown, integer, floatingPoint, aLaw, muLaw, compressed
 struct SoundFormat {
   SampleKind kind = SampleKind::unknown;  ///< what the bits of a sample mean
   std::uint16_t formatTag = 0;            ///< WAV: of the sub-format in the extensible form
-  std::string compressionType;            ///< AIFF-C: four characters
-  std::string compressionName;            ///< AIFF-C
+  std::string compressionType = {};       ///< AIFF-C: four characters
+  std::string compressionName = {};       ///< AIFF-C
   std::uint32_t channels = 0;             ///< samples in a frame
   std::uint32_t bits = 0;                 ///< that count, per sample
   double sampleRate = 0;                  ///< Hz
