@@ -74,7 +74,7 @@ export function makeLibrary(folder, count) {
   makeExamples(folder);
   const examples = filesIn(folder);
   const contents = examples.map((file) => fs.readFileSync(file));
-  const endings = [".wav", ".aif", ".aiff", ".WAVE", ".aifc", ".Aif", ".v2.wav"];
+  const endings = [".wav", ".aif", ".aiff", ".WAVE", ".aifc", ".AIFC", ".v2.wav"];
   const places = ["Kit", "Kit/Tiefe Töne", "Kit/高い 🎹", "a.wav"];
   let index = 0;
   for (const content of variants(contents, count)) {
