@@ -91,6 +91,11 @@ function declare(/** @type {string} */ npm) {
   );
   copyFiles(corvana, npm);
   copyFiles(npm, corvana, (name) => name.endsWith(".d.ts"));
+  for (const name of files.filter((name) => /^languages\/.*\.js$/.test(name)))
+    fs.copyFileSync(
+      path.join(npm, "languages/language.d.ts"),
+      path.join(corvana, name.replace(/js$/, "d.ts")),
+    );
   const zip = path.join(web, "node_modules/client-zip/index.d.ts");
   fs.copyFileSync(zip, path.join(types, "client-zip.d.ts"));
 }
@@ -107,7 +112,23 @@ function assemblePage(/** @type {string} */ npm) {
   fs.writeFileSync(path.join(page, "client-zip.js"), `/*!\n${licence}\n*/\n${code}`);
   fs.copyFileSync(path.join(root, "packaging/corvana.svg"), path.join(page, "icon.svg"));
   copyFiles(path.join(built, "icons"), page);
+  fillServiceWorker(page);
   return page;
+}
+
+/** The service worker keeps all files under a name that changes with any of them. @param {string} page */
+function fillServiceWorker(page) {
+  const file = path.join(page, "service-worker.js");
+  const code = fs.readFileSync(file, "utf8");
+  const hash = createHash("sha256").update(code);
+  const kept = filesIn(page).filter((name) => !/LICENSE|NOTICES|service-worker/.test(name));
+  for (const name of kept) hash.update(name).update(fs.readFileSync(path.join(page, name)));
+  const files = ["./", ...kept.filter((name) => name !== "index.html")];
+  const filled = code
+    .replace('"VERSION"', JSON.stringify(hash.digest("hex").slice(0, 16)))
+    .replace('["FILES"]', JSON.stringify(files));
+  if (!filled.includes("client-zip.js")) throw Error("The service worker has no list of files.");
+  fs.writeFileSync(file, filled);
 }
 
 /** @param {number} size in bytes */
