@@ -15,13 +15,14 @@ set(public_headers
   convert/sample_kernels.hpp
   inspect/chunk_list.hpp
   inspect/file_description.hpp
-  inspect/note_name.hpp
   vocabulary/bytes.hpp
   vocabulary/chunks.hpp
+  vocabulary/conversion_options.hpp
   vocabulary/errors.hpp
   vocabulary/failure.hpp
   vocabulary/language.hpp
   vocabulary/messages.hpp
+  vocabulary/note_name.hpp
   vocabulary/streams.hpp
   vocabulary/warnings.hpp
   wav/record_view.hpp

@@ -39,8 +39,8 @@ struct AiffInstrument {
   std::int8_t lowVelocity = 0;   ///< MIDI velocity, 1 to 127 in well-formed files
   std::int8_t highVelocity = 0;  ///< MIDI velocity
   std::int16_t gain = 0;         ///< dB
-  AiffLoop sustainLoop;          ///< played while the key is held
-  AiffLoop releaseLoop;          ///< played once it is released
+  AiffLoop sustainLoop = {};     ///< played while the key is held
+  AiffLoop releaseLoop = {};     ///< played once it is released
 };
 
 /// What the reader finds in an AIFF file.

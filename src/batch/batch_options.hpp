@@ -2,8 +2,10 @@
 #pragma once
 
 #include <filesystem>
+#include <optional>
 
 #include "platform/files.hpp"
+#include "vocabulary/conversion_options.hpp"
 
 namespace corvana {
 
@@ -36,6 +38,9 @@ struct BatchOptions {
   unsigned jobs = 1;
   /// Make nothing and touch nothing: the log tells what the run would do.
   bool dryRun = false;
+  ConversionOptions conversion = {};  ///< its root key does not count
+  /// The octave of note 60 in the names of files, where inputs without a key get theirs from these.
+  std::optional<int> rootKeysByMiddleC = {};
 
   /// What the batch does to those of the files that it reads.
   AccessTime accessTime() const { return preserveTimes ? AccessTime::stays : AccessTime::changes; }

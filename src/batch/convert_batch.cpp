@@ -23,6 +23,7 @@
 #include "verify/difference_texts.hpp"
 #include "vocabulary/errors.hpp"
 #include "vocabulary/file_names.hpp"
+#include "vocabulary/note_name.hpp"
 #include "vocabulary/text_format.hpp"
 
 namespace corvana {
@@ -133,8 +134,6 @@ class BatchConversion {
     std::unique_ptr<const InputFile> file = {};
     bool isAIFF = false;
     std::optional<ConversionPlan> plan = {};
-
-    ConversionPlan makePlan() const { return file->read(isAIFF ? planAIFFToWAV : planWAVToAIFF); }
   };
   /// What a thread keeps from one file to the next.
   struct Kept {
@@ -150,6 +149,8 @@ class BatchConversion {
   static const Folder& folderOf(const AudioFile& file, Kept& kept);
   std::unique_ptr<const InputFile> open(const AudioFile& file, const Folder& folder) const;
   Input openInput(const Current& current, Kept& kept);
+  ConversionOptions optionsFor(const AudioFile& file) const;
+  ConversionPlan planOf(const Input& input, const AudioFile& file) const;
   bool isSettled(Input& input, const Current& current, const Folder& folder);
   void endTurn(Current& current);
 
@@ -243,7 +244,7 @@ void BatchConversion::convert(InputFolder& folder, Input& input, Current& curren
     if (options.preserveTimes)
       output.times = current.file.earlierTimes ? *current.file.earlierTimes : file.times();
     if (options.dryRun) {
-      ConversionPlan plan = input.makePlan();
+      ConversionPlan plan = planOf(input, current.file);
       names_.outputs.rehearse(output, plan);
       return setConverted(current.entry, current.file, resultOf(std::move(plan), output));
     }
@@ -269,13 +270,26 @@ std::unique_ptr<const InputFile> BatchConversion::open(const AudioFile& file,
                                            names_.options.accessTime());
 }
 
+ConversionOptions BatchConversion::optionsFor(const AudioFile& file) const {
+  const BatchOptions& options = names_.options;
+  ConversionOptions conversion = options.conversion;
+  if (options.rootKeysByMiddleC)
+    conversion.rootKey = noteInFileName(file.name(), *options.rootKeysByMiddleC);
+  return conversion;
+}
+
+ConversionPlan BatchConversion::planOf(const Input& input, const AudioFile& file) const {
+  const auto plan = input.isAIFF ? planAIFFToWAV : planWAVToAIFF;
+  return input.file->read([&](ByteView content) { return plan(content, optionsFor(file)); });
+}
+
 /// Makes use of the time until the file's turn. What fails is tried again then.
 void BatchConversion::openEarly(const AudioFile& file, Kept& kept) {
   kept.early = {};
   try {
     Input input{open(file, folderOf(file, kept))};
     input.isAIFF = input.file->read(detectFormat);
-    if (!names_.options.skipExisting) input.plan = input.makePlan();
+    if (!names_.options.skipExisting) input.plan = planOf(input, file);
     kept.early = std::move(input);
   } catch (const std::exception&) {
     return;
@@ -336,14 +350,16 @@ void BatchConversion::convertInto(const OutputTarget& output, Input& input, Curr
                                            {std::generic_category().message(errorNumber)})});
   };
   auto* const convertFile = input.isAIFF ? convertAIFFToWAV : convertWAVToAIFF;
-  ConversionResult result =
-      convertFile(*input.file, output, progress, created, std::exchange(input.plan, std::nullopt));
+  ConversionResult result = convertFile(*input.file, output, optionsFor(current.file), progress,
+                                        created, std::exchange(input.plan, std::nullopt));
   reportTimes(result.timesError);
   if (options.verify) {
-    const OutputProof proof = verifyOutput(*input.file, output, [&](double) {
-      if (listener_.isStopped())
-        throw FileError(ECANCELED, localised("Stopped – '%1$@' is not verified."), output.url());
-    });
+    const OutputProof proof =
+        verifyOutput(*input.file, output, optionsFor(current.file), [&](double) {
+          if (listener_.isStopped())
+            throw FileError(ECANCELED, localised("Stopped – '%1$@' is not verified."),
+                            output.url());
+        });
     if (result.timesError == 0) reportTimes(proof.timesError);
     if (proof.differences.areThere())
       return setDifferent(current.entry, current.file, output, proof.differences);

@@ -171,6 +171,26 @@ ConvertLine::ConvertLine() : app(description, "corvana-cli") {
       ->type_name("N")
       ->group(what);
 
+  const std::string kept = "What outputs get";
+  const auto addLoopChoice = [&](const char* name, LoopChoice choice, const char* description) {
+    return app
+        .add_flag_callback(
+            name, [&batch, choice] { batch.conversion.loops = choice; }, description)
+        ->option_text(" ")
+        ->group(kept);
+  };
+  addLoopChoice("--no-loops", LoopChoice::none, "No loops, for devices that refuse them")
+      ->excludes(addLoopChoice("--first-loop-only", LoopChoice::first,
+                               "One loop at most, the first that can be used"));
+  CLI::Option* const fromName =
+      app.add_flag("--root-from-name", rootFromName,
+                   "Give files without a key the one in their name, with a warning")
+          ->group(kept);
+  addChoice<int>(app, "--middle-c", middleC, {{"C3", 3}, {"C4", 4}, {"C5", 5}},
+                 "What such names call note 60, C4 by default")
+      ->needs(fromName)
+      ->group(kept);
+
   const std::string said = "What is said";
   app.add_flag("--dry-run", batch.dryRun, "Only write the log of what would be done")->group(said);
   app.add_flag("--quiet", options.quiet, "Show neither status nor progress")->group(said);
@@ -181,6 +201,7 @@ ConvertLine::ConvertLine() : app(description, "corvana-cli") {
       ->group(said);
   app.add_option("PATH", paths, "Files and folders to convert")->type_name("")->option_text("...");
   app.callback([this, listOption] {
+    if (rootFromName) options.batch.rootKeysByMiddleC = middleC;
     if (paths.empty() && listOption->empty()) throw CLI::RequiredError("PATH or --files-from");
   });
 }

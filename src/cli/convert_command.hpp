@@ -20,6 +20,8 @@ struct ConvertLine {
   std::optional<std::string> list;  ///< file with further paths
   bool endWithNul = false;          ///< the paths of the list
   bool strict = false;
+  bool rootFromName = false;
+  int middleC = 4;  ///< octave of note 60 in names of files
 };
 
 /// Takes the arguments behind the program's name and gives the exit status.

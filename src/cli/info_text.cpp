@@ -8,8 +8,8 @@
 
 #include "cli/columns.hpp"
 #include "inspect/format_text.hpp"
-#include "inspect/note_name.hpp"
 #include "vocabulary/messages.hpp"
+#include "vocabulary/note_name.hpp"
 #include "vocabulary/screen_text.hpp"
 #include "vocabulary/text_format.hpp"
 

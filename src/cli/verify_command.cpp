@@ -103,7 +103,7 @@ Verdict verify(const VerifyLine& line) {
                       line.output);
     object["direction"] = directionCode(fromAIFF);
     const Differences differences =
-        verifyFiles(input.content(), output.content(), Producer::anyProgram, {});
+        verifyFiles(input.content(), output.content(), {Producer::anyProgram}, {});
     return verdictOf(differences, object, line.json);
   } catch (const ConversionError& error) {
     object["error"] = errorObject(error, systemLanguage());

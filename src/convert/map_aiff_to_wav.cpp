@@ -100,10 +100,15 @@ void mapInstrument(const AiffInstrument& instrument, WavMetadata& metadata, Warn
 
 }  // namespace
 
-WavMetadata mapLoopsAndMarkers(const AiffInfo& info, std::uint32_t framesUsed, Warnings& warnings) {
+WavMetadata mapLoopsAndMarkers(const AiffInfo& info, std::uint32_t framesUsed,
+                               const ConversionOptions& options, Warnings& warnings) {
   WavMetadata metadata;
   std::set<std::int16_t> usedMarkers;
+  const std::size_t mostLoops = options.loops == LoopChoice::all     ? 2
+                                : options.loops == LoopChoice::first ? 1
+                                                                     : 0;
   const auto addLoop = [&](const AiffLoop& loop, LoopRole role) {
+    if (metadata.loops.size() == mostLoops) return;
     std::optional<SampleLoop> mapped = mapLoop(loop, role, info.markers, framesUsed, warnings);
     if (!mapped) return;
     mapped->cueID = static_cast<std::uint32_t>(metadata.loops.size());
@@ -119,7 +124,16 @@ WavMetadata mapLoopsAndMarkers(const AiffInfo& info, std::uint32_t framesUsed, W
     const auto id = static_cast<std::uint32_t>(metadata.cuePoints.size() + 1);
     metadata.cuePoints.push_back({id, marker.position});
   }
-  if (info.instrument) mapInstrument(*info.instrument, metadata, warnings);
+  if (info.instrument) {
+    mapInstrument(*info.instrument, metadata, warnings);
+  } else if (options.rootKey) {
+    addWarning(warnings, WarningKind::rootFromName, {std::int64_t{*options.rootKey}});
+    mapInstrument({.baseNote = static_cast<std::int8_t>(*options.rootKey),
+                   .highNote = 127,
+                   .lowVelocity = 1,
+                   .highVelocity = 127},
+                  metadata, warnings);
+  }
   return metadata;
 }
 

@@ -42,8 +42,9 @@ std::int16_t playModeOf(const SampleLoop& loop, std::int64_t number, Warnings& w
   }
 }
 
-void mapLoops(const SampleLoopView& loops, std::uint32_t frameCount, AiffMetadata& metadata,
-              Warnings& warnings) {
+void mapLoops(const SampleLoopView& loops, std::uint32_t frameCount, LoopChoice choice,
+              AiffMetadata& metadata, Warnings& warnings) {
+  if (choice == LoopChoice::none) return;
   std::int64_t number = 0;
   for (const SampleLoop loop : loops) {
     ++number;
@@ -64,6 +65,7 @@ void mapLoops(const SampleLoopView& loops, std::uint32_t frameCount, AiffMetadat
     metadata.loops.push_back(mapped);
     if (loop.playCount != 0)
       addWarning(warnings, WarningKind::playCount, {number, std::int64_t{loop.playCount}});
+    if (choice == LoopChoice::first) break;
   }
   if (metadata.loops.size() > 2) addWarning(warnings, WarningKind::loopsBeyondTwo);
 }
@@ -121,11 +123,12 @@ std::int8_t velocityField(std::uint8_t velocity) {
   return static_cast<std::int8_t>(std::clamp<int>(velocity, 1, 127));
 }
 
+constexpr InstrumentChunk wholeRange{.highNote = 127, .lowVelocity = 1, .highVelocity = 127};
+
 std::optional<AiffInstrument> mapInstrument(const WavInfo& info,
                                             const std::vector<AiffLoop>& loops) {
   if (!info.loops && !info.instrument) return std::nullopt;
-  const InstrumentChunk wholeRange{.highNote = 127, .lowVelocity = 1, .highVelocity = 127};
-  const InstrumentChunk& chunk = info.instrument ? *info.instrument : wholeRange;
+  const InstrumentChunk chunk = info.instrument.value_or(wholeRange);
   const Tuning tuning = tuningOf(info);
 
   AiffInstrument instrument;
@@ -143,11 +146,20 @@ std::optional<AiffInstrument> mapInstrument(const WavInfo& info,
 
 }  // namespace
 
-AiffMetadata mapWavMetadata(const WavInfo& info, std::uint32_t frameCount, Warnings& warnings) {
+AiffMetadata mapWavMetadata(const WavInfo& info, std::uint32_t frameCount,
+                            const ConversionOptions& options, Warnings& warnings) {
   AiffMetadata metadata;
-  if (info.loops) mapLoops(*info.loops, frameCount, metadata, warnings);
+  if (info.loops) mapLoops(*info.loops, frameCount, options.loops, metadata, warnings);
   mapCuePoints(info.cuePoints, frameCount, metadata.markers);
-  metadata.instrument = mapInstrument(info, metadata.loops);
+  if (options.rootKey && !info.loops && !info.instrument) {
+    addWarning(warnings, WarningKind::rootFromName, {std::int64_t{*options.rootKey}});
+    WavInfo named = info;
+    named.instrument = wholeRange;
+    named.instrument->unshiftedNote = *options.rootKey;
+    metadata.instrument = mapInstrument(named, {});
+  } else {
+    metadata.instrument = mapInstrument(info, metadata.loops);
+  }
   return metadata;
 }
 

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "aiff/aiff_format.hpp"
+#include "vocabulary/conversion_options.hpp"
 #include "vocabulary/warnings.hpp"
 #include "wav/wav_format.hpp"
 
@@ -20,6 +21,7 @@ struct AiffMetadata {
 };
 
 /// `frameCount` is the number of whole frames. Appends a warning for whatever AIFF cannot hold.
-AiffMetadata mapWavMetadata(const WavInfo& info, std::uint32_t frameCount, Warnings& warnings);
+AiffMetadata mapWavMetadata(const WavInfo& info, std::uint32_t frameCount,
+                            const ConversionOptions& options, Warnings& warnings);
 
 }  // namespace corvana

@@ -45,7 +45,7 @@ Summary summarise(const WavContent& content) {
 
 }  // namespace
 
-ConversionPlan planAIFFToWAV(ByteView file) {
+ConversionPlan planAIFFToWAV(ByteView file, const ConversionOptions& options) {
   const AiffInfo info = parseAiff(file);
   const std::uint32_t width = bytesFor(info.sampleSize);
   ConversionPlan plan;
@@ -62,7 +62,7 @@ ConversionPlan planAIFFToWAV(ByteView file) {
                      .sampleSize = info.sampleSize,
                      .sampleRate = roundRate(info.sampleRate, plan.warnings),
                      .frameCount = plan.samples.frameCount};
-  content.metadata = mapLoopsAndMarkers(info, content.frameCount, plan.warnings);
+  content.metadata = mapLoopsAndMarkers(info, content.frameCount, options, plan.warnings);
   auto [header, trailer] = writeWav(content);
   plan.header = std::move(header);
   plan.trailer = std::move(trailer);

@@ -2,10 +2,11 @@
 #pragma once
 
 #include "convert/conversion_plan.hpp"
+#include "vocabulary/conversion_options.hpp"
 
 namespace corvana {
 
 /// `file` is the complete content of the input. Fails with a ConversionError.
-ConversionPlan planAIFFToWAV(ByteView file);
+ConversionPlan planAIFFToWAV(ByteView file, const ConversionOptions& options = {});
 
 }  // namespace corvana

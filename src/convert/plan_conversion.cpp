@@ -6,13 +6,13 @@
 
 namespace corvana {
 
-ConversionPlan planConversion(ByteView file) {
-  return detectFormat(file) ? planAIFFToWAV(file) : planWAVToAIFF(file);
+ConversionPlan planConversion(ByteView file, const ConversionOptions& options) {
+  return detectFormat(file) ? planAIFFToWAV(file, options) : planWAVToAIFF(file, options);
 }
 
-Prospect prospectOf(ByteView file) {
+Prospect prospectOf(ByteView file, const ConversionOptions& options) {
   try {
-    return planConversion(file);
+    return planConversion(file, options);
   } catch (const ConversionError& error) {
     return error;
   }

@@ -44,7 +44,7 @@ Summary summarise(const AiffContent& content, std::size_t loopCount) {
 
 }  // namespace
 
-ConversionPlan planWAVToAIFF(ByteView file) {
+ConversionPlan planWAVToAIFF(ByteView file, const ConversionOptions& options) {
   const WavInfo info = parseWav(file);
   // AIFF counts channels in a signed field.
   if (info.channels > std::numeric_limits<std::int16_t>::max())
@@ -52,7 +52,7 @@ ConversionPlan planWAVToAIFF(ByteView file) {
 
   ConversionPlan plan;
   plan.samples = findSamples(info, plan.warnings);
-  AiffMetadata metadata = mapWavMetadata(info, plan.samples.frameCount, plan.warnings);
+  AiffMetadata metadata = mapWavMetadata(info, plan.samples.frameCount, options, plan.warnings);
   AiffContent content{.channels = info.channels,
                       .sampleSize = static_cast<std::uint16_t>(info.bitsPerSample),
                       .sampleRate = info.sampleRate,

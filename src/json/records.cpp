@@ -4,8 +4,8 @@
 #include <cmath>
 #include <string_view>
 
-#include "inspect/note_name.hpp"
 #include "verify/difference_texts.hpp"
+#include "vocabulary/note_name.hpp"
 #include "vocabulary/unicode.hpp"
 
 namespace corvana {

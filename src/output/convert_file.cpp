@@ -53,17 +53,19 @@ ConversionResult resultOf(ConversionPlan plan, const OutputTarget& output) {
 }
 
 ConversionResult convertWAVToAIFF(const InputFile& input, const OutputTarget& output,
-                                  const ProgressHandler& progress, const CreationHandler& created,
+                                  const ConversionOptions& options, const ProgressHandler& progress,
+                                  const CreationHandler& created,
                                   std::optional<ConversionPlan> plan) {
-  return convertFile(plan ? std::move(*plan) : input.read(planWAVToAIFF), input, output, progress,
-                     created);
+  if (!plan) plan = input.read([&](ByteView file) { return planWAVToAIFF(file, options); });
+  return convertFile(std::move(*plan), input, output, progress, created);
 }
 
 ConversionResult convertAIFFToWAV(const InputFile& input, const OutputTarget& output,
-                                  const ProgressHandler& progress, const CreationHandler& created,
+                                  const ConversionOptions& options, const ProgressHandler& progress,
+                                  const CreationHandler& created,
                                   std::optional<ConversionPlan> plan) {
-  return convertFile(plan ? std::move(*plan) : input.read(planAIFFToWAV), input, output, progress,
-                     created);
+  if (!plan) plan = input.read([&](ByteView file) { return planAIFFToWAV(file, options); });
+  return convertFile(std::move(*plan), input, output, progress, created);
 }
 
 }  // namespace corvana

@@ -11,6 +11,7 @@
 #include "convert/conversion_plan.hpp"
 #include "output/output_file.hpp"
 #include "platform/files.hpp"
+#include "vocabulary/conversion_options.hpp"
 #include "vocabulary/messages.hpp"
 #include "vocabulary/streams.hpp"
 #include "vocabulary/warnings.hpp"
@@ -38,12 +39,15 @@ using CreationHandler = std::function<void(const OutputFile& file)>;
 
 /// Fail with a ConversionError, or with a FileError from the file system. Nothing is written or
 /// removed before the whole input but its samples has been read and found convertible; `plan` is
-/// what has come of that (planWAVToAIFF, planAIFFToWAV) where it is done already.
+/// what has come of that (planWAVToAIFF, planAIFFToWAV) with the same options where it is done
+/// already.
 ConversionResult convertWAVToAIFF(const InputFile& input, const OutputTarget& output,
-                                  const ProgressHandler& progress, const CreationHandler& created,
+                                  const ConversionOptions& options, const ProgressHandler& progress,
+                                  const CreationHandler& created,
                                   std::optional<ConversionPlan> plan = std::nullopt);
 ConversionResult convertAIFFToWAV(const InputFile& input, const OutputTarget& output,
-                                  const ProgressHandler& progress, const CreationHandler& created,
+                                  const ConversionOptions& options, const ProgressHandler& progress,
+                                  const CreationHandler& created,
                                   std::optional<ConversionPlan> plan = std::nullopt);
 
 }  // namespace corvana

@@ -8,7 +8,7 @@
 namespace corvana {
 
 OutputProof verifyOutput(const InputFile& input, const OutputTarget& output,
-                         const ProgressHandler& progress) {
+                         const ConversionOptions& options, const ProgressHandler& progress) {
   std::optional<Folder> made;
   try {
     for (const std::filesystem::path& name : output.missingFolders)
@@ -17,12 +17,12 @@ OutputProof verifyOutput(const InputFile& input, const OutputTarget& output,
     failReading(error.code().value(), output.url());
   }
   const InputFile file(made ? *made : output.folder, output.name, output.url());
-  OutputProof proof{verifyFiles(input, file, Producer::thisProgram, progress)};
+  OutputProof proof{verifyFiles(input, file, {.options = options}, progress)};
   if (output.times) proof.timesError = file.setTimes(*output.times);
   return proof;
 }
 
-Differences verifyFiles(const InputFile& input, const InputFile& output, Producer producer,
+Differences verifyFiles(const InputFile& input, const InputFile& output, const ProofTerms& terms,
                         const ProgressHandler& progress) {
   std::uint64_t inputGivenBack = 0;
   std::uint64_t outputGivenBack = 0;
@@ -33,7 +33,7 @@ Differences verifyFiles(const InputFile& input, const InputFile& output, Produce
   };
   return input.read([&](ByteView inputBytes) {
     return output.read([&](ByteView outputBytes) {
-      return proveConversion(inputBytes, outputBytes, producer, onProgress);
+      return proveConversion(inputBytes, outputBytes, terms, onProgress);
     });
   });
 }

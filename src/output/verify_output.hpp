@@ -13,14 +13,14 @@ struct OutputProof {
 };
 
 /// What the finished file that a conversion of `input` wrote to `output` holds otherwise than
-/// promised. The times that it was given outlast the reading. Fails with a FileError. What
-/// `progress` throws ends the proof.
+/// promised with these options. The times that it was given outlast the reading. Fails with a
+/// FileError. What `progress` throws ends the proof.
 OutputProof verifyOutput(const InputFile& input, const OutputTarget& output,
-                         const ProgressHandler& progress);
+                         const ConversionOptions& options, const ProgressHandler& progress);
 
 /// The same for two files of whatever origin, both open. Fails with a FileError, or with a
 /// ConversionError where the input cannot be read.
-Differences verifyFiles(const InputFile& input, const InputFile& output, Producer producer,
+Differences verifyFiles(const InputFile& input, const InputFile& output, const ProofTerms& terms,
                         const ProgressHandler& progress);
 
 }  // namespace corvana

@@ -262,19 +262,19 @@ void compareChunks(const PromisedAiff& promised, ByteView output, Producer produ
 
 }  // namespace
 
-void compareOutput(const WavInfo& wav, ByteView input, ByteView output, Producer producer,
+void compareOutput(const WavInfo& wav, ByteView input, ByteView output, const ProofTerms& terms,
                    Differences& differences, const ProofHandler& progress) {
   // The highest rates of WAV are written, though an AIFF input must not have them.
   constexpr double rateLimit = 4'294'967'296.0;
   const AiffInfo aiff = parseAiff(output, rateLimit);
-  const PromisedAiff promised = promisedAiff(wav);
+  const PromisedAiff promised = promisedAiff(wav, terms.options);
   compareSound(wav, promised, aiff, output, differences);
   const MarkerPairs pairs = pairMarkers(promised, aiff);
   compareLoops(promised, aiff, pairs, differences);
   compareMarkers(promised, aiff, pairs, differences);
   compareInstrument(promised, aiff, differences);
-  compareChunks(promised, output, producer, differences);
-  compareUnreadFields(promised, aiff, output, producer, differences);
+  compareChunks(promised, output, terms.producer, differences);
+  compareUnreadFields(promised, aiff, output, terms.producer, differences);
 
   if (aiff.channels != wav.channels) return;
   const std::uint32_t width = bytesFor(aiff.sampleSize);

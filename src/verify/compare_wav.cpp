@@ -260,16 +260,16 @@ void compareChunks(const PromisedWav& promised, const WavInfo& wav, ByteView out
 
 }  // namespace
 
-void compareOutput(const AiffInfo& aiff, ByteView input, ByteView output, Producer producer,
+void compareOutput(const AiffInfo& aiff, ByteView input, ByteView output, const ProofTerms& terms,
                    Differences& differences, const ProofHandler& progress) {
   const WavInfo wav = parseWav(output);
-  const PromisedWav promised = promisedWav(aiff);
+  const PromisedWav promised = promisedWav(aiff, terms.options);
   compareSound(aiff, promised, wav, differences);
   compareLoops(promised, wav, output, differences);
   compareCuePoints(promised, wav, differences);
   compareInstrument(promised, wav, differences);
-  compareSampler(promised, wav, output, producer, differences);
-  compareChunks(promised, wav, output, producer, differences);
+  compareSampler(promised, wav, output, terms.producer, differences);
+  compareChunks(promised, wav, output, terms.producer, differences);
 
   if (wav.channels != aiff.channels) return;
   const SampleField from{input, aiff.soundOffset, promised.width,

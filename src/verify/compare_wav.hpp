@@ -8,7 +8,7 @@ namespace corvana {
 
 /// Adds what is different, the samples last. `aiff` is what `input` holds. Fails with a
 /// ConversionError where `output` cannot be read.
-void compareOutput(const AiffInfo& aiff, ByteView input, ByteView output, Producer producer,
+void compareOutput(const AiffInfo& aiff, ByteView input, ByteView output, const ProofTerms& terms,
                    Differences& differences, const ProofHandler& progress);
 
 }  // namespace corvana

@@ -10,7 +10,8 @@ constexpr std::int64_t lastNote = 127;
 
 /// Every loop that has a frame is two markers, from its first frame to behind its last one; the
 /// IDs count up from 1. Only the first two loops have a place in the instrument.
-void promiseLoops(const WavInfo& wav, PromisedAiff& aiff) {
+void promiseLoops(const WavInfo& wav, LoopChoice choice, PromisedAiff& aiff) {
+  if (choice == LoopChoice::none) return;
   std::int64_t number = 0;
   std::int16_t id = 1;
   for (const SampleLoop loop : wav.loops.value_or(SampleLoopView())) {
@@ -26,6 +27,7 @@ void promiseLoops(const WavInfo& wav, PromisedAiff& aiff) {
     // Only an alternating loop is not a forward loop in AIFF.
     const std::int16_t playMode = loop.type == 1 ? 2 : 1;
     if (aiff.loops.size() < 2) aiff.loops.push_back({number, playMode, index, index + 1});
+    if (choice == LoopChoice::first) return;
   }
 }
 
@@ -56,9 +58,10 @@ void promiseSamplerTuning(const WavInfo& wav, std::int64_t& note, std::int64_t& 
   }
 }
 
-void promiseInstrument(const WavInfo& wav, PromisedAiff& aiff) {
-  if (!wav.loops && !wav.instrument) return;
-  std::int64_t note = 0;
+void promiseInstrument(const WavInfo& wav, std::optional<std::uint8_t> rootKey,
+                       PromisedAiff& aiff) {
+  if (!wav.loops && !wav.instrument && !rootKey) return;
+  std::int64_t note = rootKey.value_or(0);
   std::int64_t detune = 0;
   if (wav.loops) promiseSamplerTuning(wav, note, detune);
   AiffInstrument promised;
@@ -87,13 +90,13 @@ void promiseInstrument(const WavInfo& wav, PromisedAiff& aiff) {
 
 }  // namespace
 
-PromisedAiff promisedAiff(const WavInfo& wav) {
+PromisedAiff promisedAiff(const WavInfo& wav, const ConversionOptions& options) {
   PromisedAiff aiff;
   aiff.width = bytesFor(wav.bitsPerSample);
   aiff.frames = wav.dataSize / (std::uint64_t{wav.channels} * wav.bytesPerSample);
-  promiseLoops(wav, aiff);
+  promiseLoops(wav, options.loops, aiff);
   promiseCuePoints(wav, aiff);
-  promiseInstrument(wav, aiff);
+  promiseInstrument(wav, options.rootKey, aiff);
   return aiff;
 }
 

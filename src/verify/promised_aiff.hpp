@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "aiff/aiff_format.hpp"
+#include "vocabulary/conversion_options.hpp"
 #include "wav/wav_format.hpp"
 
 namespace corvana {
@@ -36,6 +37,6 @@ struct PromisedAiff {
   std::optional<AiffInstrument> instrument;  ///< without its loops
 };
 
-PromisedAiff promisedAiff(const WavInfo& wav);
+PromisedAiff promisedAiff(const WavInfo& wav, const ConversionOptions& options);
 
 }  // namespace corvana

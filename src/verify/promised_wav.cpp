@@ -21,20 +21,21 @@ std::optional<SampleLoop> promisedLoop(const AiffLoop& loop, const Positions& po
   return SampleLoop{.type = type, .start = begin->second, .end = end->second - 1, .playCount = 0};
 }
 
-void promisePoints(const AiffInfo& aiff, PromisedWav& wav) {
+void promisePoints(const AiffInfo& aiff, LoopChoice choice, PromisedWav& wav) {
   const auto frames = static_cast<std::uint32_t>(wav.frames);
   Positions positions;
   for (const AiffMarker& marker : aiff.markers)
     positions[marker.id] = std::min(marker.position, frames);
 
   std::set<std::int16_t> used;
-  if (aiff.instrument)
+  if (aiff.instrument && choice != LoopChoice::none)
     for (const AiffLoop& loop : {aiff.instrument->sustainLoop, aiff.instrument->releaseLoop})
       if (auto promised = promisedLoop(loop, positions)) {
         promised->cueID = static_cast<std::uint32_t>(wav.loops.size());
         wav.loops.push_back(*promised);
         used.insert(loop.beginMarker);
         used.insert(loop.endMarker);
+        if (choice == LoopChoice::first) break;
       }
   std::uint32_t id = 1;
   for (const AiffMarker& marker : aiff.markers)
@@ -75,14 +76,17 @@ void promiseInstrument(const AiffInstrument& inst, PromisedWav& wav) {
 
 }  // namespace
 
-PromisedWav promisedWav(const AiffInfo& aiff) {
+PromisedWav promisedWav(const AiffInfo& aiff, const ConversionOptions& options) {
   PromisedWav wav;
   wav.width = bytesFor(aiff.sampleSize);
   const std::uint64_t there = aiff.soundSize / (std::uint64_t{aiff.channels} * wav.width);
   wav.frames = std::min<std::uint64_t>(aiff.frameCount, there);
   wav.sampleRate = static_cast<std::uint32_t>(std::floor(aiff.sampleRate + 0.5));
-  promisePoints(aiff, wav);
-  if (aiff.instrument) promiseInstrument(*aiff.instrument, wav);
+  promisePoints(aiff, options.loops, wav);
+  AiffInstrument named{.highNote = 127, .lowVelocity = 1, .highVelocity = 127};
+  named.baseNote = static_cast<std::int8_t>(options.rootKey.value_or(0));
+  if (aiff.instrument || options.rootKey)
+    promiseInstrument(aiff.instrument ? *aiff.instrument : named, wav);
   return wav;
 }
 

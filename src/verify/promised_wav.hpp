@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "aiff/aiff_format.hpp"
+#include "vocabulary/conversion_options.hpp"
 #include "wav/wav_format.hpp"
 
 namespace corvana {
@@ -21,6 +22,6 @@ struct PromisedWav {
   std::uint32_t pitchFraction = 0;
 };
 
-PromisedWav promisedWav(const AiffInfo& aiff);
+PromisedWav promisedWav(const AiffInfo& aiff, const ConversionOptions& options);
 
 }  // namespace corvana

@@ -9,11 +9,11 @@ namespace corvana {
 namespace {
 
 template <typename Info>
-Differences prove(const Info& info, ByteView input, ByteView output, Producer producer,
+Differences prove(const Info& info, ByteView input, ByteView output, const ProofTerms& terms,
                   const ProofHandler& progress) {
   Differences differences;
   try {
-    compareOutput(info, input, output, producer, differences, progress);
+    compareOutput(info, input, output, terms, differences, progress);
   } catch (const ConversionError& error) {
     differences.add({.kind = DifferenceKind::unreadable, .reason = error});
   }
@@ -22,11 +22,11 @@ Differences prove(const Info& info, ByteView input, ByteView output, Producer pr
 
 }  // namespace
 
-Differences proveConversion(ByteView input, ByteView output, Producer producer,
+Differences proveConversion(ByteView input, ByteView output, const ProofTerms& terms,
                             const ProofHandler& progress) {
   const bool isAIFF = Fields(input, ByteOrder::big).id(0) == "FORM";
-  return isAIFF ? prove(parseAiff(input), input, output, producer, progress)
-                : prove(parseWav(input), input, output, producer, progress);
+  return isAIFF ? prove(parseAiff(input), input, output, terms, progress)
+                : prove(parseWav(input), input, output, terms, progress);
 }
 
 }  // namespace corvana

@@ -5,6 +5,7 @@
 #include "verify/differences.hpp"
 #include "verify/sample_proof.hpp"
 #include "vocabulary/bytes.hpp"
+#include "vocabulary/conversion_options.hpp"
 
 namespace corvana {
 
@@ -12,11 +13,17 @@ namespace corvana {
 /// fill fields that nobody reads, as long as nothing contradicts anything else.
 enum class Producer { thisProgram, anyProgram };
 
+/// What an output is judged by.
+struct ProofTerms {
+  Producer producer = Producer::thisProgram;
+  ConversionOptions options = {};  ///< of the conversion
+};
+
 /// Everything that is not as promised, the samples last. Input and output are whole files, one WAV
 /// and one AIFF or AIFF-C; an output that is not of the input's other format is a difference.
 /// Fails with a ConversionError where the input cannot be read. `progress` is called as in a
 /// conversion, but not with 1.0.
-Differences proveConversion(ByteView input, ByteView output, Producer producer,
+Differences proveConversion(ByteView input, ByteView output, const ProofTerms& terms,
                             const ProofHandler& progress);
 
 }  // namespace corvana

@@ -46,6 +46,8 @@ MessageForm formOf(WarningKind kind) {
     case WarningKind::clampedGain:
       return {"gain-clamped",
               translatable("A gain of %@ dB does not fit into the WAV inst chunk – clamped.")};
+    case WarningKind::rootFromName:
+      return {"root-from-name", translatable("Root key %@ is taken from the file's name.")};
     case WarningKind::moreWarnings:
       return {"more-warnings", ""};  // warningText
   }

@@ -34,6 +34,7 @@ enum class WarningKind {
   invalidLoopRole,  ///< loop role, position of its begin marker, of its end marker
   clampedGain,      ///< the gain in the AIFF file, in dB
   // Both.
+  rootFromName,  ///< the MIDI note
   moreWarnings,  ///< how many there were beyond maxWarnings
 };
 

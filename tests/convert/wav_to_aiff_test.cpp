@@ -120,7 +120,7 @@ TEST(WavToAiff, ReadsAllRecordsUpToTheLastMarkerID) {
   const ByteBuffer file = join({wav({fmtChunk, dataChunk, cue(points)}), smpl(60, 0, loops)});
   WavInfo info = parseWav(file);
   Warnings warnings;
-  const AiffMetadata metadata = mapWavMetadata(info, 50'000, warnings);
+  const AiffMetadata metadata = mapWavMetadata(info, 50'000, {}, warnings);
   EXPECT_EQ(metadata.loops.size(), 16382U) << "IDs 1 to 32764";
   ASSERT_EQ(metadata.markers.size(), 32766U) << "two cue points still fit";
   EXPECT_EQ(metadata.markers.back().id, 32766);
@@ -129,7 +129,7 @@ TEST(WavToAiff, ReadsAllRecordsUpToTheLastMarkerID) {
       << "one for all loops, none for those that are not reached";
 
   info.loops.reset();
-  EXPECT_EQ(mapWavMetadata(info, 50'000, warnings).markers.back().name, "Cue 7235");
+  EXPECT_EQ(mapWavMetadata(info, 50'000, {}, warnings).markers.back().name, "Cue 7235");
 }
 
 TEST(WavToAiff, DerivesTheInstrument) {

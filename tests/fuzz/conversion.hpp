@@ -10,10 +10,12 @@
 namespace corvana::fuzz {
 
 /// The output; absent when the input cannot be converted. Progress only rises, and to 1.
-inline std::optional<ByteBuffer> convert(ConversionPlan (*planner)(ByteView), ByteView content) {
+inline std::optional<ByteBuffer> convert(ConversionPlan (*planner)(ByteView,
+                                                                   const ConversionOptions&),
+                                         ByteView content) {
   ConversionPlan plan;
   try {
-    plan = planner(content);
+    plan = planner(content, {});
   } catch (const ConversionError& error) {
     assert(!errorDescription(error, Language()).empty());
     return std::nullopt;

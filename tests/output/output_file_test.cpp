@@ -76,7 +76,7 @@ TEST(ConvertFile, RefusesMoreSoundThanAnAiffFileHolds) {
   const auto planFrames = [&](std::uint64_t frames) {
     fs::resize_file(big, 44 + frames);
     const InputFile input = openFile(big);
-    return input.read(planWAVToAIFF).samples.frameCount;
+    return input.read([](ByteView file) { return planWAVToAIFF(file); }).samples.frameCount;
   };
   constexpr std::uint64_t maxFrames = 4294966270 - 8;
   EXPECT_EQ(errorOf([&] { planFrames(maxFrames + 1); }), "The file is too large (max. 4 GB).");

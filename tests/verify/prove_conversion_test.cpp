@@ -30,7 +30,7 @@ const ByteBuffer aiffInput =
 std::string proved(const ByteBuffer& input, const ByteBuffer& output,
                    Producer producer = Producer::anyProgram) {
   std::string found;
-  for (const Difference& d : proveConversion(input, output, producer, {}).kept) {
+  for (const Difference& d : proveConversion(input, output, {producer}, {}).kept) {
     found += (found.empty() ? "" : "; ") + std::string(differenceCode(d));
     for (const auto& place : {d.number, d.frame, d.channel})
       if (place) found += line(" ", *place);
@@ -230,7 +230,8 @@ TEST(Proof, KeepsAThousandDifferencesAndCountsTheRest) {
   const ByteBuffer other = data(ByteBuffer(6000, 0x7F));
   const auto count = [&](const ByteBuffer& chunk) {
     const ByteBuffer format = patched(fmt({1, 1, 44100, 1, 8}), 16, le(44100, 4));
-    const Differences all = proveConversion(file, wav({format, chunk}), Producer::thisProgram, {});
+    const Differences all =
+        proveConversion(file, wav({format, chunk}), {Producer::thisProgram}, {});
     return line(all.kept.size(), " of ", all.count);
   };
   EXPECT_EQ(count(same), "0 of 0");

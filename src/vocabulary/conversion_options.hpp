@@ -1,0 +1,25 @@
+// What a conversion does beyond the ordinary rules.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+
+namespace corvana {
+
+/// Which loops of the input an output gets.
+enum class LoopChoice {
+  all,    ///< as many as its format holds
+  first,  ///< the first one that can be used; of an AIFF file the sustain loop, else the release
+          ///< loop
+  none,
+};
+
+/// As it is made: the ordinary rules.
+struct ConversionOptions {
+  LoopChoice loops = LoopChoice::all;  ///< of the input, that the output gets
+  /// MIDI note, 0 to 127, for an input that has no key of its own: neither smpl nor inst chunk, no
+  /// INST chunk.
+  std::optional<std::uint8_t> rootKey = std::nullopt;
+};
+
+}  // namespace corvana
