@@ -182,6 +182,9 @@ ConvertLine::ConvertLine() : app(description, "corvana-cli") {
   addLoopChoice("--no-loops", LoopChoice::none, "No loops, for devices that refuse them")
       ->excludes(addLoopChoice("--first-loop-only", LoopChoice::first,
                                "One loop at most, the first that can be used"));
+  app.add_flag("--reversible", batch.conversion.reversible,
+               "Store what it takes to convert back to the last byte; and convert back so")
+      ->group(kept);
   CLI::Option* const fromName =
       app.add_flag("--root-from-name", rootFromName,
                    "Give files without a key the one in their name, with a warning")

@@ -6,6 +6,7 @@
 
 #include "aiff/aiff_reader.hpp"
 #include "convert/map_aiff_to_wav.hpp"
+#include "convert/reversible.hpp"
 #include "vocabulary/errors.hpp"
 
 namespace corvana {
@@ -46,9 +47,12 @@ Summary summarise(const WavContent& content) {
 }  // namespace
 
 ConversionPlan planAIFFToWAV(ByteView file, const ConversionOptions& options) {
+  ConversionPlan plan;
+  if (options.reversible)
+    if (auto restored = planRestoring(file, /*isWAV=*/false, plan.warnings))
+      return *std::move(restored);
   const AiffInfo info = parseAiff(file);
   const std::uint32_t width = bytesFor(info.sampleSize);
-  ConversionPlan plan;
   // Bits below the sample size are copied as they are: the samples stay left-justified.
   plan.samples = {.offset = info.soundOffset,
                   .channels = info.channels,
@@ -68,6 +72,12 @@ ConversionPlan planAIFFToWAV(ByteView file, const ConversionOptions& options) {
   plan.trailer = std::move(trailer);
   plan.summary = summarise(content);
   plan.content = std::move(content);
+  if (options.reversible) {
+    Summary original = plan.summary;
+    original.markerCount = static_cast<std::int64_t>(info.markers.size());
+    original.cuePointCount = 0;
+    makeReversible(plan, file, original);
+  }
   return plan;
 }
 

@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "convert/map_wav_to_aiff.hpp"
+#include "convert/reversible.hpp"
 #include "vocabulary/errors.hpp"
 #include "wav/wav_reader.hpp"
 
@@ -45,12 +46,15 @@ Summary summarise(const AiffContent& content, std::size_t loopCount) {
 }  // namespace
 
 ConversionPlan planWAVToAIFF(ByteView file, const ConversionOptions& options) {
+  ConversionPlan plan;
+  if (options.reversible)
+    if (auto restored = planRestoring(file, /*isWAV=*/true, plan.warnings))
+      return *std::move(restored);
   const WavInfo info = parseWav(file);
   // AIFF counts channels in a signed field.
   if (info.channels > std::numeric_limits<std::int16_t>::max())
     throw ConversionError::unsupported(UnsupportedKind::channels, {std::int64_t{info.channels}});
 
-  ConversionPlan plan;
   plan.samples = findSamples(info, plan.warnings);
   AiffMetadata metadata = mapWavMetadata(info, plan.samples.frameCount, options, plan.warnings);
   AiffContent content{.channels = info.channels,
@@ -64,6 +68,13 @@ ConversionPlan planWAVToAIFF(ByteView file, const ConversionOptions& options) {
   plan.trailer = std::move(trailer);
   plan.summary = summarise(content, metadata.loops.size());
   plan.content = std::move(content);
+  if (options.reversible) {
+    Summary original = plan.summary;
+    original.loopCount = static_cast<std::int64_t>(info.loops ? info.loops->size() : 0);
+    original.markerCount = 0;
+    original.cuePointCount = static_cast<std::int64_t>(info.cuePoints.size());
+    makeReversible(plan, file, original);
+  }
   return plan;
 }
 

@@ -20,6 +20,9 @@ struct ConversionOptions {
   /// MIDI note, 0 to 127, for an input that has no key of its own: neither smpl nor inst chunk, no
   /// INST chunk.
   std::optional<std::uint8_t> rootKey = std::nullopt;
+  /// The output carries what it takes to make the input of it again; an input that does so is made
+  /// again, unless it has been edited since.
+  bool reversible = false;
 };
 
 }  // namespace corvana

@@ -48,6 +48,9 @@ MessageForm formOf(WarningKind kind) {
               translatable("A gain of %@ dB does not fit into the WAV inst chunk – clamped.")};
     case WarningKind::rootFromName:
       return {"root-from-name", translatable("Root key %@ is taken from the file's name.")};
+    case WarningKind::editedSince:
+      return {"edited-since",
+              translatable("Edited since it was converted – converted by the ordinary rules.")};
     case WarningKind::moreWarnings:
       return {"more-warnings", ""};  // warningText
   }
@@ -149,6 +152,7 @@ std::string makeSummary(const Summary& summary, const Language& language) {
     add(language.localisedCount("%ld marker", "%ld markers", summary.markerCount));
   if (summary.cuePointCount >= 1)
     add(language.localisedCount("%ld cue point", "%ld cue points", summary.cuePointCount));
+  if (summary.isRestored) add(language.localised("restored to the last byte"));
   return line;
 }
 

@@ -25,6 +25,7 @@ struct Summary {
   std::int64_t loopCount = 0;      ///< that the output keeps, if only as markers
   std::int64_t markerCount = 0;    ///< AIFF: in the output
   std::int64_t cuePointCount = 0;  ///< WAV: in the output
+  bool isRestored = false;         ///< the output is what its input was made of, to the last byte
 };
 
 /// "16-bit, stereo, 44100 Hz, root key 60 (+12 ct), 2 loops, 4 markers". Counts of 0 are left out.

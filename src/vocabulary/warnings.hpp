@@ -35,6 +35,7 @@ enum class WarningKind {
   clampedGain,      ///< the gain in the AIFF file, in dB
   // Both.
   rootFromName,  ///< the MIDI note
+  editedSince,   ///< what was to be made again has other samples or sampler data, or is damaged
   moreWarnings,  ///< how many there were beyond maxWarnings
 };
 

@@ -1,0 +1,122 @@
+#include "convert/capsule.hpp"
+
+#include <string_view>
+
+#include "convert/crc64.hpp"
+#include "vocabulary/chunks.hpp"
+
+namespace corvana {
+namespace {
+
+constexpr std::uint32_t version = 1;
+constexpr std::string_view signature = "Crvn";  // of the program, in chunks for applications
+constexpr std::string_view wavChunk = "crvn";
+constexpr std::string_view aiffChunk = "APPL";
+constexpr std::int64_t noKey = -1;
+constexpr std::size_t headSize = 68;
+constexpr std::size_t sumSize = 8;
+constexpr ByteOrder order = ByteOrder::little;  // in both formats
+
+void appendNumber(ByteBuffer& bytes, std::int64_t number) {
+  appendInteger(bytes, static_cast<std::uint32_t>(number), order);
+}
+
+ByteBuffer headOf(const Capsule& capsule) {
+  ByteBuffer head;
+  appendInteger(head, version, order);
+  appendInteger(head, capsule.originalSum, order);
+  appendInteger(head, capsule.outputSum, order);
+  appendInteger(head, capsule.frameCount, order);
+  appendInteger(head, capsule.channels, order);
+  head.push_back(capsule.originalWidth);
+  head.push_back(capsule.outputWidth);
+  appendNumber(head, capsule.reverseBytes ? 1 : 0);
+  const Summary& summary = capsule.summary;
+  appendNumber(head, summary.bits);
+  appendNumber(head, summary.sampleRate);
+  appendNumber(head, summary.rootKey.value_or(noKey));
+  appendNumber(head, summary.fineTune);
+  appendNumber(head, summary.loopCount);
+  appendNumber(head, summary.markerCount);
+  appendNumber(head, summary.cuePointCount);
+  appendNumber(head, static_cast<std::int64_t>(capsule.prefix.size()));
+  appendNumber(head, static_cast<std::int64_t>(capsule.suffix.size()));
+  return head;
+}
+
+std::uint64_t sumOf(ByteView bytes) {
+  Crc64 sum;
+  sum.add(bytes);
+  return sum.value();
+}
+
+/// Signed where it was put down as such.
+std::int64_t signedNumber(const Fields& fields, std::size_t offset) {
+  return static_cast<std::int32_t>(fields.u32(offset));
+}
+
+std::optional<Capsule> read(ByteView body) {
+  if (body.size() < headSize + sumSize) return std::nullopt;
+  const ByteView summed = body.first(body.size() - sumSize);
+  const Fields fields(body, order);
+  if (fields.u32(0) != version || fields.u64(summed.size()) != sumOf(summed)) return std::nullopt;
+  Capsule capsule{.originalSum = fields.u64(4),
+                  .outputSum = fields.u64(12),
+                  .frameCount = fields.u32(20),
+                  .channels = fields.u16(24),
+                  .originalWidth = fields.u8(26),
+                  .outputWidth = fields.u8(27),
+                  .reverseBytes = fields.u32(28) != 0,
+                  .summary = {.bits = signedNumber(fields, 32),
+                              .channels = fields.u16(24),
+                              .sampleRate = fields.u32(36),
+                              .fineTune = signedNumber(fields, 44),
+                              .loopCount = fields.u32(48),
+                              .markerCount = fields.u32(52),
+                              .cuePointCount = fields.u32(56)}};
+  if (const std::int64_t key = signedNumber(fields, 40); key != noKey)
+    capsule.summary.rootKey = key;
+  const std::uint64_t prefixSize = fields.u32(60);
+  const std::uint64_t suffixSize = fields.u32(64);
+  const ByteView rest = summed.subspan(headSize);
+  if (prefixSize + suffixSize > rest.size()) return std::nullopt;
+  capsule.prefix = rest.first(static_cast<std::size_t>(prefixSize));
+  capsule.suffix =
+      rest.subspan(static_cast<std::size_t>(prefixSize), static_cast<std::size_t>(suffixSize));
+  capsule.samples = rest.subspan(static_cast<std::size_t>(prefixSize + suffixSize));
+  const bool hasWidths = capsule.originalWidth >= 1 && capsule.originalWidth <= 4 &&
+                         capsule.outputWidth >= 1 && capsule.outputWidth <= capsule.originalWidth;
+  const std::uint64_t sampleBytes = std::uint64_t{capsule.frameCount} * capsule.channels *
+                                    (capsule.hasLostBits() ? capsule.originalWidth : 0);
+  if (capsule.channels == 0 || !hasWidths || capsule.samples.size() != sampleBytes)
+    return std::nullopt;
+  return capsule;
+}
+
+}  // namespace
+
+void appendCapsule(ByteBuffer& trailer, const Capsule& capsule, bool isWAV) {
+  ByteBuffer body;
+  if (!isWAV) appendFourCC(body, signature);
+  const std::size_t start = body.size();
+  appendBytes(body, headOf(capsule));
+  appendBytes(body, capsule.prefix);
+  appendBytes(body, capsule.suffix);
+  appendBytes(body, capsule.samples);
+  appendInteger(body, sumOf(ByteView(body).subspan(start)), order);
+  appendChunk(trailer, isWAV ? wavChunk : aiffChunk, body,
+              isWAV ? ByteOrder::little : ByteOrder::big);
+}
+
+std::optional<Capsule> findCapsule(ByteView file, bool isWAV, bool& isThere) {
+  std::optional<ByteView> found;
+  walkChunks(file, isWAV ? ByteOrder::little : ByteOrder::big, [&](const Chunk& chunk) {
+    if (isWAV && chunk.id == wavChunk) found = chunk.body;
+    if (!isWAV && chunk.id == aiffChunk && Fields(chunk.body, order).id(0) == signature)
+      found = chunk.body.subspan(signature.size());
+  });
+  isThere = found.has_value();
+  return found ? read(*found) : std::nullopt;
+}
+
+}  // namespace corvana

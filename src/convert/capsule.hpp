@@ -1,0 +1,41 @@
+// The chunk in which a file carries the file that it was made of: all bytes but the samples, which
+// the output holds anyway.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+
+#include "convert/conversion_plan.hpp"
+#include "vocabulary/bytes.hpp"
+#include "vocabulary/messages.hpp"
+
+namespace corvana {
+
+/// A file that can be put together again: prefix, samples, suffix.
+struct Capsule {
+  std::uint64_t originalSum = 0;  ///< Crc64 of the whole original
+  /// Crc64 of the output's bytes around its samples; of all of them where hasLostBits.
+  std::uint64_t outputSum = 0;
+  std::uint32_t frameCount = 0;  ///< between prefix and suffix
+  std::uint16_t channels = 0;
+  std::uint8_t originalWidth = 0;  ///< bytes of a sample in the original
+  std::uint8_t outputWidth = 0;    ///< bytes of a sample in the output
+  bool reverseBytes = false;       ///< SampleConversion::reverseBytes
+  Summary summary = {};            ///< what the original is
+  ByteView prefix = {};            ///< of the original, ahead of its samples
+  ByteView suffix = {};            ///< of the original, behind them
+  ByteView samples = {};           ///< of the original, where hasLostBits; else empty
+
+  /// Whether the samples of the output do not tell those of the original.
+  bool hasLostBits() const { return outputWidth != originalWidth; }
+};
+
+/// Appends the chunk to the output's trailer, which has an even end: "APPL" in an AIFF file, "crvn"
+/// in a WAV file.
+void appendCapsule(ByteBuffer& trailer, const Capsule& capsule, bool isWAV);
+
+/// What the last such chunk of a file says, referring to the file's bytes. Absent without one that
+/// is whole and contradicts itself nowhere. `isThere` tells whether there is one at all.
+std::optional<Capsule> findCapsule(ByteView file, bool isWAV, bool& isThere);
+
+}  // namespace corvana

@@ -1,0 +1,174 @@
+#include "convert/reversible.hpp"
+
+#include <cmath>
+#include <limits>
+#include <utility>
+
+#include "aiff/aiff_reader.hpp"
+#include "convert/capsule.hpp"
+#include "convert/carry_out.hpp"
+#include "convert/crc64.hpp"
+#include "vocabulary/chunks.hpp"
+#include "vocabulary/errors.hpp"
+#include "wav/wav_reader.hpp"
+
+namespace corvana {
+namespace {
+
+/// Takes nothing but the sum of an output.
+class SumSink : public ByteSink {
+ public:
+  void reserve(std::uint64_t) override {}
+  void append(ByteView bytes) override { sum.add(bytes); }
+
+  Crc64 sum;
+};
+
+std::uint64_t sumOfOutput(const ConversionPlan& plan, ByteView input) {
+  SumSink sink;
+  carryOut(plan, MemorySource(input), sink, {});
+  return sink.sum.value();
+}
+
+/// What another program may have changed: the samples, and the bytes that the writer makes of the
+/// records around them.
+struct Evidence {
+  SurroundingBytes around;
+  ByteView samples;
+  std::uint16_t channels = 0;
+  std::uint32_t width = 0;  ///< bytes of a sample
+};
+
+ByteView part(ByteView file, std::uint64_t offset, std::uint64_t size) {
+  return file.subspan(static_cast<std::size_t>(offset), static_cast<std::size_t>(size));
+}
+
+Evidence evidenceOf(ByteView file, const AiffInfo& info) {
+  AiffContent content{.channels = info.channels,
+                      .sampleSize = info.sampleSize,
+                      .sampleRate = static_cast<std::uint32_t>(std::lround(info.sampleRate)),
+                      .frameCount = info.frameCount,
+                      .markers = info.markers,
+                      .instrument = info.instrument};
+  return {writeAiff(content), part(file, info.soundOffset, info.soundSize), info.channels,
+          bytesFor(info.sampleSize)};
+}
+
+Evidence evidenceOf(ByteView file, const WavInfo& info) {
+  WavContent content{.channels = info.channels,
+                     .sampleSize = static_cast<std::uint16_t>(info.bitsPerSample),
+                     .sampleRate = info.sampleRate,
+                     .frameCount = static_cast<std::uint32_t>(
+                         info.dataSize / (std::uint64_t{info.channels} * info.bytesPerSample))};
+  WavMetadata& metadata = content.metadata;
+  for (const CuePoint point : info.cuePoints)
+    metadata.cuePoints.push_back(point);
+  metadata.instrument = info.instrument;
+  for (const SampleLoop loop : info.loops.value_or(SampleLoopView()))
+    metadata.loops.push_back(loop);
+  metadata.unityNote = info.midiUnityNote;
+  metadata.pitchFraction = info.midiPitchFraction;
+  return {writeWav(content), part(file, info.dataOffset, info.dataSize), info.channels,
+          info.bytesPerSample};
+}
+
+bool isAsWritten(const Evidence& found, const Capsule& capsule) {
+  if (found.channels != capsule.channels || found.width != capsule.outputWidth) return false;
+  if (found.samples.size() != std::uint64_t{capsule.frameCount} * found.channels * found.width)
+    return false;
+  Crc64 sum;
+  sum.add(found.around.header);
+  if (capsule.hasLostBits()) sum.add(found.samples);
+  sum.add(found.around.trailer);
+  return sum.value() == capsule.outputSum;
+}
+
+/// Of the samples in the output; of the capsule's where those have lost bits.
+SampleRun originalSamples(ByteView file, const Evidence& found, const Capsule& capsule) {
+  const ByteView samples = capsule.hasLostBits() ? capsule.samples : found.samples;
+  return {.offset = static_cast<std::uint64_t>(samples.data() - file.data()),
+          .frameCount = capsule.frameCount,
+          .channels = capsule.channels,
+          .conversion = {capsule.originalWidth, capsule.originalWidth,
+                         !capsule.hasLostBits() && capsule.reverseBytes}};
+}
+
+Evidence evidenceOf(ByteView file, bool isWAV) {
+  // The highest rates of WAV are written, though an AIFF input must not have them.
+  constexpr double rateLimit = 4'294'967'296.0;
+  return isWAV ? evidenceOf(file, parseWav(file)) : evidenceOf(file, parseAiff(file, rateLimit));
+}
+
+/// Absent where that is not what the file was made of.
+std::optional<ConversionPlan> planOf(const Capsule& capsule, ByteView file, bool isWAV) {
+  const Evidence found = evidenceOf(file, isWAV);
+  if (!isAsWritten(found, capsule)) return std::nullopt;
+  ConversionPlan plan;
+  if (isWAV)
+    plan.content = AiffContent();
+  else
+    plan.content = WavContent();
+  appendBytes(plan.header, capsule.prefix);
+  plan.samples = originalSamples(file, found, capsule);
+  appendBytes(plan.trailer, capsule.suffix);
+  plan.summary = capsule.summary;
+  plan.summary.isRestored = true;
+  if (sumOfOutput(plan, file) != capsule.originalSum) return std::nullopt;
+  return plan;
+}
+
+}  // namespace
+
+std::optional<ConversionPlan> planRestoring(ByteView file, bool isWAV, Warnings& warnings) {
+  bool isThere = false;
+  const std::optional<Capsule> capsule = findCapsule(file, isWAV, isThere);
+  if (!isThere) return std::nullopt;
+  std::optional<ConversionPlan> plan;
+  try {
+    if (capsule) plan = planOf(*capsule, file, isWAV);
+  } catch (const ConversionError&) {
+    plan.reset();
+  }
+  if (!plan) addWarning(warnings, WarningKind::editedSince);
+  return plan;
+}
+
+void makeReversible(ConversionPlan& plan, ByteView file, const Summary& original) {
+  const SampleRun& samples = plan.samples;
+  const std::uint64_t sampleBytes = samples.frameCount * samples.sourceFrameSize();
+  Capsule capsule{.frameCount = samples.frameCount,
+                  .channels = static_cast<std::uint16_t>(samples.channels),
+                  .originalWidth = static_cast<std::uint8_t>(samples.conversion.sourceWidth),
+                  .outputWidth = static_cast<std::uint8_t>(samples.conversion.outputWidth),
+                  .reverseBytes = samples.conversion.reverseBytes,
+                  .summary = original,
+                  .prefix = part(file, 0, samples.offset),
+                  .suffix = file.subspan(static_cast<std::size_t>(samples.offset + sampleBytes))};
+  Crc64 whole;
+  whole.add(file);
+  capsule.originalSum = whole.value();
+  if (capsule.hasLostBits()) {
+    capsule.samples = part(file, samples.offset, sampleBytes);
+    capsule.outputSum = sumOfOutput(plan, file);
+  } else {
+    Crc64 around;
+    around.add(plan.header);
+    around.add(plan.trailer);
+    capsule.outputSum = around.value();
+  }
+  const std::uint64_t withoutCapsule = plan.outputSize();
+  const std::uint64_t most = std::numeric_limits<std::uint32_t>::max();
+  const std::uint64_t payload =
+      capsule.prefix.size() + capsule.suffix.size() + capsule.samples.size();
+  constexpr std::uint64_t room = 1024;  // of what is around the payload
+  if (withoutCapsule + payload + room > most)
+    throw ConversionError(ConversionError::Case::tooLarge);
+  appendCapsule(plan.trailer, capsule, plan.makesWAV());
+  const auto size = static_cast<std::uint32_t>(plan.outputSize() - chunkHeaderSize);
+  ByteBuffer field;
+  appendInteger(field, size, plan.makesWAV() ? ByteOrder::little : ByteOrder::big);
+  for (std::size_t i = 0; i < field.size(); ++i)
+    plan.header.at(4 + i) = field[i];
+}
+
+}  // namespace corvana
