@@ -232,7 +232,7 @@ void compareUnreadFields(const PromisedAiff& promised, const AiffInfo& aiff, Byt
   }
 }
 
-void compareChunks(const PromisedAiff& promised, ByteView output, Producer producer,
+void compareChunks(const PromisedAiff& promised, ByteView output, const ProofTerms& terms,
                    Differences& differences) {
   const std::string_view formType = Fields(output, order).id(8);
   compareLayout(output, order, {"COMM", "MARK", "INST", "SSND", "FVER"}, differences);
@@ -248,7 +248,7 @@ void compareChunks(const PromisedAiff& promised, ByteView output, Producer produ
     if (chunk.body.size() != 4 || Fields(chunk.body, order).u32(0) != version)
       differences.add({.kind = Kind::formatVersion});
   }
-  if (producer == Producer::anyProgram) return;
+  if (terms.producer == Producer::anyProgram) return;
 
   if (formType != "AIFF")
     differences.add(
@@ -257,6 +257,7 @@ void compareChunks(const PromisedAiff& promised, ByteView output, Producer produ
   if (!promised.markers.empty()) chunks.emplace_back("MARK");
   if (promised.instrument) chunks.emplace_back("INST");
   chunks.emplace_back("SSND");
+  if (terms.options.reversible) chunks.emplace_back("APPL");
   compareChunkOrder(output, order, chunks, differences);
 }
 
@@ -273,7 +274,7 @@ void compareOutput(const WavInfo& wav, ByteView input, ByteView output, const Pr
   compareLoops(promised, aiff, pairs, differences);
   compareMarkers(promised, aiff, pairs, differences);
   compareInstrument(promised, aiff, differences);
-  compareChunks(promised, output, terms.producer, differences);
+  compareChunks(promised, output, terms, differences);
   compareUnreadFields(promised, aiff, output, terms.producer, differences);
 
   if (aiff.channels != wav.channels) return;

@@ -230,9 +230,9 @@ void compareUnreadFields(const Chunk& sampler, const Chunk& cue, Differences& di
 }
 
 void compareChunks(const PromisedWav& promised, const WavInfo& wav, ByteView output,
-                   Producer producer, Differences& differences) {
+                   const ProofTerms& terms, Differences& differences) {
   compareLayout(output, order, {"fmt ", "data", "cue ", "smpl", "inst"}, differences);
-  compareFormatChunk(wav, lastChunk(output, order, "fmt "), producer, differences);
+  compareFormatChunk(wav, lastChunk(output, order, "fmt "), terms.producer, differences);
   const Chunk sampler = lastChunk(output, order, "smpl");
   const Chunk cue = lastChunk(output, order, "cue ");
   if (!sampler.id.empty()) {
@@ -249,11 +249,12 @@ void compareChunks(const PromisedWav& promised, const WavInfo& wav, ByteView out
                      differences);
   if (const Chunk instrument = lastChunk(output, order, "inst"); !instrument.id.empty())
     compareChunkSize(instrument, wav_layout::instrumentSize, differences);
-  if (producer == Producer::anyProgram) return;
+  if (terms.producer == Producer::anyProgram) return;
 
   std::vector<std::string_view> chunks = {"fmt ", "data"};
   if (!promised.cuePoints.empty()) chunks.emplace_back("cue ");
   if (promised.instrument) chunks.insert(chunks.end(), {"smpl", "inst"});
+  if (terms.options.reversible) chunks.emplace_back("crvn");
   compareChunkOrder(output, order, chunks, differences);
   compareUnreadFields(sampler, cue, differences);
 }
@@ -269,7 +270,7 @@ void compareOutput(const AiffInfo& aiff, ByteView input, ByteView output, const 
   compareCuePoints(promised, wav, differences);
   compareInstrument(promised, wav, differences);
   compareSampler(promised, wav, output, terms.producer, differences);
-  compareChunks(promised, wav, output, terms.producer, differences);
+  compareChunks(promised, wav, output, terms, differences);
 
   if (wav.channels != aiff.channels) return;
   const SampleField from{input, aiff.soundOffset, promised.width,

@@ -123,6 +123,8 @@ MessageForm formOfLayout(DifferenceKind kind) {
       return {"padding-missing", translatable("Chunk '%@': the pad byte is missing.")};
     case DifferenceKind::padding:
       return {"padding", translatable("Chunk '%@': pad byte %@ instead of %@ (at byte %@).")};
+    case DifferenceKind::notRestored:
+      return {"not-restored", translatable("The original does not come back, from byte %@ on.")};
     default:
       return {"stray-bytes", translatable("%@ bytes belong to no chunk.")};
   }

@@ -68,6 +68,7 @@ enum class DifferenceKind {
   paddingMissing,
   padding,  ///< a pad byte that is not zero
   strayBytes,
+  notRestored,  ///< a reversible output that does not give its input back, or is no original
 };
 
 /// One difference. Numbers of loops, markers and cue points count from 1, frames from 0, channels
