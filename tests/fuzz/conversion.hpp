@@ -12,10 +12,10 @@ namespace corvana::fuzz {
 /// The output; absent when the input cannot be converted. Progress only rises, and to 1.
 inline std::optional<ByteBuffer> convert(ConversionPlan (*planner)(ByteView,
                                                                    const ConversionOptions&),
-                                         ByteView content) {
+                                         ByteView content, const ConversionOptions& options = {}) {
   ConversionPlan plan;
   try {
-    plan = planner(content, {});
+    plan = planner(content, options);
   } catch (const ConversionError& error) {
     assert(!errorDescription(error, Language()).empty());
     return std::nullopt;

@@ -4,6 +4,8 @@
 #include <fstream>
 #include <string>
 
+#include "convert/carry_out.hpp"
+#include "convert/plan_conversion.hpp"
 #include "support/audio_builder.hpp"
 
 namespace {
@@ -16,6 +18,11 @@ void write(const std::filesystem::path& folder, const ByteBuffer& content) {
   std::filesystem::create_directories(folder);
   std::ofstream file(folder / std::to_string(++number), std::ios::binary);
   std::copy(content.begin(), content.end(), std::ostreambuf_iterator<char>(file));
+}
+
+/// With a capsule in it, of the other format.
+ByteBuffer reversibly(const ByteBuffer& input) {
+  return carryOutInMemory(planConversion(input, {.reversible = true}), input);
 }
 
 }  // namespace
@@ -37,11 +44,15 @@ int main(int count, char** arguments) {
                                cue({{1, 0}, {2, 1}, {3, 6}}), test::data(samples)}));
   }
   write(folder / "wav", wav({fmt({}), test::data({}), smpl(127, 0xFFFFFFFF)}));
+  const ByteBuffer wide = fmt({0xFFFE, 1, 48000, 4, 32, 20});
+  write(folder / "aiff", reversibly(wav({fmt({}), sampler, test::data(samples)})));
+  write(folder / "aiff", reversibly(wav({wide, keys, test::data(samples)})));
 
   const ByteBuffer markers = mark({{1, 0, "start"}, {2, 4, "end"}, {3, 2, ""}, {-1, 9, "x"}});
   const ByteBuffer loops = inst(AiffInstrument{60, 10, 0, 127, 1, 127, 200, {1, 1, 2}, {2, 1, 3}});
   for (const int bits : {1, 8, 12, 24, 32})
     write(folder / "aiff", aiff({ssnd(samples), comm({1, 5, bits}), markers, loops}));
+  write(folder / "wav", reversibly(aiff({comm({1, 5, 16}), markers, ssnd(samples)})));
   for (const char* type : {"NONE", "twos", "in24", "in32", "sowt", "fl32"}) {
     const Common common{.channels = 2, .frames = 6, .bits = 20, .compression = type};
     write(folder / "aiff", aiff({comm(common), markers, loops, ssnd(samples, 2)}, "AIFC"));
