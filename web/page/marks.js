@@ -8,7 +8,8 @@ import { inLanes } from "./waveform.js";
 
 /** @param {Loop} loop */
 export function loopName(loop) {
-  if (loop.role) return localised(loop.role === "sustain" ? "Sustain loop" : "Release loop");
+  if (loop.role === "sustain") return localised("Sustain loop");
+  if (loop.role === "release") return localised("Release loop");
   return localised("Loop %@", [loop.number ?? ""]);
 }
 
