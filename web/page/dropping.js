@@ -43,9 +43,13 @@ export function takeFiles(take) {
       take((rules) => filesChosen(chosen, rules));
     });
   }
-  for (const button of document.querySelectorAll("[data-choose]"))
+  const choosesFolders = "webkitdirectory" in HTMLInputElement.prototype;
+  for (const button of document.querySelectorAll("[data-choose]")) {
+    if (button.getAttribute("data-choose") === "folder")
+      /** @type {HTMLElement} */ (button).hidden = !choosesFolders;
     button.addEventListener("click", () => {
       const kind = button.getAttribute("data-choose") === "files" ? "file" : "folder";
       byId(`${kind}-input`).click();
     });
+  }
 }
