@@ -244,7 +244,11 @@ for (const part of document.querySelectorAll("button[data-filter]"))
   part.addEventListener("click", () => choose(part.getAttribute("data-filter") ?? "all"));
 
 button("copy-log").addEventListener("click", async () => {
-  await navigator.clipboard.writeText(logText(session.rows));
+  try {
+    await navigator.clipboard.writeText(logText(session.rows));
+  } catch (error) {
+    return report(error);
+  }
   setText(button("copy-log"), localised("Copied"));
   announce(localised("Copied"));
   setTimeout(() => setText(button("copy-log"), localised("Copy Log")), 2000);
