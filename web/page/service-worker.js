@@ -1,0 +1,33 @@
+// Keeps the page in the browser. A new version is fetched as a whole, in the background, and takes
+// over at the next visit. These are the only requests there are.
+
+// The build puts both in place.
+const version = "VERSION";
+const files = ["FILES"];
+
+const cacheName = `corvana ${version}`;
+const scope = /** @type {any} */ (self);
+
+scope.addEventListener("install", (/** @type {any} */ event) => event.waitUntil(fetchAll()));
+scope.addEventListener("activate", (/** @type {any} */ event) => event.waitUntil(removeOld()));
+scope.addEventListener("fetch", (/** @type {any} */ event) => {
+  if (event.request.method === "GET") event.respondWith(answer(event.request));
+});
+
+async function fetchAll() {
+  const cache = await caches.open(cacheName);
+  await cache.addAll(files.map((file) => new Request(file, { cache: "no-cache" })));
+}
+
+async function removeOld() {
+  const names = await caches.keys();
+  const old = names.filter((name) => name.startsWith("corvana ") && name !== cacheName);
+  await Promise.all(old.map((name) => caches.delete(name)));
+}
+
+/** @param {Request} request */
+async function answer(request) {
+  const cache = await caches.open(cacheName);
+  const kept = await cache.match(request, { ignoreSearch: true });
+  return kept ?? fetch(request);
+}
