@@ -96,6 +96,7 @@ function declare(/** @type {string} */ npm) {
       path.join(npm, "languages/language.d.ts"),
       path.join(corvana, name.replace(/js$/, "d.ts")),
     );
+  fs.writeFileSync(path.join(types, "package.json"), '{ "type": "module" }\n');
   const zip = path.join(web, "node_modules/client-zip/index.d.ts");
   fs.copyFileSync(zip, path.join(types, "client-zip.d.ts"));
 }
