@@ -268,4 +268,6 @@ onLanguage(() => {
   showLabels();
   show();
 });
-workOffline();
+// Everything is loaded before files come: later, the list of requests stays empty.
+session.warmUp();
+helper.warmUp().then(workOffline, workOffline);

@@ -51,6 +51,11 @@ export class Queue {
     this.listener = listener;
   }
 
+  /** Starts the worker before there is anything to do. Nothing is loaded after that. */
+  warmUp() {
+    if (!this.#worker) this.#start();
+  }
+
   get isBusy() {
     return this.#taken.length + this.#waiting.length > 0;
   }
@@ -192,6 +197,12 @@ export class Helper {
       this.#asked.set(id, { resolve, reject, onProgress });
       worker.postMessage(orderOf(id));
     });
+  }
+
+  /** Starts the worker before there is anything to do. Nothing is loaded after that. */
+  async warmUp() {
+    this.#worker ??= this.#start();
+    await this.#ready;
   }
 
   #start() {
