@@ -7,7 +7,7 @@ import { extents, withoutOverlap, xOf } from "./waveform.js";
 /** @typedef {import("./waveform.js").View} View */
 /** @typedef {{ columns: Columns | null, view: View, loops: LoopMark[], markers: MarkerMark[] }} Picture */
 
-const names = ["wave", "axis", "loop-1", "loop-2", "loop-3", "marker", "surface", "text"];
+const names = ["wave", "axis", "loop-1", "loop-2", "loop-3", "marker", "raised", "text"];
 /** @type {Record<string, string> | null} */
 let colours = null;
 let font = "";
@@ -160,22 +160,31 @@ function drawBracket(context, { kind, lane }, { x, y, width }) {
   context.lineWidth = 1;
 }
 
-/** In each lane, as far as there is room. @param {CanvasRenderingContext2D} context
- * @param {LoopMark[]} loops @param {View} view @param {number} width of the picture */
+/**
+ * In each lane, as far as there is room: in full where it reaches to the next loop.
+ * @param {CanvasRenderingContext2D} context @param {LoopMark[]} loops @param {View} view
+ * @param {number} width of the picture
+ */
 function nameLoops(context, loops, view, width) {
-  context.fillStyle = palette().text;
+  const visible = loops
+    .filter(({ start, end }) => end > view.first && start < view.first + view.count)
+    .map((loop) => ({ ...loop, x: Math.max(xOf(loop.start, view, width), 0) + 2 }))
+    .sort((a, b) => a.x - b.x);
   for (let lane = 0; lane < mostLanes; ++lane) {
-    const labels = loops
-      .filter((loop) => loop.lane === lane)
-      .map(({ start, end, label }) => {
-        const wide = context.measureText(label).width;
-        const left = Math.max(xOf(start, view, width), 0);
-        return { label, width: wide, x: Math.min(left + 2, width - wide), start, end };
-      })
-      .filter(({ start, end }) => end > view.first && start < view.first + view.count)
-      .sort((a, b) => a.x - b.x);
-    for (const { label, x } of withoutOverlap(labels, 8))
-      context.fillText(label, x, (lane + 0.5) * laneHeight - 1);
+    const inLane = visible.filter((loop) => loop.lane === lane);
+    const labels = inLane.map(({ label, short, x }, at) => {
+      const room = (inLane[at + 1]?.x ?? Infinity) - x - 8;
+      const text = context.measureText(label).width <= room ? label : short;
+      const wide = context.measureText(text).width;
+      return { text, width: wide, x: Math.min(x, width - wide - 2) };
+    });
+    const y = (lane + 0.5) * laneHeight - 1;
+    for (const { text, x, width: wide } of withoutOverlap(labels, 8)) {
+      context.fillStyle = palette().raised;
+      context.fillRect(x - 1, y - 7, wide + 2, 14);
+      context.fillStyle = palette().text;
+      context.fillText(text, x, y);
+    }
   }
 }
 

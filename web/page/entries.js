@@ -11,6 +11,7 @@
 
 /** @typedef {{ path: string, reason: unknown }} LeftOut  reason: null where the extension is another */
 /** @typedef {{ files: FoundFile[], leftOut: LeftOut[] }} Found */
+/** @typedef {(rules: Rules) => Found | Promise<Found>} Search */
 
 /**
  * The rules of names, which are the engine's.
@@ -40,12 +41,11 @@ export const joined = (directory, name) => (directory ? `${directory}/${name}` :
 const isHidden = (name) => name.startsWith(".");
 
 /**
- * The files of a drop. Must be called during its event; the rest happens later.
+ * What is in a drop. Must be called during its event; the search comes later.
  * @param {DataTransfer} transfer
- * @param {Rules} rules
- * @returns {Promise<Found>}
+ * @returns {Search}
  */
-export function filesOfDrop(transfer, rules) {
+export function filesOfDrop(transfer) {
   /** @type {(FileSystemEntry | File)[]} */
   const dropped = [];
   for (const item of transfer.items) {
@@ -53,7 +53,7 @@ export function filesOfDrop(transfer, rules) {
     const entry = item.webkitGetAsEntry?.() ?? item.getAsFile();
     if (entry) dropped.push(entry);
   }
-  return search(dropped, rules);
+  return (rules) => search(dropped, rules);
 }
 
 /** @param {(FileSystemEntry | File)[]} dropped @param {Rules} rules */

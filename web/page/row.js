@@ -168,7 +168,7 @@ export class RowView {
       save.append(icon("save"), localised("Save"));
       parts.push(save);
     } else if (output) {
-      parts.push(element("span", { class: "written" }, localised("In the folder")));
+      parts.push(element("span", { class: "written" }, localised("Written")));
     }
     this.#actions.replaceChildren(...parts);
   }
