@@ -49,11 +49,16 @@ async function visit(options, prepare) {
 /** @param {Page} page @param {string} name */
 const button = (page, name) => page.getByRole("button", { name, exact: true });
 
+/** Asks the page so that it costs it nothing, however long its list is. @param {Page} page */
+function ended(page) {
+  const announcement = page.locator("[role=status]", { hasText: /^(Done|Fertig)/ });
+  return announcement.waitFor({ state: "attached", timeout: 120_000 });
+}
+
 /** The texts of all files once each of them has come to its end. @param {Page} page @param {number} count */
 async function rows(page, count) {
   const list = page.getByRole("region", { name: /^(Files|Dateien)$/ }).getByRole("listitem");
-  const end = page.getByRole("status").filter({ hasText: /^(Done|Fertig)/ });
-  await end.waitFor({ timeout: 120_000 });
+  await ended(page);
   await list.nth(count - 1).waitFor();
   await list
     .filter({ hasText: /Waiting|Converting|Wartet|Wird/ })
@@ -73,26 +78,28 @@ function tree(place) {
   );
 }
 
-/** What the command line adds to a folder. @param {string} place @param {string[]} options */
-function addedByCommandLine(place, ...options) {
+/** What the command line adds to a folder. @param {string} place @param {string[][]} runs options of each */
+function addedByCommandLine(place, ...runs) {
   const copy = fs.mkdtempSync(path.join(folder, "copy-"));
   fs.cpSync(place, path.join(copy, path.basename(place)), { recursive: true });
   const before = new Set(commandLine.filesIn(copy));
-  const log = commandLine.say("en", ...options, path.join(copy, path.basename(place)));
+  const logs = runs.map((options) => {
+    return commandLine.say("en", ...options, path.join(copy, path.basename(place)));
+  });
   for (const file of before) fs.rmSync(file);
-  return { log, files: tree(copy) };
+  return { logs, files: tree(copy) };
 }
 
 test("a dropped folder: its log, its rows, its ZIP", async () => {
   const page = await visit({ permissions: ["clipboard-read", "clipboard-write"] });
   await drop(page, [kit]);
-  const expected = addedByCommandLine(kit);
+  const expected = addedByCommandLine(kit, []);
   const records = commandLine.records("en", "info", "--json", kit);
   const texts = await rows(page, records.length);
 
   await button(page, "Copy Log").click();
   const log = await page.evaluate(() => navigator.clipboard.readText());
-  assert.equal(log.trimEnd(), expected.log.trimEnd());
+  assert.equal(log.trimEnd(), expected.logs[0].trimEnd());
 
   for (const [index, { input, conversion }] of records.entries()) {
     const notes = conversion.error ? [conversion.error] : conversion.warnings.slice(0, 4);
@@ -142,10 +149,19 @@ test("a chosen folder gets the same files, in subfolders, replaced or under othe
   await page.getByRole("checkbox", { name: "subfolder" }).check();
   await drop(page, [examples]);
   await rows(page, 8);
-  const { files } = addedByCommandLine(examples, "--subfolder");
   await button(page, "Write into Folder…").click();
-  await page.getByText("In the folder").nth(7).waitFor();
-  assert.deepEqual(await writtenFiles(page), files);
+  await page.getByText("Done – 8 files written.").first().waitFor();
+  const runs = [["--subfolder"]];
+  assert.deepEqual(await writtenFiles(page), addedByCommandLine(examples, ...runs).files);
+
+  for (const replaces of [false, true]) {
+    await button(page, "Clear List").click();
+    await page.getByRole("checkbox", { name: "Replace" }).setChecked(replaces);
+    await drop(page, [examples]);
+    await rows(page, 8);
+    runs.push(replaces ? ["--overwrite", "--subfolder"] : ["--subfolder"]);
+    assert.deepEqual(await writtenFiles(page), addedByCommandLine(examples, ...runs).files);
+  }
   await page.context().close();
 });
 
@@ -160,10 +176,11 @@ test("2,000 files never keep the page from answering; leaving asks while they ru
   await page.getByRole("heading", { name: "Corvana" }).click();
   await browser.startTracing(page, { categories: ["toplevel"] });
   await drop(page, [many]);
-  await button(page, "Stop").waitFor();
+  await page.locator("progress").and(page.locator(".is-running *")).waitFor();
   await page.close({ runBeforeUnload: true });
-  await rows(page, 2000);
+  await ended(page);
   const { traceEvents } = JSON.parse((await browser.stopTracing()).toString());
+  await rows(page, 2000);
   assert.deepEqual(dialogs, ["beforeunload"]);
   await Promise.all([page.waitForEvent("close"), page.close({ runBeforeUnload: true })]);
   assert.equal(dialogs.length, 1, "leaving afterwards does not ask");
@@ -184,7 +201,7 @@ test("2,000 files never keep the page from answering; leaving asks while they ru
   await page.context().close();
 });
 
-test("works offline after the first visit", async () => {
+test("works offline after the first visit, by the keyboard", async () => {
   const own = await servePage();
   const context = await browser.newContext();
   const page = await context.newPage();
@@ -194,8 +211,15 @@ test("works offline after the first visit", async () => {
   await context.setOffline(true);
   await page.reload();
   await page.getByText(`Corvana ${version}`).waitFor();
-  await drop(page, [examples]);
-  await rows(page, 8);
+  const opening = page.waitForEvent("filechooser");
+  await button(page, "Choose Files…").press("Enter");
+  await (await opening).setFiles(path.join(examples, "Bass/Round Bass A1.wav"));
+  await rows(page, 1);
+  const saving = page.waitForEvent("download");
+  await button(page, "Save Round Bass A1.aif").press("Enter");
+  const saved = fs.readFileSync(await (await saving).path());
+  const { files } = addedByCommandLine(examples, []);
+  assert.equal(saved.toString("base64"), files["Examples/Bass/Round Bass A1.aif"]);
   await context.close();
 });
 
@@ -213,6 +237,9 @@ test("nothing leaves the page, whatever it does", async () => {
   const loaded = site.requests.length;
   await drop(page, [examples]);
   await rows(page, 8);
+  await page.getByRole("button", { name: "Waveform" }).first().click();
+  await button(page, "Zoom In").click();
+  await Promise.all([page.waitForEvent("download"), button(page, "Save All as ZIP").click()]);
   /** @param {string} address */
   const send = async (address) => {
     const results = [
