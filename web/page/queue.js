@@ -34,7 +34,7 @@ export function startWorker() {
 /** How many orders lie with the worker, so that it never waits for the page. */
 const ahead = 4;
 
-/** @template Job */
+/** Its worker is there from the start, so that nothing is fetched later. @template Job */
 export class Queue {
   /** @type {Job[]} */
   #waiting = [];
@@ -49,6 +49,7 @@ export class Queue {
   /** @param {QueueListener<Job>} listener */
   constructor(listener) {
     this.listener = listener;
+    this.#start();
   }
 
   /** Starts the worker before there is anything to do. Nothing is loaded after that. */
@@ -172,7 +173,7 @@ export class Queue {
   }
 }
 
-/** A worker for single questions. */
+/** A worker for single questions, there from the start as well. */
 export class Helper {
   /** @type {Worker | null} */
   #worker = null;
@@ -182,6 +183,10 @@ export class Helper {
   #asked = new Map();
   /** @type {Promise<unknown>} */
   #ready = Promise.resolve();
+
+  constructor() {
+    this.#worker = this.#start();
+  }
 
   /**
    * Rejects where it cannot be done.
