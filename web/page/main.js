@@ -268,6 +268,5 @@ onLanguage(() => {
   showLabels();
   show();
 });
-// Everything is loaded before files come: later, the list of requests stays empty.
-session.warmUp();
-helper.warmUp().then(workOffline, workOffline);
+// After the workers, so that it does not slow them down.
+helper.ready.then(workOffline, workOffline);

@@ -52,11 +52,6 @@ export class Queue {
     this.#start();
   }
 
-  /** Starts the worker before there is anything to do. Nothing is loaded after that. */
-  warmUp() {
-    if (!this.#worker) this.#start();
-  }
-
   get isBusy() {
     return this.#taken.length + this.#waiting.length > 0;
   }
@@ -188,6 +183,11 @@ export class Helper {
     this.#worker = this.#start();
   }
 
+  /** Settles when the worker is loaded, or cannot be. */
+  get ready() {
+    return this.#ready;
+  }
+
   /**
    * Rejects where it cannot be done.
    * @param {(id: number) => Order} orderOf
@@ -202,12 +202,6 @@ export class Helper {
       this.#asked.set(id, { resolve, reject, onProgress });
       worker.postMessage(orderOf(id));
     });
-  }
-
-  /** Starts the worker before there is anything to do. Nothing is loaded after that. */
-  async warmUp() {
-    this.#worker ??= this.#start();
-    await this.#ready;
   }
 
   #start() {

@@ -87,11 +87,6 @@ export class Session {
     });
   }
 
-  /** Starts what is slow to start. */
-  warmUp() {
-    this.#queue.warmUp();
-  }
-
   /** How many rows there are in each state. */
   counts() {
     const counts = { all: this.rows.length, warned: 0, failed: 0, kept: 0 };
