@@ -1,5 +1,5 @@
 // Brings the parts of the page together.
-import { hasAudioExtension, isOutputFolder } from "./corvana/index.js";
+import { hasAudioExtension, isOutputFolder, isPackageName } from "./corvana/index.js";
 import { byId, element, setText, withNames } from "./elements.js";
 import { keep, kept } from "./kept.js";
 import { showLabels } from "./labels.js";
@@ -176,7 +176,7 @@ function announce(text) {
 export async function take(search) {
   ++searches;
   show();
-  const found = await search({ hasAudioExtension, isOutputFolder });
+  const found = await search({ hasAudioExtension, isOutputFolder, isPackageName });
   --searches;
   foundNothing = found.files.length + found.leftOut.length === 0;
   if (foundNothing) announce(localised("No WAV or AIFF files found."));

@@ -23,10 +23,11 @@
  * @typedef {{ id: number, job: Job, isSent: boolean, hasBegun: boolean }} Taken
  */
 
-/** Runs under the policy of this page, which forbids it every connection: a worker inherits that
- * only where its text is the page's own. */
+/** Runs under the policy of this page, which forbids it every connection. The service worker sends
+ * that along; without one, a worker inherits it only where its text is the page's own. */
 export function startWorker() {
   const address = new URL("worker.js", import.meta.url).href;
+  if (navigator.serviceWorker?.controller) return new Worker(address, { type: "module" });
   const text = new Blob([`import ${JSON.stringify(address)};`], { type: "text/javascript" });
   return new Worker(URL.createObjectURL(text), { type: "module" });
 }

@@ -127,9 +127,18 @@ function fillServiceWorker(page) {
   const files = ["./", ...kept.filter((name) => name !== "index.html")];
   const filled = code
     .replace('"VERSION"', JSON.stringify(hash.digest("hex").slice(0, 16)))
-    .replace('["FILES"]', JSON.stringify(files));
+    .replace('["FILES"]', JSON.stringify(files))
+    .replace('"POLICY"', JSON.stringify(policyOf(page)));
   if (!filled.includes("client-zip.js")) throw Error("The service worker has no list of files.");
   fs.writeFileSync(file, filled);
+}
+
+/** What the page says of connections. @param {string} page */
+function policyOf(page) {
+  const html = fs.readFileSync(path.join(page, "index.html"), "utf8");
+  const policy = /"Content-Security-Policy"\s+content="([^"]+)"/.exec(html)?.[1];
+  if (!policy) throw Error("The page has no policy.");
+  return policy;
 }
 
 /** @param {number} size in bytes */
