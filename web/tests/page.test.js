@@ -55,6 +55,13 @@ function ended(page) {
   return announcement.waitFor({ state: "attached", timeout: 120_000 });
 }
 
+/** Waits until the page is kept in the browser. @param {Page} page */
+function canBeOffline(page) {
+  return page.waitForFunction(async () => {
+    return (await navigator.serviceWorker.getRegistration())?.active?.state === "activated";
+  });
+}
+
 /** The texts of all files once each of them has come to its end. @param {Page} page @param {number} count */
 async function rows(page, count) {
   const list = page.getByRole("region", { name: /^(Files|Dateien)$/ }).getByRole("listitem");
@@ -206,7 +213,7 @@ test("works offline after the first visit, by the keyboard", async () => {
   const context = await browser.newContext();
   const page = await context.newPage();
   await page.goto(own.address);
-  await page.evaluate(() => navigator.serviceWorker.ready);
+  await canBeOffline(page);
   await own.stop();
   await context.setOffline(true);
   await page.reload();
@@ -233,7 +240,7 @@ test("nothing leaves the page, whatever it does", async () => {
   await new Promise((resolve) => elsewhere.unref().listen(0, () => resolve(null)));
   const { port } = /** @type {import("node:net").AddressInfo} */ (elsewhere.address());
   const page = await visit();
-  await page.evaluate(() => navigator.serviceWorker.ready);
+  await canBeOffline(page);
   const loaded = site.requests.length;
   await drop(page, [examples]);
   await rows(page, 8);
