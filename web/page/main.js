@@ -268,4 +268,5 @@ onLanguage(() => {
   showLabels();
   show();
 });
-workOffline();
+// After the workers, so that it does not slow them down.
+helper.ready.then(workOffline, workOffline);

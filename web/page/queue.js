@@ -183,6 +183,11 @@ export class Helper {
     this.#worker = this.#start();
   }
 
+  /** Settles when the worker is loaded, or cannot be. */
+  get ready() {
+    return this.#ready;
+  }
+
   /**
    * Rejects where it cannot be done.
    * @param {(id: number) => Order} orderOf
