@@ -57,8 +57,11 @@ function ended(page) {
 
 /** Waits until the page is kept in the browser. @param {Page} page */
 function canBeOffline(page) {
-  return page.waitForFunction(async () => {
-    return (await navigator.serviceWorker.getRegistration())?.active?.state === "activated";
+  return page.evaluate(() => {
+    const tooLong = new Promise((_, reject) =>
+      setTimeout(reject, 30_000, Error("It is not kept.")),
+    );
+    return Promise.race([navigator.serviceWorker.ready.then(() => null), tooLong]);
   });
 }
 
@@ -241,7 +244,11 @@ test("nothing leaves the page, whatever it does", async () => {
   const { port } = /** @type {import("node:net").AddressInfo} */ (elsewhere.address());
   const page = await visit();
   await canBeOffline(page);
-  const loaded = site.requests.length;
+  let loaded = 0;
+  while (loaded !== site.requests.length) {
+    loaded = site.requests.length;
+    await page.waitForTimeout(500);
+  }
   await drop(page, [examples]);
   await rows(page, 8);
   await page.getByRole("button", { name: "Waveform" }).first().click();
