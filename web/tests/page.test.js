@@ -49,10 +49,23 @@ async function visit(options, prepare) {
 /** @param {Page} page @param {string} name */
 const button = (page, name) => page.getByRole("button", { name, exact: true });
 
-/** Asks the page so that it costs it nothing, however long its list is. @param {Page} page */
+/** Asks in a way that costs the page nothing, however long its list is. @param {Page} page */
 function ended(page) {
-  const announcement = page.locator("[role=status]", { hasText: /^(Done|Fertig)/ });
-  return announcement.waitFor({ state: "attached", timeout: 120_000 });
+  return page.waitForFunction(
+    () => /^(Done|Fertig)/.test(document.querySelector("[role=status]")?.textContent ?? ""),
+    null,
+    { polling: 100, timeout: 120_000 },
+  );
+}
+
+/** Waits until the page is kept in the browser. @param {Page} page */
+function canBeOffline(page) {
+  return page.evaluate(() => {
+    const tooLong = new Promise((_, reject) =>
+      setTimeout(reject, 30_000, Error("It is not kept.")),
+    );
+    return Promise.race([navigator.serviceWorker.ready.then(() => null), tooLong]);
+  });
 }
 
 /** The texts of all files once each of them has come to its end. @param {Page} page @param {number} count */
@@ -176,7 +189,7 @@ test("2,000 files never keep the page from answering; leaving asks while they ru
   await page.getByRole("heading", { name: "Corvana" }).click();
   await browser.startTracing(page, { categories: ["toplevel"] });
   await drop(page, [many]);
-  await page.locator("progress").and(page.locator(".is-running *")).waitFor();
+  await page.waitForFunction(() => !document.getElementById("stop")?.hidden, null, { polling: 20 });
   await page.close({ runBeforeUnload: true });
   await ended(page);
   const { traceEvents } = JSON.parse((await browser.stopTracing()).toString());
@@ -206,7 +219,7 @@ test("works offline after the first visit, by the keyboard", async () => {
   const context = await browser.newContext();
   const page = await context.newPage();
   await page.goto(own.address);
-  await page.evaluate(() => navigator.serviceWorker.ready);
+  await canBeOffline(page);
   await own.stop();
   await context.setOffline(true);
   await page.reload();
@@ -233,8 +246,12 @@ test("nothing leaves the page, whatever it does", async () => {
   await new Promise((resolve) => elsewhere.unref().listen(0, () => resolve(null)));
   const { port } = /** @type {import("node:net").AddressInfo} */ (elsewhere.address());
   const page = await visit();
-  await page.evaluate(() => navigator.serviceWorker.ready);
-  const loaded = site.requests.length;
+  await canBeOffline(page);
+  let loaded = 0;
+  while (loaded !== site.requests.length) {
+    loaded = site.requests.length;
+    await page.waitForTimeout(500);
+  }
   await drop(page, [examples]);
   await rows(page, 8);
   await page.getByRole("button", { name: "Waveform" }).first().click();
