@@ -15,18 +15,10 @@
 #include <vector>
 
 #include "platform/files.hpp"
+#include "vocabulary/file_names.hpp"
 
 namespace corvana {
 namespace {
-
-/// Application, plug-in, project and library bundles, those of music software among them.
-constexpr std::array<std::string_view, 36> packageExtensions = {
-    "aaxplugin",     "action",      "app",       "appex",         "audiounit",   "band",
-    "bundle",        "clap",        "component", "docset",        "fcpbundle",   "framework",
-    "imovielibrary", "kext",        "key",       "logicx",        "lpx",         "mpkg",
-    "musiclibrary",  "numbers",     "pages",     "photoslibrary", "pkg",         "plugin",
-    "prefpane",      "qlgenerator", "rtfd",      "saver",         "scptd",       "tvlibrary",
-    "vst",           "vst3",        "wdgt",      "xcodeproj",     "xcworkspace", "xpc"};
 
 /// An open folder that can be listed. Empty: none.
 using OpenFolder = std::unique_ptr<DIR, int (*)(DIR*)>;
@@ -223,16 +215,6 @@ class Search {
 
 void searchFolder(const std::filesystem::path& folder, const FolderVisitor& visitor) {
   Search(visitor).run(folder);
-}
-
-bool isPackageName(std::string_view name) {
-  const std::size_t dot = name.rfind('.');
-  if (dot == std::string_view::npos || dot == 0) return false;
-  std::string extension(name.substr(dot + 1));
-  for (char& letter : extension)
-    if (letter >= 'A' && letter <= 'Z') letter = static_cast<char>(letter - 'A' + 'a');
-  return std::find(packageExtensions.begin(), packageExtensions.end(), extension) !=
-         packageExtensions.end();
 }
 
 }  // namespace corvana

@@ -30,8 +30,4 @@ struct FolderVisitor {
 /// folders behind symbolic links are left out. Folders may nest deeper than any path is long.
 void searchFolder(const std::filesystem::path& folder, const FolderVisitor& visitor);
 
-/// Whether a folder of this name is shown to the user as one document or program: its
-/// extension is a known bundle extension, in any case of letters.
-bool isPackageName(std::string_view name);
-
 }  // namespace corvana

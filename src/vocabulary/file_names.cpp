@@ -1,11 +1,21 @@
 #include "vocabulary/file_names.hpp"
 
 #include <algorithm>
+#include <array>
 #include <cstdint>
 #include <iterator>
 
 namespace corvana {
 namespace {
+
+/// Application, plug-in, project and library bundles, those of music software among them.
+constexpr std::array<std::string_view, 36> packageExtensions = {
+    "aaxplugin",     "action",      "app",       "appex",         "audiounit",   "band",
+    "bundle",        "clap",        "component", "docset",        "fcpbundle",   "framework",
+    "imovielibrary", "kext",        "key",       "logicx",        "lpx",         "mpkg",
+    "musiclibrary",  "numbers",     "pages",     "photoslibrary", "pkg",         "plugin",
+    "prefpane",      "qlgenerator", "rtfd",      "saver",         "scptd",       "tvlibrary",
+    "vst",           "vst3",        "wdgt",      "xcodeproj",     "xcworkspace", "xpc"};
 
 std::string baseName(std::string_view inputName) {
   const std::size_t dot = inputName.rfind('.');
@@ -35,6 +45,16 @@ bool hasAudioExtension(std::string_view path) {
 bool isOutputFolder(std::string_view name) {
   return std::find(std::begin(outputFolderNames), std::end(outputFolderNames), name) !=
          std::end(outputFolderNames);
+}
+
+bool isPackageName(std::string_view name) {
+  const std::size_t dot = name.rfind('.');
+  if (dot == std::string_view::npos || dot == 0) return false;
+  std::string extension(name.substr(dot + 1));
+  for (char& letter : extension)
+    if (letter >= 'A' && letter <= 'Z') letter = static_cast<char>(letter - 'A' + 'a');
+  return std::find(packageExtensions.begin(), packageExtensions.end(), extension) !=
+         packageExtensions.end();
 }
 
 std::string outputSubfolder(bool isAIFF) {

@@ -19,6 +19,10 @@ bool hasAudioExtension(std::string_view path);
 /// Whether a folder of this name is in outputFolderNames.
 bool isOutputFolder(std::string_view name);
 
+/// Whether a folder of this name is shown to the user as one document or program: its
+/// extension is a known bundle extension, in any case of letters.
+bool isPackageName(std::string_view name);
+
 /// The subfolder for the outputs of such inputs: "AIFF" or "WAV".
 std::string outputSubfolder(bool isAIFF);
 

@@ -288,6 +288,10 @@ CORVANA_EXPORT(isOutputFolder) bool textIsOutputFolder() {
   return isOutputFolder(text);
 }
 
+CORVANA_EXPORT(isPackageName) bool textIsPackageName() {
+  return isPackageName(text);
+}
+
 CORVANA_EXPORT(outputSubfolder) bool subfolderForOutput(bool isAIFF) {
   return done([&] { text = outputSubfolder(isAIFF); });
 }

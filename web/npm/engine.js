@@ -48,6 +48,7 @@ const decoder = new TextDecoder();
  * @property {(...numbers: number[]) => number} waveform
  * @property {() => number} hasAudioExtension
  * @property {() => number} isOutputFolder
+ * @property {() => number} isPackageName
  * @property {(isAIFF: number) => boolean} outputSubfolder
  * @property {(isAIFF: number) => boolean} freeOutputName
  * @property {() => boolean} convertedLines

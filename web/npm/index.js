@@ -13,6 +13,7 @@ export {
   freeOutputName,
   hasAudioExtension,
   isOutputFolder,
+  isPackageName,
   outputName,
   outputSubfolder,
 } from "./names.js";

@@ -16,6 +16,13 @@ export function isOutputFolder(/** @type {string} */ name) {
   return Boolean(engine.exports.isOutputFolder());
 }
 
+/** Whether a folder of this name is one document or program; a search does not look there either. */
+export function isPackageName(/** @type {string} */ name) {
+  const engine = anyEngine();
+  engine.putText(name);
+  return Boolean(engine.exports.isPackageName());
+}
+
 /** The subfolder for outputs of a format: "AIFF" or "WAV". */
 export function outputSubfolder(/** @type {"aiff" | "wav"} */ format) {
   const engine = anyEngine();

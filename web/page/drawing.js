@@ -7,7 +7,7 @@ import { extents, withoutOverlap, xOf } from "./waveform.js";
 /** @typedef {import("./waveform.js").View} View */
 /** @typedef {{ columns: Columns | null, view: View, loops: LoopMark[], markers: MarkerMark[] }} Picture */
 
-const names = ["wave", "axis", "loop-1", "loop-2", "loop-3", "marker", "surface", "text"];
+const names = ["wave", "axis", "loop-1", "loop-2", "loop-3", "marker", "raised", "text"];
 /** @type {Record<string, string> | null} */
 let colours = null;
 let font = "";
@@ -52,7 +52,8 @@ function prepared(canvas, width, height) {
 export function drawSmall(canvas, { columns, view, loops, markers }, width, height) {
   const context = prepared(canvas, width, height);
   const colour = palette();
-  for (const loop of loops) {
+  // The first loops come last, on top.
+  for (const loop of [...loops].reverse()) {
     const x = xOf(loop.start, view, width);
     const wide = Math.max(xOf(loop.end, view, width) - x, 1.5);
     shade(context, loop.kind, { x, y: 0, width: wide, height });
@@ -78,15 +79,19 @@ export function drawLarge(canvas, { columns, view, loops, markers }, width, heig
   const top = lanes * laneHeight + 2;
   const bottom = markers.length > 0 ? laneHeight : 2;
   const area = { x: 0, y: top, width, height: height - top - bottom };
-  const isVisible = (/** @type {LoopMark} */ { start, end }) =>
-    end > view.first && start < view.first + view.count;
-
-  for (const loop of loops.filter(isVisible)) {
+  for (const loop of [...loops].reverse()) {
     const x = xOf(loop.start, view, width);
-    const wide = Math.max(xOf(loop.end, view, width) - x, 1);
-    shade(context, loop.kind, { x, y: top, width: wide, height: area.height });
-    drawBracket(context, loop, { x, y: loop.lane * laneHeight, width: wide, height: top }, width);
+    const box = {
+      x,
+      y: top,
+      width: Math.max(xOf(loop.end, view, width) - x, 1),
+      height: area.height,
+    };
+    if (x > width || x + box.width < 0) continue;
+    shade(context, loop.kind, box);
+    drawBracket(context, loop, box);
   }
+  nameLoops(context, loops, view, width);
   drawWave(context, columns, view, area);
 
   const placed = [];
@@ -141,24 +146,46 @@ function shade(context, kind, { x, y, width, height }) {
   context.globalAlpha = 1;
 }
 
-/** @param {CanvasRenderingContext2D} context @param {LoopMark} loop @param {Box} box
- * @param {number} width of the picture */
-function drawBracket(context, { kind, label }, { x, y, width: wide, height }, width) {
+/** @param {CanvasRenderingContext2D} context @param {LoopMark} loop @param {Box} box its shade */
+function drawBracket(context, { kind, lane }, { x, y, width }) {
+  const top = (lane + 1) * laneHeight - 2;
   context.strokeStyle = colourOf(kind);
   context.lineWidth = 2;
   context.beginPath();
-  context.moveTo(x, height);
-  context.lineTo(x, y + laneHeight - 2);
-  context.lineTo(x + wide, y + laneHeight - 2);
-  context.lineTo(x + wide, height);
+  context.moveTo(x, y);
+  context.lineTo(x, top);
+  context.lineTo(x + width, top);
+  context.lineTo(x + width, y);
   context.stroke();
   context.lineWidth = 1;
-  const left = Math.max(x, 0);
-  const room = Math.min(x + wide, width) - left;
-  const needed = context.measureText(label).width;
-  if (needed > room && room < wide) return;
-  context.fillStyle = palette().text;
-  context.fillText(label, Math.min(left + 2, width - needed), y + laneHeight / 2 - 1);
+}
+
+/**
+ * In each lane, as far as there is room: in full where it reaches to the next loop.
+ * @param {CanvasRenderingContext2D} context @param {LoopMark[]} loops @param {View} view
+ * @param {number} width of the picture
+ */
+function nameLoops(context, loops, view, width) {
+  const visible = loops
+    .filter(({ start, end }) => end > view.first && start < view.first + view.count)
+    .map((loop) => ({ ...loop, x: Math.max(xOf(loop.start, view, width), 0) + 2 }))
+    .sort((a, b) => a.x - b.x);
+  for (let lane = 0; lane < mostLanes; ++lane) {
+    const inLane = visible.filter((loop) => loop.lane === lane);
+    const labels = inLane.map(({ label, short, x }, at) => {
+      const room = (inLane[at + 1]?.x ?? Infinity) - x - 8;
+      const text = context.measureText(label).width <= room ? label : short;
+      const wide = context.measureText(text).width;
+      return { text, width: wide, x: Math.min(x, width - wide - 2) };
+    });
+    const y = (lane + 0.5) * laneHeight - 1;
+    for (const { text, x, width: wide } of withoutOverlap(labels, 8)) {
+      context.fillStyle = palette().raised;
+      context.fillRect(x - 1, y - 7, wide + 2, 14);
+      context.fillStyle = palette().text;
+      context.fillText(text, x, y);
+    }
+  }
 }
 
 /** @param {CanvasRenderingContext2D} context @param {Columns | null} columns @param {View} view

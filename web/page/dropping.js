@@ -2,13 +2,8 @@
 import { byId } from "./elements.js";
 import { filesChosen, filesOfDrop } from "./entries.js";
 
-/** @typedef {import("./entries.js").Found} Found */
-
-/**
- * @param {import("./entries.js").Rules} rules
- * @param {(found: Promise<Found>) => void} take
- */
-export function takeFiles(rules, take) {
+/** @param {(search: import("./entries.js").Search) => void} take */
+export function takeFiles(take) {
   let depth = 0;
   /** @param {boolean} isOver */
   const show = (isOver) => document.body.classList.toggle("is-dropping", isOver);
@@ -34,10 +29,10 @@ export function takeFiles(rules, take) {
     show(false);
     if (!hasFiles(event) || !event.dataTransfer) return;
     event.preventDefault();
-    take(filesOfDrop(event.dataTransfer, rules));
+    take(filesOfDrop(event.dataTransfer));
   });
   addEventListener("paste", (event) => {
-    if (event.clipboardData?.types.includes("Files")) take(filesOfDrop(event.clipboardData, rules));
+    if (event.clipboardData?.types.includes("Files")) take(filesOfDrop(event.clipboardData));
   });
 
   for (const kind of ["file", "folder"]) {
@@ -45,12 +40,16 @@ export function takeFiles(rules, take) {
     input.addEventListener("change", () => {
       const chosen = [...(input.files ?? [])];
       input.value = "";
-      take(Promise.resolve().then(() => filesChosen(chosen, rules)));
+      take((rules) => filesChosen(chosen, rules));
     });
   }
-  for (const button of document.querySelectorAll("[data-choose]"))
+  const choosesFolders = "webkitdirectory" in HTMLInputElement.prototype;
+  for (const button of document.querySelectorAll("[data-choose]")) {
+    if (button.getAttribute("data-choose") === "folder")
+      /** @type {HTMLElement} */ (button).hidden = !choosesFolders;
     button.addEventListener("click", () => {
       const kind = button.getAttribute("data-choose") === "files" ? "file" : "folder";
       byId(`${kind}-input`).click();
     });
+  }
 }

@@ -11,12 +11,14 @@
 
 /** @typedef {{ path: string, reason: unknown }} LeftOut  reason: null where the extension is another */
 /** @typedef {{ files: FoundFile[], leftOut: LeftOut[] }} Found */
+/** @typedef {(rules: Rules) => Found | Promise<Found>} Search */
 
 /**
  * The rules of names, which are the engine's.
  * @typedef {object} Rules
  * @property {(name: string) => boolean} hasAudioExtension
  * @property {(name: string) => boolean} isOutputFolder
+ * @property {(name: string) => boolean} isPackageName
  */
 
 /** Orders names as their UTF-8 does. @param {string} a @param {string} b */
@@ -39,13 +41,16 @@ export const joined = (directory, name) => (directory ? `${directory}/${name}` :
 /** @param {string} name */
 const isHidden = (name) => name.startsWith(".");
 
+/** Whether a search looks into a folder. @param {string} name @param {Rules} rules */
+const isSearched = (name, rules) =>
+  !isHidden(name) && !rules.isOutputFolder(name) && !rules.isPackageName(name);
+
 /**
- * The files of a drop. Must be called during its event; the rest happens later.
+ * What is in a drop. Must be called during its event; the search comes later.
  * @param {DataTransfer} transfer
- * @param {Rules} rules
- * @returns {Promise<Found>}
+ * @returns {Search}
  */
-export function filesOfDrop(transfer, rules) {
+export function filesOfDrop(transfer) {
   /** @type {(FileSystemEntry | File)[]} */
   const dropped = [];
   for (const item of transfer.items) {
@@ -53,7 +58,7 @@ export function filesOfDrop(transfer, rules) {
     const entry = item.webkitGetAsEntry?.() ?? item.getAsFile();
     if (entry) dropped.push(entry);
   }
-  return search(dropped, rules);
+  return (rules) => search(dropped, rules);
 }
 
 /** @param {(FileSystemEntry | File)[]} dropped @param {Rules} rules */
@@ -92,7 +97,7 @@ async function searchFolder(folder, path, rules, found) {
   for (const entry of entries.sort((a, b) => compareNames(a.name, b.name))) {
     if (isHidden(entry.name)) continue;
     if (isFolder(entry)) {
-      if (!rules.isOutputFolder(entry.name))
+      if (isSearched(entry.name, rules))
         await searchFolder(entry, joined(path, entry.name), rules, found);
     } else if (rules.hasAudioExtension(entry.name)) {
       const open = () => fileOf(/** @type {FileSystemFileEntry} */ (entry));
@@ -132,7 +137,7 @@ export function filesChosen(chosen, rules) {
   for (const file of chosen) {
     const parts = file.webkitRelativePath ? file.webkitRelativePath.split("/") : [];
     if (parts.length < 2) addNamed(found, rules, file.name, async () => file);
-    else if (isSearched(parts, rules)) inFolders.push({ parts, file });
+    else if (isFound(parts, rules)) inFolders.push({ parts, file });
   }
   inFolders.sort((a, b) => comparePaths(a.parts, b.parts));
   for (const { parts, file } of inFolders)
@@ -145,10 +150,10 @@ export function filesChosen(chosen, rules) {
 }
 
 /** @param {string[]} parts @param {Rules} rules */
-function isSearched(parts, rules) {
+function isFound(parts, rules) {
   const [folders, name] = [parts.slice(1, -1), parts[parts.length - 1]];
   if (isHidden(name) || !rules.hasAudioExtension(name)) return false;
-  return !folders.some((folder) => isHidden(folder) || rules.isOutputFolder(folder));
+  return folders.every((folder) => isSearched(folder, rules));
 }
 
 /** @param {string[]} a @param {string[]} b */

@@ -5,7 +5,14 @@ import { localised, plain } from "./texts.js";
 
 /** @type {Record<string, () => string>} by id */
 const texts = {
-  "invitation-title": () => localised("Drop WAV or AIFF files or folders here"),
+  "invitation-title": () =>
+    matchMedia("(hover: none)").matches
+      ? localised("Choose WAV or AIFF Files")
+      : localised("Drop WAV or AIFF files or folders here"),
+  purpose: () =>
+    localised(
+      "Converts sampled instruments between WAV and AIFF and keeps their loops, markers, cue points, root key, tuning, gain and ranges.",
+    ),
   "run-title": () => localised("Progress"),
   "outputs-title": () => localised("Outputs"),
   "files-title": () => localised("Files"),

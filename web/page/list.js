@@ -152,7 +152,7 @@ export class List {
     if (!button || !view) return;
     const action = button.getAttribute("data-action");
     if (action === "save") this.save(view.row);
-    if (action === "warnings") view.showAllWarnings();
+    if (action === "warnings") view.showMoreWarnings();
     if (action === "open") this.#toggle(view);
   }
 

@@ -1,6 +1,5 @@
 // Brings the parts of the page together.
-import { hasAudioExtension, isOutputFolder } from "./corvana/index.js";
-import { takeFiles } from "./dropping.js";
+import { hasAudioExtension, isOutputFolder, isPackageName } from "./corvana/index.js";
 import { byId, element, setText, withNames } from "./elements.js";
 import { keep, kept } from "./kept.js";
 import { showLabels } from "./labels.js";
@@ -173,14 +172,16 @@ function announce(text) {
   byId("announcer").textContent = text;
 }
 
-takeFiles({ hasAudioExtension, isOutputFolder }, async (searching) => {
+/** Converts what is found. @param {import("./entries.js").Search} search */
+export async function take(search) {
   ++searches;
   show();
-  const found = await searching.finally(() => --searches);
+  const found = await search({ hasAudioExtension, isOutputFolder, isPackageName });
+  --searches;
   foundNothing = found.files.length + found.leftOut.length === 0;
   if (foundNothing) announce(localised("No WAV or AIFF files found."));
   session.add(found);
-});
+}
 
 button("stop").addEventListener("click", () => session.stop());
 
@@ -243,7 +244,11 @@ for (const part of document.querySelectorAll("button[data-filter]"))
   part.addEventListener("click", () => choose(part.getAttribute("data-filter") ?? "all"));
 
 button("copy-log").addEventListener("click", async () => {
-  await navigator.clipboard.writeText(logText(session.rows));
+  try {
+    await navigator.clipboard.writeText(logText(session.rows));
+  } catch (error) {
+    return report(error);
+  }
   setText(button("copy-log"), localised("Copied"));
   announce(localised("Copied"));
   setTimeout(() => setText(button("copy-log"), localised("Copy Log")), 2000);
@@ -263,4 +268,5 @@ onLanguage(() => {
   showLabels();
   show();
 });
-workOffline();
+// After the workers, so that it does not slow them down.
+helper.ready.then(workOffline, workOffline);

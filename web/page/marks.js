@@ -8,7 +8,8 @@ import { inLanes } from "./waveform.js";
 
 /** @param {Loop} loop */
 export function loopName(loop) {
-  if (loop.role) return localised(loop.role === "sustain" ? "Sustain loop" : "Release loop");
+  if (loop.role === "sustain") return localised("Sustain loop");
+  if (loop.role === "release") return localised("Release loop");
   return localised("Loop %@", [loop.number ?? ""]);
 }
 
@@ -38,7 +39,8 @@ export function marksOf(sound) {
     const { start, end } = loop;
     if (start === null || end === null || end < start) return [];
     const kind = loop.role ? Number(loop.role === "release") : at;
-    return [{ start, end: end + 1, kind, label: `${loopName(loop)} · ${loopType(loop)}` }];
+    const short = loopName(loop);
+    return [{ start, end: end + 1, kind, short, label: `${short} · ${loopType(loop)}` }];
   });
   const markers = sound.markers.map((marker) => ({
     position: marker.position,

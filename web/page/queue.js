@@ -23,10 +23,11 @@
  * @typedef {{ id: number, job: Job, isSent: boolean, hasBegun: boolean }} Taken
  */
 
-/** Runs under the policy of this page, which forbids it every connection: a worker inherits that
- * only where its text is the page's own. */
+/** Runs under the policy of this page, which forbids it every connection. The service worker sends
+ * that along; without one, a worker inherits it only where its text is the page's own. */
 export function startWorker() {
   const address = new URL("worker.js", import.meta.url).href;
+  if (navigator.serviceWorker?.controller) return new Worker(address, { type: "module" });
   const text = new Blob([`import ${JSON.stringify(address)};`], { type: "text/javascript" });
   return new Worker(URL.createObjectURL(text), { type: "module" });
 }
@@ -34,7 +35,7 @@ export function startWorker() {
 /** How many orders lie with the worker, so that it never waits for the page. */
 const ahead = 4;
 
-/** @template Job */
+/** Its worker is there from the start, so that nothing is fetched later. @template Job */
 export class Queue {
   /** @type {Job[]} */
   #waiting = [];
@@ -49,6 +50,7 @@ export class Queue {
   /** @param {QueueListener<Job>} listener */
   constructor(listener) {
     this.listener = listener;
+    this.#start();
   }
 
   get isBusy() {
@@ -167,7 +169,7 @@ export class Queue {
   }
 }
 
-/** A worker for single questions. */
+/** A worker for single questions, there from the start as well. */
 export class Helper {
   /** @type {Worker | null} */
   #worker = null;
@@ -177,6 +179,15 @@ export class Helper {
   #asked = new Map();
   /** @type {Promise<unknown>} */
   #ready = Promise.resolve();
+
+  constructor() {
+    this.#worker = this.#start();
+  }
+
+  /** Settles when the worker is loaded, or cannot be. */
+  get ready() {
+    return this.#ready;
+  }
 
   /**
    * Rejects where it cannot be done.

@@ -4,8 +4,9 @@ import { figure, languageCode, localised, localisedCount } from "./texts.js";
 
 /** @typedef {import("./session.js").Row} Row */
 
-/** Warnings that are shown without being asked for. */
-const mostWarnings = 4;
+/** Warnings that are shown without being asked for, and those that come with each time. */
+const firstWarnings = 4;
+const moreWarnings = 500;
 
 /** @param {Row} row */
 export function stateText({ state, fraction }) {
@@ -37,7 +38,7 @@ export class RowView {
   #bar = element("span", { class: "fraction" });
   #actions = element("div", { class: "actions" });
   #shown = "";
-  #showsAll = false;
+  #mostWarnings = firstWarnings;
   /** @type {HTMLCanvasElement | null} */
   canvas = null;
   /** @type {HTMLButtonElement | null} */
@@ -73,7 +74,14 @@ export class RowView {
     this.element.classList.toggle("at-work", isAtWork);
     if (isAtWork) this.#bar.style.transform = `scaleX(${fraction})`;
     const path = output && `${output.directory}/${output.name}`;
-    const shown = [state, languageCode(), path, !!output?.blob, failure?.en, this.#showsAll].join();
+    const shown = [
+      state,
+      languageCode(),
+      path,
+      !!output?.blob,
+      failure?.en,
+      this.#mostWarnings,
+    ].join();
     if (shown === this.#shown) return;
     this.#shown = shown;
     if (this.element.dataset.state !== state) {
@@ -116,7 +124,7 @@ export class RowView {
 
   #showWarnings() {
     const warnings = this.row.conversions?.[languageCode()].warnings ?? [];
-    const shown = this.#showsAll ? warnings : warnings.slice(0, mostWarnings);
+    const shown = warnings.slice(0, this.#mostWarnings);
     /** @type {HTMLElement[]} */
     const items = shown.map(({ text }) => element("p", {}, text));
     if (shown.length < warnings.length) {
@@ -128,8 +136,8 @@ export class RowView {
     this.#warnings.replaceChildren(...items);
   }
 
-  showAllWarnings() {
-    this.#showsAll = true;
+  showMoreWarnings() {
+    this.#mostWarnings += moreWarnings;
     this.update();
   }
 
@@ -168,7 +176,7 @@ export class RowView {
       save.append(icon("save"), localised("Save"));
       parts.push(save);
     } else if (output) {
-      parts.push(element("span", { class: "written" }, localised("In the folder")));
+      parts.push(element("span", { class: "written" }, localised("Written")));
     }
     this.#actions.replaceChildren(...parts);
   }

@@ -1,9 +1,10 @@
 // Keeps the page in the browser. A new version is fetched as a whole, in the background, and takes
 // over at the next visit. These are the only requests there are.
 
-// The build puts both in place.
+// The build puts these in place.
 const version = "VERSION";
 const files = ["FILES"];
+const policy = "POLICY";
 
 const cacheName = `corvana ${version}`;
 const scope = /** @type {any} */ (self);
@@ -29,5 +30,9 @@ async function removeOld() {
 async function answer(request) {
   const cache = await caches.open(cacheName);
   const kept = await cache.match(request, { ignoreSearch: true });
-  return kept ?? fetch(request);
+  if (!kept) return fetch(request);
+  // The page's own policy, for its workers as well.
+  const headers = new Headers(kept.headers);
+  headers.set("Content-Security-Policy", policy);
+  return new Response(kept.body, { status: kept.status, headers });
 }

@@ -10,6 +10,9 @@ export const languages = [
   { code: "de", name: "Deutsch", catalogue: german },
 ];
 
+/** The engine groups the digits of counts in every language but its own English. */
+const grouping = { ...engine.english };
+
 let current = languages[0];
 
 /** @param {string} code English where there is no such language */
@@ -30,7 +33,7 @@ export function localised(text, values) {
 
 /** @param {string} singular @param {string} plural @param {number} count */
 export function localisedCount(singular, plural, count) {
-  return engine.localisedCount(singular, plural, count, current.catalogue);
+  return engine.localisedCount(singular, plural, count, current.catalogue ?? grouping);
 }
 
 /**

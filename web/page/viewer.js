@@ -2,7 +2,7 @@
 // shows is listed below in words.
 import { drawLarge, onColours } from "./drawing.js";
 import { element, foreign } from "./elements.js";
-import { loopName, loopType, markerName, marksOf, pictureOf, placeText } from "./marks.js";
+import { loopName, loopType, markerName, pictureOf, placeText } from "./marks.js";
 import { figure, localised } from "./texts.js";
 import { around, limited, moved, zoomed } from "./waveform.js";
 
@@ -30,6 +30,8 @@ export class Viewer {
   #places = element("p", { class: "places figures" });
   #lists = element("div", { class: "marks" });
   #hint = element("p", { class: "hint" });
+  /** @type {import("./drawing.js").Picture} all of the file */
+  #whole;
   /** @type {Columns | null} the exact picture of a stretch */
   #exact = null;
   #isReading = false;
@@ -46,6 +48,7 @@ export class Viewer {
     this.helper = helper;
     /** @type {View} */
     this.view = { first: 0, count: this.frames };
+    this.#whole = pictureOf(this.sound);
     this.#hint.id = `hint-${row.id}`;
     this.#stage.setAttribute("aria-describedby", this.#hint.id);
     this.element = element(
@@ -76,6 +79,7 @@ export class Viewer {
 
   showTexts() {
     const { name } = this.row;
+    this.#whole = pictureOf(this.sound);
     this.#stage.setAttribute("aria-label", localised("Waveform of %@", [name]));
     this.#slider.setAttribute("aria-label", localised("Part that is shown"));
     this.#hint.textContent = localised(
@@ -243,11 +247,11 @@ export class Viewer {
     if (width === 0) return;
     const { first, count } = view;
     const last = first + count;
-    const { columns: whole } = pictureOf(sound);
+    const whole = this.#whole.columns;
     const exact = this.#exact;
     const isCovered = exact && exact.first <= first && exact.first + exact.count >= last;
     const columns = isCovered && this.#isFiner(exact, whole) ? exact : whole;
-    drawLarge(this.#canvas, { columns, view, ...marksOf(sound) }, width, height);
+    drawLarge(this.#canvas, { ...this.#whole, columns, view }, width, height);
 
     const room = frames - count;
     this.#slider.disabled = room <= 0;

@@ -10,8 +10,8 @@
  * @property {Int8Array | Float32Array} values
  * @property {number} scale
  */
-/** @typedef {{ start: number, end: number, label: string, lane: number, kind: number }} LoopMark
- *   end: behind the last frame */
+/** @typedef {{ start: number, end: number, label: string, short: string, lane: number, kind: number }}
+ *   LoopMark end: behind the last frame; kind: 0 is the first or sustain loop, 1 the second */
 /** @typedef {{ position: number, label: string }} MarkerMark */
 
 /** Fewest frames that fill the picture. */

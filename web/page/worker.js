@@ -4,6 +4,7 @@ import { ConversionError, open, waveformOf } from "./corvana/index.js";
 import { OutputFile, listed } from "./output_file.js";
 import { catalogue, inEveryLanguage, localised } from "./texts.js";
 import { coarse, overviewColumns } from "./waveform.js";
+import { zipOf } from "./zip.js";
 
 /** @typedef {import("./messages.js").Order} Order */
 /** @typedef {import("./messages.js").Report} Report */
@@ -287,6 +288,5 @@ async function drawStretch({ id, file, layout, first, count, columns }) {
 /** @param {number} id @param {import("./zip.js").Item[]} items */
 async function zip(id, items) {
   tell({ type: "begun", id });
-  const { zipOf } = await import("./zip.js");
   tell({ type: "zipped", id, blob: await zipOf(items, progressOf(id)) });
 }

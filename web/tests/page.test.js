@@ -6,6 +6,7 @@ import { createServer } from "node:http";
 import * as path from "node:path";
 import { after, test } from "node:test";
 import axe from "axe-core";
+import { version } from "../../build-web/npm/index.js";
 import german from "../../build-web/npm/languages/de.js";
 import { drop, launch, servePage } from "./support/browser.js";
 import * as commandLine from "./support/command_line.js";
@@ -18,8 +19,13 @@ const kit = path.join(folder, "Kit");
 commandLine.makeLibrary(kit, 200);
 const examples = path.join(folder, "Examples");
 commandLine.makeExamples(examples);
+const broken = path.join(folder, "Broken.wav");
+fs.writeFileSync(broken, "RIFF");
+const long = path.join(folder, "Long.wav");
+fs.writeFileSync(long, "RIFF");
+fs.truncateSync(long, 2 * 2 ** 30);
 const many = path.join(folder, "Many");
-commandLine.makeLibrary(many, 1992);
+commandLine.makeLibrary(many, 1991);
 const screenshots = path.join(commandLine.built, "screenshots");
 
 const site = await servePage();
@@ -36,14 +42,45 @@ async function visit(options, prepare) {
   page.on("pageerror", (error) => assert.fail(error));
   await prepare?.(page);
   await page.goto(site.address);
+  await page.getByText(`Corvana ${version}`).waitFor();
   return page;
 }
 
 /** @param {Page} page @param {string} name */
 const button = (page, name) => page.getByRole("button", { name, exact: true });
 
-/** @param {Page} page until everything that it was given has ended */
-const finished = (page) => button(page, "Save All as ZIP").click({ trial: true, timeout: 60_000 });
+/** Asks in a way that costs the page nothing, however long its list is. @param {Page} page */
+function ended(page) {
+  return page.waitForFunction(
+    () => /^(Done|Fertig)/.test(document.querySelector("[role=status]")?.textContent ?? ""),
+    null,
+    { polling: 100, timeout: 120_000 },
+  );
+}
+
+/** Waits until the page is kept in the browser. @param {Page} page */
+function canBeOffline(page) {
+  return page.evaluate(() => {
+    const tooLong = new Promise((_, reject) =>
+      setTimeout(reject, 30_000, Error("It is not kept.")),
+    );
+    return Promise.race([navigator.serviceWorker.ready.then(() => null), tooLong]);
+  });
+}
+
+/** The texts of all files once each of them has come to its end. @param {Page} page @param {number} count */
+async function rows(page, count) {
+  const list = page.getByRole("region", { name: /^(Files|Dateien)$/ }).getByRole("listitem");
+  await ended(page);
+  await list.nth(count - 1).waitFor();
+  await list
+    .filter({ hasText: /Waiting|Converting|Wartet|Wird/ })
+    .first()
+    .waitFor({ state: "detached" });
+  const texts = await list.allTextContents();
+  assert.equal(texts.length, count);
+  return texts;
+}
 
 /** What a folder holds, in a form that can be compared. @param {string} place */
 function tree(place) {
@@ -54,34 +91,34 @@ function tree(place) {
   );
 }
 
-/** What the command line adds to a folder. @param {string} place @param {string[]} options */
-function addedByCommandLine(place, ...options) {
+/** What the command line adds to a folder. @param {string} place @param {string[][]} runs options of each */
+function addedByCommandLine(place, ...runs) {
   const copy = fs.mkdtempSync(path.join(folder, "copy-"));
   fs.cpSync(place, path.join(copy, path.basename(place)), { recursive: true });
   const before = new Set(commandLine.filesIn(copy));
-  const log = commandLine.say("en", ...options, path.join(copy, path.basename(place)));
+  const logs = runs.map((options) => {
+    return commandLine.say("en", ...options, path.join(copy, path.basename(place)));
+  });
   for (const file of before) fs.rmSync(file);
-  return { log, files: tree(copy) };
+  return { logs, files: tree(copy) };
 }
 
 test("a dropped folder: its log, its rows, its ZIP", async () => {
   const page = await visit({ permissions: ["clipboard-read", "clipboard-write"] });
   await drop(page, [kit]);
-  await finished(page);
-  const expected = addedByCommandLine(kit);
+  const expected = addedByCommandLine(kit, []);
+  const records = commandLine.records("en", "info", "--json", kit);
+  const texts = await rows(page, records.length);
 
   await button(page, "Copy Log").click();
   const log = await page.evaluate(() => navigator.clipboard.readText());
-  assert.equal(log.trimEnd(), expected.log.trimEnd());
+  assert.equal(log.trimEnd(), expected.logs[0].trimEnd());
 
-  const rows = await page.getByRole("listitem").allTextContents();
-  const records = commandLine.records("en", "info", "--json", kit);
-  assert.equal(rows.length, records.length);
   for (const [index, { input, conversion }] of records.entries()) {
-    const texts = conversion.error ? [conversion.error] : conversion.warnings;
-    const parts = [path.basename(input), ...texts.map((/** @type {any} */ { text }) => text)];
+    const notes = conversion.error ? [conversion.error] : conversion.warnings.slice(0, 4);
+    const parts = [path.basename(input), ...notes.map((/** @type {any} */ { text }) => text)];
     if (conversion.summary) parts.push(conversion.summary);
-    for (const part of parts) assert.ok(rows[index].includes(part), `${part}: ${rows[index]}`);
+    for (const part of parts) assert.ok(texts[index].includes(part), `${part}: ${texts[index]}`);
   }
 
   const [download] = await Promise.all([
@@ -124,25 +161,25 @@ test("a chosen folder gets the same files, in subfolders, replaced or under othe
   );
   await page.getByRole("checkbox", { name: "subfolder" }).check();
   await drop(page, [examples]);
-  await finished(page);
-  const { files } = addedByCommandLine(examples, "--subfolder");
+  await rows(page, 8);
   await button(page, "Write into Folder…").click();
-  await page.getByText("8 files").waitFor();
-  assert.deepEqual(await writtenFiles(page), files);
+  await page.getByText("Done – 8 files written.").first().waitFor();
+  const runs = [["--subfolder"]];
+  assert.deepEqual(await writtenFiles(page), addedByCommandLine(examples, ...runs).files);
+
+  for (const replaces of [false, true]) {
+    await button(page, "Clear List").click();
+    await page.getByRole("checkbox", { name: "Replace" }).setChecked(replaces);
+    await drop(page, [examples]);
+    await rows(page, 8);
+    runs.push(replaces ? ["--overwrite", "--subfolder"] : ["--subfolder"]);
+    assert.deepEqual(await writtenFiles(page), addedByCommandLine(examples, ...runs).files);
+  }
   await page.context().close();
 });
 
 test("2,000 files never keep the page from answering; leaving asks while they run", async () => {
-  const page = await visit({}, (page) =>
-    page.addInitScript(() => {
-      /** @type {number[]} */
-      const tasks = [];
-      new PerformanceObserver((list) => {
-        tasks.push(...list.getEntries().map((entry) => entry.duration));
-      }).observe({ type: "longtask", buffered: true });
-      Object.assign(window, { tasks });
-    }),
-  );
+  const page = await visit();
   /** @type {string[]} */
   const dialogs = [];
   page.on("dialog", (dialog) => {
@@ -150,30 +187,52 @@ test("2,000 files never keep the page from answering; leaving asks while they ru
     dialog.dismiss();
   });
   await page.getByRole("heading", { name: "Corvana" }).click();
+  await browser.startTracing(page, { categories: ["toplevel"] });
   await drop(page, [many]);
-  await button(page, "Stop").waitFor();
+  await page.waitForFunction(() => !document.getElementById("stop")?.hidden, null, { polling: 20 });
   await page.close({ runBeforeUnload: true });
-  await finished(page);
+  await ended(page);
+  const { traceEvents } = JSON.parse((await browser.stopTracing()).toString());
+  await rows(page, 2000);
   assert.deepEqual(dialogs, ["beforeunload"]);
-  const tasks = await page.evaluate(() => /** @type {any} */ (window).tasks);
-  console.log(`longest task with 2,000 files: ${Math.max(0, ...tasks)} ms`);
-  await page.close({ runBeforeUnload: true });
-  assert.ok(page.isClosed(), "leaving afterwards does not ask");
+  await Promise.all([page.waitForEvent("close"), page.close({ runBeforeUnload: true })]);
+  assert.equal(dialogs.length, 1, "leaving afterwards does not ask");
+
+  // What is asserted is the processor's time of each task: how long it takes by the clock depends on
+  // what else runs on this machine's processors, with other people's builds half a second.
+  /** @type {{ name: string, pid: number, tid: number, args: { name: string }, dur: number, tdur: number }[]} */
+  const events = traceEvents;
+  const threads = events.filter(({ args }) => args.name === "CrRendererMain");
+  const tasks = events.filter(({ name, pid, tid, tdur }) => {
+    const isMain = threads.some((thread) => thread.pid === pid && thread.tid === tid);
+    return isMain && name.endsWith("RunTask") && tdur !== undefined;
+  });
+  const longest = Math.max(...tasks.map(({ tdur }) => tdur)) / 1000;
+  const byClock = Math.max(...tasks.map(({ dur }) => dur)) / 1000;
+  console.log(`2,000 files: longest task ${longest} ms, ${byClock} ms by the clock`);
+  assert.ok(tasks.length > 2000 && longest < 50, `${longest} ms`);
   await page.context().close();
 });
 
-test("works offline after the first visit", async () => {
+test("works offline after the first visit, by the keyboard", async () => {
   const own = await servePage();
   const context = await browser.newContext();
   const page = await context.newPage();
   await page.goto(own.address);
-  await page.evaluate(() => navigator.serviceWorker.ready);
+  await canBeOffline(page);
   await own.stop();
   await context.setOffline(true);
   await page.reload();
-  await drop(page, [examples]);
-  await finished(page);
-  assert.equal(await page.getByRole("listitem").count(), 8);
+  await page.getByText(`Corvana ${version}`).waitFor();
+  const opening = page.waitForEvent("filechooser");
+  await button(page, "Choose Files…").press("Enter");
+  await (await opening).setFiles(path.join(examples, "Bass/Round Bass A1.wav"));
+  await rows(page, 1);
+  const saving = page.waitForEvent("download");
+  await button(page, "Save Round Bass A1.aif").press("Enter");
+  const saved = fs.readFileSync(await (await saving).path());
+  const { files } = addedByCommandLine(examples, []);
+  assert.equal(saved.toString("base64"), files["Examples/Bass/Round Bass A1.aif"]);
   await context.close();
 });
 
@@ -184,13 +243,20 @@ test("nothing leaves the page, whatever it does", async () => {
     heard.push(url);
     answer.end();
   });
-  await new Promise((resolve) => elsewhere.listen(0, () => resolve(null)));
+  await new Promise((resolve) => elsewhere.unref().listen(0, () => resolve(null)));
   const { port } = /** @type {import("node:net").AddressInfo} */ (elsewhere.address());
   const page = await visit();
-  await page.evaluate(() => navigator.serviceWorker.ready);
-  const loaded = site.requests.length;
-  await drop(page, [kit]);
-  await finished(page);
+  await canBeOffline(page);
+  let loaded = 0;
+  while (loaded !== site.requests.length) {
+    loaded = site.requests.length;
+    await page.waitForTimeout(500);
+  }
+  await drop(page, [examples]);
+  await rows(page, 8);
+  await page.getByRole("button", { name: "Waveform" }).first().click();
+  await button(page, "Zoom In").click();
+  await Promise.all([page.waitForEvent("download"), button(page, "Save All as ZIP").click()]);
   /** @param {string} address */
   const send = async (address) => {
     const results = [
@@ -223,7 +289,6 @@ test("nothing leaves the page, whatever it does", async () => {
   assert.deepEqual(heard, []);
   assert.deepEqual(site.requests.slice(loaded), []);
   assert.deepEqual(await page.context().cookies(), []);
-  elsewhere.close();
   await page.context().close();
 });
 
@@ -233,9 +298,60 @@ test("a file larger than the memory is refused by name", async () => {
   fs.truncateSync(large, 5 * 2 ** 30);
   const page = await visit();
   await drop(page, [large, path.join(examples, "Keys")]);
-  await finished(page);
-  const rows = await page.getByRole("listitem").allTextContents();
-  assert.match(rows[0], /Large\.wav.*Not enough memory/s);
-  assert.equal(rows.length, 3);
+  const [text] = await rows(page, 3);
+  assert.match(text, /^Large\.wav.*Not enough memory/s);
   await page.context().close();
 });
+
+const devices = {
+  desktop: { code: "en", locale: "en-GB", viewport: { width: 1280, height: 800 } },
+  phone: { code: "de", locale: "de-DE", viewport: { width: 390, height: 844 }, hasTouch: true },
+};
+
+for (const [device, { code, ...options }] of Object.entries(devices))
+  for (const colorScheme of /** @type {const} */ (["light", "dark"]))
+    test(`pictures and accessibility of every state: ${device}, ${colorScheme}`, async () => {
+      const texts = code === "de" ? german.texts : {};
+      /** @param {string} text */
+      const named = (text) =>
+        button(page, String(texts[text] ?? texts[`&${text}`] ?? text).replace("&", ""));
+      const page = await visit({ ...options, colorScheme });
+      await page.evaluate(axe.source);
+      /** @param {string} state */
+      const look = async (state) => {
+        const picture = `${state}-${device}-${colorScheme}.png`;
+        await page.screenshot({ path: path.join(screenshots, picture), animations: "disabled" });
+        const found = await page.evaluate(async () => {
+          const { violations } = await /** @type {any} */ (window).axe.run();
+          return violations.map((/** @type {import("axe-core").Result} */ { id, nodes }) => {
+            return `${id}: ${nodes.map((node) => node.html).join()}`;
+          });
+        });
+        assert.deepEqual(found, [], state);
+      };
+
+      await look("empty");
+      const privacy = page.locator("details.privacy");
+      await privacy.click();
+      await look("privacy");
+      await privacy.locator("summary").click();
+      await drop(page, [examples, long], ["dragEnter", "dragOver"]);
+      await look("dropping");
+      await drop(page, [examples, long], ["drop"]);
+      await named("Stop").waitFor();
+      await look("running");
+      await named("Stop").click();
+      await named("Clear List").click();
+      await drop(page, [examples, broken]);
+      const shown = await rows(page, 9);
+      for (const [index, record] of commandLine.records(code, "info", "--json", examples).entries())
+        for (const { text } of record.conversion.warnings) assert.ok(shown[index].includes(text));
+      await look("done");
+      await page.getByRole("button", { name: "Backward Bells A4.wav" }).first().click();
+      await look("open");
+      for (let times = 0; times < 4; ++times) await named("Zoom In").click();
+      await look("zoomed");
+      await page.getByRole("button", { name: texts.Failed ? "Fehlgeschlagen" : "Failed" }).click();
+      await look("failed");
+      await page.context().close();
+    });

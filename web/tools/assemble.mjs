@@ -96,6 +96,7 @@ function declare(/** @type {string} */ npm) {
       path.join(npm, "languages/language.d.ts"),
       path.join(corvana, name.replace(/js$/, "d.ts")),
     );
+  fs.writeFileSync(path.join(types, "package.json"), '{ "type": "module" }\n');
   const zip = path.join(web, "node_modules/client-zip/index.d.ts");
   fs.copyFileSync(zip, path.join(types, "client-zip.d.ts"));
 }
@@ -126,9 +127,18 @@ function fillServiceWorker(page) {
   const files = ["./", ...kept.filter((name) => name !== "index.html")];
   const filled = code
     .replace('"VERSION"', JSON.stringify(hash.digest("hex").slice(0, 16)))
-    .replace('["FILES"]', JSON.stringify(files));
+    .replace('["FILES"]', JSON.stringify(files))
+    .replace('"POLICY"', JSON.stringify(policyOf(page)));
   if (!filled.includes("client-zip.js")) throw Error("The service worker has no list of files.");
   fs.writeFileSync(file, filled);
+}
+
+/** What the page says of connections. @param {string} page */
+function policyOf(page) {
+  const html = fs.readFileSync(path.join(page, "index.html"), "utf8");
+  const policy = /"Content-Security-Policy"\s+content="([^"]+)"/.exec(html)?.[1];
+  if (!policy) throw Error("The page has no policy.");
+  return policy;
 }
 
 /** @param {number} size in bytes */

@@ -13,7 +13,7 @@ const sources = /(^|\s)(src\/(vocabulary|wav|aiff|convert|inspect|check|verify)|
 
 /** @param {string} header "nplurals=2; plural=(n != 1);" */
 function pluralCode(header) {
-  const expression = /plural=\(?([n\d\s()?:!=<>&|%+-]+?)\)?;?\s*$/.exec(header)?.[1];
+  const expression = /plural=([n\d\s()?:!=<>&|%+-]+);?\s*$/.exec(header)?.[1];
   if (!expression) throw Error(`Unknown plural forms: ${header}`);
   return `(n) => Number(${expression.trim()})`;
 }

@@ -39,12 +39,13 @@ export async function servePage() {
  * Drops files and folders of this machine onto the middle of the page, as the system would.
  * @param {Page} page
  * @param {string[]} files paths
+ * @param {("dragEnter" | "dragOver" | "drop")[]} steps
  */
-export async function drop(page, files) {
+export async function drop(page, files, steps = ["dragEnter", "dragOver", "drop"]) {
   const session = await page.context().newCDPSession(page);
   const { width, height } = page.viewportSize() ?? { width: 0, height: 0 };
   const data = { items: [], files, dragOperationsMask: 1 };
-  for (const type of /** @type {const} */ (["dragEnter", "dragOver", "drop"]))
+  for (const type of steps)
     await session.send("Input.dispatchDragEvent", { type, x: width / 2, y: height / 2, data });
   await session.detach();
 }
