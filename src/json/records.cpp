@@ -139,6 +139,7 @@ void addSummary(Json& object, const Summary& summary) {
   object["loopCount"] = summary.loopCount;
   object["markerCount"] = summary.markerCount;
   object["cuePointCount"] = summary.cuePointCount;
+  if (summary.isRestored) object["restored"] = true;
 }
 
 void addFormat(Json& object, const SoundFormat& format) {
