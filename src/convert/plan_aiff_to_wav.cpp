@@ -31,7 +31,8 @@ std::uint32_t roundRate(double sampleRate, Warnings& warnings) {
 
 Summary summarise(const WavContent& content) {
   const WavMetadata& metadata = content.metadata;
-  Summary summary{.bits = content.sampleSize,
+  Summary summary{.encoding = content.encoding,
+                  .bits = content.sampleSize,
                   .channels = content.channels,
                   .sampleRate = content.sampleRate,
                   .loopCount = static_cast<std::int64_t>(metadata.loops.size()),
@@ -46,13 +47,15 @@ Summary summarise(const WavContent& content) {
 }  // namespace
 
 ConversionPlan planAIFFToWAV(ByteView file, const ConversionOptions& options) {
-  const AiffInfo info = parseAiff(file);
+  const AiffInfo info = parseAiff(file, options.anyEncoding);
   const std::uint32_t width = bytesFor(info.sampleSize);
+  const bool isSigned = info.encoding == SampleEncoding::integer && !info.isUnsigned;
   ConversionPlan plan;
   // Bits below the sample size are copied as they are: the samples stay left-justified.
   plan.samples = {.offset = info.soundOffset,
                   .channels = info.channels,
-                  .conversion = {width, width, /*reverseBytes=*/!info.littleEndian}};
+                  .conversion = {width, width, /*reverseBytes=*/!info.littleEndian,
+                                 /*turnSign=*/isSigned}};
   // WAV states the size of a frame in 16 bits.
   if (plan.samples.outputFrameSize() > std::numeric_limits<std::uint16_t>::max())
     throw ConversionError::unsupported(UnsupportedKind::channels, {std::int64_t{info.channels}});
@@ -61,7 +64,8 @@ ConversionPlan planAIFFToWAV(ByteView file, const ConversionOptions& options) {
   WavContent content{.channels = info.channels,
                      .sampleSize = info.sampleSize,
                      .sampleRate = roundRate(info.sampleRate, plan.warnings),
-                     .frameCount = plan.samples.frameCount};
+                     .frameCount = plan.samples.frameCount,
+                     .encoding = info.encoding};
   content.metadata = mapLoopsAndMarkers(info, content.frameCount, options, plan.warnings);
   auto [header, trailer] = writeWav(content);
   plan.header = std::move(header);

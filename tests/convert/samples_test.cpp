@@ -60,12 +60,12 @@ TEST(SampleData, TheCompressionTypeTellsTheByteOrder) {
 
 /// The rule in its plainest form.
 ByteBuffer expectedSamples(const SampleConversion& conversion, ByteView source) {
-  const auto [sourceWidth, outputWidth, reverseBytes] = conversion;
+  const auto [sourceWidth, outputWidth, reverseBytes, turnSign] = conversion;
   ByteBuffer output;
   for (std::size_t sample = 0; sample < source.size(); sample += sourceWidth)
     for (std::size_t k = 0; k < outputWidth; ++k) {
       const std::uint8_t byte = source[sample + (reverseBytes ? sourceWidth - 1 - k : k)];
-      output.push_back(sourceWidth == 1 ? byte ^ 0x80 : byte);
+      output.push_back(sourceWidth == 1 && turnSign ? byte ^ 0x80 : byte);
     }
   return output;
 }

@@ -1,0 +1,13 @@
+// What the bits of a sample mean, in formats of either kind.
+#pragma once
+
+namespace corvana {
+
+enum class SampleEncoding {
+  integer,        ///< two's complement or offset by half the range, 1 to 32 bits
+  floatingPoint,  ///< IEEE 754, 32 or 64 bits
+  aLaw,           ///< logarithmic, 8 bits
+  muLaw,          ///< logarithmic, 8 bits
+};
+
+}  // namespace corvana
