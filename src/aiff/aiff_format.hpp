@@ -65,7 +65,6 @@ struct AiffInfo {
 namespace aiff_layout {
 inline constexpr std::size_t commonSize = 18;
 inline constexpr std::size_t compressedCommonSize = 22;
-inline constexpr std::uint32_t version = 0xA280'5140;  ///< of AIFF-C, in the FVER chunk
 inline constexpr std::size_t soundHeaderSize = 8;
 inline constexpr std::size_t markerCountSize = 2;
 inline constexpr std::size_t markerHeaderSize = 7;  ///< ID, position, length of the name

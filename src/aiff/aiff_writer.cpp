@@ -14,6 +14,8 @@ void appendInt16BE(ByteBuffer& buffer, std::int16_t value) {
   appendUInt16BE(buffer, static_cast<std::uint16_t>(value));
 }
 
+constexpr std::uint32_t formatVersion = 0xA280'5140;  // of AIFF-C; there is no other
+
 struct CompressionName {
   std::string_view type;
   std::string_view name;  ///< Mac OS Roman
@@ -91,7 +93,7 @@ SurroundingBytes writeAiff(const AiffContent& content) {
   ByteBuffer chunks;
   if (content.isCompressed()) {
     ByteBuffer version;
-    appendUInt32BE(version, aiff_layout::version);
+    appendUInt32BE(version, formatVersion);
     appendAiffChunk(chunks, "FVER", version);
   }
   appendAiffChunk(chunks, "COMM", buildCommonChunk(content));

@@ -31,12 +31,12 @@ std::uint32_t roundRate(double sampleRate, Warnings& warnings) {
 
 Summary summarise(const WavContent& content) {
   const WavMetadata& metadata = content.metadata;
-  Summary summary{.encoding = content.encoding,
-                  .bits = content.sampleSize,
+  Summary summary{.bits = content.sampleSize,
                   .channels = content.channels,
                   .sampleRate = content.sampleRate,
                   .loopCount = static_cast<std::int64_t>(metadata.loops.size()),
-                  .cuePointCount = static_cast<std::int64_t>(metadata.cuePoints.size())};
+                  .cuePointCount = static_cast<std::int64_t>(metadata.cuePoints.size()),
+                  .encoding = content.encoding};
   if (metadata.instrument) {
     summary.rootKey = metadata.instrument->unshiftedNote;
     summary.fineTune = metadata.instrument->fineTune;

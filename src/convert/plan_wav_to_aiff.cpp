@@ -31,12 +31,12 @@ SampleRun findSamples(const WavInfo& info, Warnings& warnings) {
 }
 
 Summary summarise(const AiffContent& content, std::size_t loopCount) {
-  Summary summary{.encoding = content.encoding,
-                  .bits = content.sampleSize,
+  Summary summary{.bits = content.sampleSize,
                   .channels = content.channels,
                   .sampleRate = content.sampleRate,
                   .loopCount = static_cast<std::int64_t>(loopCount),
-                  .markerCount = static_cast<std::int64_t>(content.markers.size())};
+                  .markerCount = static_cast<std::int64_t>(content.markers.size()),
+                  .encoding = content.encoding};
   if (content.instrument) {
     summary.rootKey = content.instrument->baseNote;
     summary.fineTune = content.instrument->detune;

@@ -17,7 +17,6 @@ namespace corvana {
 
 /// The figures of a converted file.
 struct Summary {
-  SampleEncoding encoding = SampleEncoding::integer;
   std::int64_t bits = 0;         ///< per sample
   std::int64_t channels = 0;     ///< samples in a frame
   std::uint32_t sampleRate = 0;  ///< Hz
@@ -27,6 +26,7 @@ struct Summary {
   std::int64_t loopCount = 0;      ///< that the output keeps, if only as markers
   std::int64_t markerCount = 0;    ///< AIFF: in the output
   std::int64_t cuePointCount = 0;  ///< WAV: in the output
+  SampleEncoding encoding = SampleEncoding::integer;
 };
 
 /// "16-bit, stereo, 44100 Hz, root key 60 (+12 ct), 2 loops, 4 markers", with the encodingText of
