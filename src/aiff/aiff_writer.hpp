@@ -19,6 +19,7 @@ struct AiffContent {
   std::uint32_t frameCount = 0;  ///< whole frames of samples
   std::vector<AiffMarker> markers = {};           ///< empty: no MARK chunk
   std::optional<AiffInstrument> instrument = {};  ///< absent: no INST chunk
+  /// What samples are.
   SampleEncoding encoding = SampleEncoding::integer;
 
   bool isCompressed() const { return encoding != SampleEncoding::integer; }  ///< AIFF-C

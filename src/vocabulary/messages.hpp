@@ -26,6 +26,7 @@ struct Summary {
   std::int64_t loopCount = 0;      ///< that the output keeps, if only as markers
   std::int64_t markerCount = 0;    ///< AIFF: in the output
   std::int64_t cuePointCount = 0;  ///< WAV: in the output
+  /// What samples are.
   SampleEncoding encoding = SampleEncoding::integer;
 };
 

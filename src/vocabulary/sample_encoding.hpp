@@ -3,6 +3,7 @@
 
 namespace corvana {
 
+/// How a sample says its value.
 enum class SampleEncoding {
   integer,        ///< two's complement or offset by half the range, 1 to 32 bits
   floatingPoint,  ///< IEEE 754, 32 or 64 bits

@@ -28,6 +28,7 @@ struct WavContent {
   std::uint32_t sampleRate = 0;  ///< Hz, not 0
   std::uint32_t frameCount = 0;  ///< whole frames of samples
   WavMetadata metadata = {};     ///< what the sampler needs
+  /// What samples are.
   SampleEncoding encoding = SampleEncoding::integer;
 };
 
