@@ -1,4 +1,5 @@
-// What the bits of a sample mean, in formats of either kind.
+// What the bits of a sample mean: one vocabulary for both formats, which tell it by a number or by
+// four characters.
 #pragma once
 
 namespace corvana {
