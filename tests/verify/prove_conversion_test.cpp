@@ -196,11 +196,6 @@ TEST(Proof, NamesDamageOfAnyEncoding) {
         "chunk-field/464c36341536342d62697420666c6f6174696e6720"
         "706f696e74/666c36341536342d62697420666c6f6174696e672070"
         "6f696e74"}},
-      {wavFile,
-       {"COMM", 18, 4, "'fl32'",
-        "bit-depth/32/64; sound-size/8/4; chunk-field/666c3332"
-        "1536342d62697420666c6f6174696e6720706f696e74/666c363415"
-        "36342d62697420666c6f6174696e6720706f696e74"}},
       {wavFile, {"FVER", 3, 1, "41", "format-version"}},
       {aiffFile, {"data", 1, 1, "7E", "sample 1 1/7e/7f"}},
       {aiffFile, {"fact", 0, 1, "04", "chunk-field/4/3"}},
