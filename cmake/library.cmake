@@ -23,6 +23,7 @@ set(public_headers
   vocabulary/language.hpp
   vocabulary/messages.hpp
   vocabulary/note_name.hpp
+  vocabulary/sample_encoding.hpp
   vocabulary/streams.hpp
   vocabulary/warnings.hpp
   wav/record_view.hpp

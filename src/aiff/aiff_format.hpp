@@ -7,6 +7,8 @@
 #include <string>
 #include <vector>
 
+#include "vocabulary/sample_encoding.hpp"
+
 namespace corvana {
 
 /// One marker of the MARK chunk. It lies between two frames.
@@ -45,11 +47,14 @@ struct AiffInstrument {
 
 /// What the reader finds in an AIFF file.
 struct AiffInfo {
-  std::uint16_t channels = 0;                ///< 1 to 32767
-  std::uint32_t frameCount = 0;              ///< as declared; the sound data may hold fewer
-  std::uint16_t sampleSize = 0;              ///< bits, 1 to 32
+  std::uint16_t channels = 0;    ///< 1 to 32767
+  std::uint32_t frameCount = 0;  ///< as declared; the sound data may hold fewer
+  /// What samples are; others than integers only where the reader was asked for them.
+  SampleEncoding encoding = SampleEncoding::integer;
+  std::uint16_t sampleSize = 0;              ///< bits: 1 to 32, or 64 of floating point
   double sampleRate = 0;                     ///< Hz, at least 1 and below 4,000,000,000
-  bool littleEndian = false;                 ///< compression type "sowt"
+  bool littleEndian = false;                 ///< compression type "sowt", "42ni" or "23ni"
+  bool isUnsigned = false;                   ///< compression type "raw "
   std::size_t soundOffset = 0;               ///< of the first sample byte in the file
   std::uint64_t soundSize = 0;               ///< sample bytes that are there
   std::vector<AiffMarker> markers;           ///< in file order, duplicate IDs included

@@ -27,15 +27,54 @@ bool checkHeader(ByteView file) {
   return header.id(8) == "AIFC";
 }
 
-/// Whether samples of this compression type are little-endian.
-bool isLittleEndian(std::string_view compressionType) {
-  if (compressionType == "sowt") return true;
-  for (const std::string_view bigEndian : {"NONE", "twos", "in24", "in32"})
-    if (compressionType == bigEndian) return false;
-  const bool isASCII = std::all_of(compressionType.begin(), compressionType.end(),
+/// What a compression type makes of the samples.
+struct Compression {
+  std::string_view type;
+  bool littleEndian = false;
+  /// Bits of a sample, whatever else is said of it; 0: as said.
+  std::uint16_t sampleSize = 0;
+  SampleEncoding encoding = SampleEncoding::integer;
+};
+
+constexpr Compression ordinary[] = {{"NONE"}, {"twos"}, {"in24"}, {"in32"}, {"sowt", true}};
+
+constexpr Compression lessCommon[] = {
+    {"raw "},
+    {"42ni", true, 24},
+    {"23ni", true, 32},
+    {"fl32", false, 32, SampleEncoding::floatingPoint},
+    {"FL32", false, 32, SampleEncoding::floatingPoint},
+    {"fl64", false, 64, SampleEncoding::floatingPoint},
+    {"FL64", false, 64, SampleEncoding::floatingPoint},
+    {"alaw", false, 8, SampleEncoding::aLaw},
+    {"ALAW", false, 8, SampleEncoding::aLaw},
+    {"ulaw", false, 8, SampleEncoding::muLaw},
+    {"ULAW", false, 8, SampleEncoding::muLaw},
+};
+
+Compression compressionOf(std::string_view type, bool anyEncoding) {
+  for (const Compression& known : ordinary)
+    if (known.type == type) return known;
+  if (anyEncoding)
+    for (const Compression& known : lessCommon)
+      if (known.type == type) return known;
+  const bool isASCII = std::all_of(type.begin(), type.end(),
                                    [](char c) { return static_cast<unsigned char>(c) < 0x80; });
   throw ConversionError::unsupported(UnsupportedKind::compression,
-                                     {std::string(isASCII ? compressionType : "????")});
+                                     {std::string(isASCII ? type : "????")});
+}
+
+/// The bits of a sample, of which the COMM chunk says `declared`.
+std::uint16_t sampleSizeOf(const Compression& compression, std::int16_t declared) {
+  const bool isInteger = compression.encoding == SampleEncoding::integer;
+  const int most = compression.type == "raw " ? 8 : 32;
+  if (isInteger && (declared < 1 || declared > most))
+    throw ConversionError::unsupported(UnsupportedKind::bitDepth, {std::int64_t{declared}});
+  const auto size = static_cast<std::uint16_t>(declared);
+  // Samples may leave the lowest bits of their bytes unused, never a whole byte.
+  const bool counts = isInteger && (compression.sampleSize == 0 ||
+                                    bytesFor(size) == bytesFor(compression.sampleSize));
+  return counts ? size : compression.sampleSize;
 }
 
 AiffLoop readLoop(const Fields& fields, std::size_t offset) {
@@ -48,19 +87,21 @@ AiffLoop readLoop(const Fields& fields, std::size_t offset) {
 
 }  // namespace
 
-AiffInfo parseAiff(ByteView file, double rateLimit) {
+AiffInfo parseAiff(ByteView file, bool anyEncoding, double rateLimit) {
   const bool isAIFC = checkHeader(file);
   AiffInfo info;
   bool hasCommon = false;
   bool hasSound = false;
   walkChunks(file, ByteOrder::big, [&](const Chunk& chunk) {
     if (chunk.id == "COMM") {
-      const CommonChunk common = parseCommonChunk(chunk.body, isAIFC, rateLimit);
+      const CommonChunk common = parseCommonChunk(chunk.body, isAIFC, anyEncoding, rateLimit);
       info.channels = common.channels;
       info.frameCount = common.frameCount;
+      info.encoding = common.encoding;
       info.sampleSize = common.sampleSize;
       info.sampleRate = common.sampleRate;
       info.littleEndian = common.littleEndian;
+      info.isUnsigned = common.isUnsigned;
       hasCommon = true;
     } else if (chunk.id == "SSND") {
       if (chunk.body.size() < aiff_layout::soundHeaderSize) return;
@@ -81,28 +122,31 @@ AiffInfo parseAiff(ByteView file, double rateLimit) {
   return info;
 }
 
-CommonChunk parseCommonChunk(ByteView body, bool isAIFC, double rateLimit) {
+CommonChunk parseCommonChunk(ByteView body, bool isAIFC, bool anyEncoding, double rateLimit) {
   if (body.size() < aiff_layout::commonSize) throw ConversionError(Case::missingComm);
   const Fields fields = fieldsOf(body);
   const std::int16_t channels = fields.i16(0);
   const std::uint32_t frameCount = fields.u32(2);
-  const std::int16_t sampleSize = fields.i16(6);
   const double sampleRate = decodeExtended80(body.subspan(8, extended80Size));
 
-  bool littleEndian = false;
+  Compression compression = ordinary[0];
   if (isAIFC) {
     if (body.size() < aiff_layout::compressedCommonSize) throw ConversionError(Case::missingComm);
-    littleEndian = isLittleEndian(fields.id(18));
+    compression = compressionOf(fields.id(18), anyEncoding);
   }
   if (channels < 1)
     throw ConversionError::unsupported(UnsupportedKind::channels, {std::int64_t{channels}});
-  if (sampleSize < 1 || sampleSize > 32)
-    throw ConversionError::unsupported(UnsupportedKind::bitDepth, {std::int64_t{sampleSize}});
+  const std::uint16_t sampleSize = sampleSizeOf(compression, fields.i16(6));
   // Asked this way round, not-a-number is refused as well.
   if (!(sampleRate >= 1.0 && sampleRate < rateLimit))
     throw ConversionError::unsupported(UnsupportedKind::sampleRate, {sampleRate});
-  return {static_cast<std::uint16_t>(channels), frameCount, static_cast<std::uint16_t>(sampleSize),
-          sampleRate, littleEndian};
+  return {.channels = static_cast<std::uint16_t>(channels),
+          .frameCount = frameCount,
+          .encoding = compression.encoding,
+          .sampleSize = sampleSize,
+          .sampleRate = sampleRate,
+          .littleEndian = compression.littleEndian,
+          .isUnsigned = compression.type == "raw "};
 }
 
 std::vector<AiffMarker> parseMarkerChunk(ByteView body) {

@@ -14,12 +14,47 @@ void appendInt16BE(ByteBuffer& buffer, std::int16_t value) {
   appendUInt16BE(buffer, static_cast<std::uint16_t>(value));
 }
 
+constexpr std::uint32_t formatVersion = 0xA280'5140;  // of AIFF-C; there is no other
+
+struct CompressionName {
+  std::string_view type;
+  std::string_view name;  ///< Mac OS Roman
+};
+
+/// The names that the publisher of the types gave them.
+CompressionName compressionOf(const AiffContent& content) {
+  switch (content.encoding) {
+    case SampleEncoding::floatingPoint:
+      if (content.sampleSize == 64) return {"fl64", "64-bit floating point"};
+      return {"fl32", "32-bit floating point"};
+    case SampleEncoding::aLaw:
+      return {"alaw", "ALaw 2:1"};
+    case SampleEncoding::muLaw:
+      return {"ulaw", "\xB5Law 2:1"};
+    case SampleEncoding::integer:
+      break;
+  }
+  return {"NONE", "not compressed"};
+}
+
+/// Of logarithmic samples the chunk states what they become.
+std::uint16_t statedSampleSize(const AiffContent& content) {
+  const bool isLogarithmic =
+      content.encoding == SampleEncoding::aLaw || content.encoding == SampleEncoding::muLaw;
+  return isLogarithmic ? 16 : content.sampleSize;
+}
+
 ByteBuffer buildCommonChunk(const AiffContent& content) {
   ByteBuffer body;
   appendUInt16BE(body, content.channels);
   appendUInt32BE(body, content.frameCount);
-  appendUInt16BE(body, content.sampleSize);
+  appendUInt16BE(body, statedSampleSize(content));
   appendExtended80(body, content.sampleRate);
+  if (content.isCompressed()) {
+    const auto [type, name] = compressionOf(content);
+    appendFourCC(body, type);
+    appendPString(body, name);
+  }
   return body;
 }
 
@@ -56,6 +91,11 @@ ByteBuffer buildInstrumentChunk(const AiffInstrument& instrument) {
 
 SurroundingBytes writeAiff(const AiffContent& content) {
   ByteBuffer chunks;
+  if (content.isCompressed()) {
+    ByteBuffer version;
+    appendUInt32BE(version, formatVersion);
+    appendAiffChunk(chunks, "FVER", version);
+  }
   appendAiffChunk(chunks, "COMM", buildCommonChunk(content));
   if (!content.markers.empty()) appendAiffChunk(chunks, "MARK", buildMarkerChunk(content.markers));
   if (content.instrument)
@@ -72,7 +112,7 @@ SurroundingBytes writeAiff(const AiffContent& content) {
   SurroundingBytes file;
   appendFourCC(file.header, "FORM");
   appendUInt32BE(file.header, static_cast<std::uint32_t>(formSize));
-  appendFourCC(file.header, "AIFF");
+  appendFourCC(file.header, content.isCompressed() ? "AIFC" : "AIFF");
   appendBytes(file.header, chunks);
   appendFourCC(file.header, "SSND");
   appendUInt32BE(file.header, static_cast<std::uint32_t>(soundChunkSize));

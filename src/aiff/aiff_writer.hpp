@@ -1,4 +1,5 @@
-// Writes the bytes of a plain AIFF file: COMM, MARK, INST, SSND.
+// Writes the bytes of an AIFF file: COMM, MARK, INST, SSND. Samples that are not integers make it
+// AIFF-C, with FVER ahead of the others.
 #pragma once
 
 #include <cstdint>
@@ -12,12 +13,16 @@ namespace corvana {
 
 /// Everything of an AIFF file but its samples.
 struct AiffContent {
-  std::uint16_t channels = 0;                     ///< at most 32767
-  std::uint16_t sampleSize = 0;                   ///< bits, 1 to 32
-  std::uint32_t sampleRate = 0;                   ///< Hz
-  std::uint32_t frameCount = 0;                   ///< whole frames of samples
+  std::uint16_t channels = 0;    ///< at most 32767
+  std::uint16_t sampleSize = 0;  ///< bits of a stored sample: 1 to 32, or as the encoding has it
+  std::uint32_t sampleRate = 0;  ///< Hz
+  std::uint32_t frameCount = 0;  ///< whole frames of samples
   std::vector<AiffMarker> markers = {};           ///< empty: no MARK chunk
   std::optional<AiffInstrument> instrument = {};  ///< absent: no INST chunk
+  /// What samples are.
+  SampleEncoding encoding = SampleEncoding::integer;
+
+  bool isCompressed() const { return encoding != SampleEncoding::integer; }  ///< AIFF-C
 };
 
 /// The file around its samples. A sample takes as many bytes as its bits need. Fails with tooLarge.

@@ -20,7 +20,9 @@ bool isLeftAlone(AudioFile& file, const BatchOptions& options) {
     const InputFile input(openFolderOf(file).folder(), std::string(file.name()), file.path(),
                           options.accessTime());
     if (options.preserveTimes) file.earlierTimes = std::make_shared<FileTimes>(input.times());
-    return input.read(detectFormat) == (options.direction == Direction::toAIFF);
+    const bool anyEncoding = options.conversion.anyEncoding;
+    return input.read([&](ByteView content) { return detectFormat(content, anyEncoding); }) ==
+           (options.direction == Direction::toAIFF);
   } catch (const std::exception&) {
     return false;
   }

@@ -150,6 +150,7 @@ class BatchConversion {
   std::unique_ptr<const InputFile> open(const AudioFile& file, const Folder& folder) const;
   Input openInput(const Current& current, Kept& kept);
   ConversionOptions optionsFor(const AudioFile& file) const;
+  bool isAIFF(const InputFile& file) const;
   ConversionPlan planOf(const Input& input, const AudioFile& file) const;
   bool isSettled(Input& input, const Current& current, const Folder& folder);
   void endTurn(Current& current);
@@ -278,6 +279,11 @@ ConversionOptions BatchConversion::optionsFor(const AudioFile& file) const {
   return conversion;
 }
 
+bool BatchConversion::isAIFF(const InputFile& file) const {
+  const bool anyEncoding = names_.options.conversion.anyEncoding;
+  return file.read([&](ByteView content) { return detectFormat(content, anyEncoding); });
+}
+
 ConversionPlan BatchConversion::planOf(const Input& input, const AudioFile& file) const {
   const auto plan = input.isAIFF ? planAIFFToWAV : planWAVToAIFF;
   return input.file->read([&](ByteView content) { return plan(content, optionsFor(file)); });
@@ -288,7 +294,7 @@ void BatchConversion::openEarly(const AudioFile& file, Kept& kept) {
   kept.early = {};
   try {
     Input input{open(file, folderOf(file, kept))};
-    input.isAIFF = input.file->read(detectFormat);
+    input.isAIFF = isAIFF(*input.file);
     if (!names_.options.skipExisting) input.plan = planOf(input, file);
     kept.early = std::move(input);
   } catch (const std::exception&) {
@@ -308,7 +314,7 @@ BatchConversion::Input BatchConversion::openInput(const Current& current, Kept& 
     inWork_.waitForEarlier(current.number);
     input = {open(file, folder)};
   }
-  if (!input.plan) input.isAIFF = input.file->read(detectFormat);
+  if (!input.plan) input.isAIFF = isAIFF(*input.file);
   return input;
 }
 

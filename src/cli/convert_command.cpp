@@ -178,6 +178,10 @@ ConvertLine::ConvertLine() : app(description, "corvana-cli") {
       ->group(what);
 
   const std::string kept = "What outputs get";
+  app.add_flag(
+         "--any-encoding", batch.conversion.anyEncoding,
+         "Floating point, µ-law and A-law as they are, into AIFF-C or WAV; reads RIFX as well")
+      ->group(kept);
   const auto addLoopChoice = [&](const char* name, LoopChoice choice, const char* description) {
     return app
         .add_flag_callback(

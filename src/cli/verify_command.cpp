@@ -51,7 +51,7 @@ class NamedFile {
   /// Fails with a FileError that names the file, where it is neither WAV nor AIFF as well.
   bool isAIFF() const {
     try {
-      return content_.read(detectFormat);
+      return content_.read([](ByteView content) { return detectFormat(content, true); });
     } catch (const ConversionError& error) {
       throw FileError(EINVAL, localised("Cannot read '%1$@': %2$@"), file_.path(),
                       errorDescription(error, systemLanguage()));
@@ -102,8 +102,8 @@ Verdict verify(const VerifyLine& line) {
                                 "WAV, the other AIFF."),
                       line.output);
     object["direction"] = directionCode(fromAIFF);
-    const Differences differences =
-        verifyFiles(input.content(), output.content(), {Producer::anyProgram}, {});
+    const Differences differences = verifyFiles(input.content(), output.content(),
+                                                {Producer::anyProgram, {.anyEncoding = true}}, {});
     return verdictOf(differences, object, line.json);
   } catch (const ConversionError& error) {
     object["error"] = errorObject(error, systemLanguage());

@@ -28,10 +28,12 @@ ByteBuffer headOf(const Capsule& capsule) {
   appendInteger(head, capsule.outputSum, order);
   appendInteger(head, capsule.frameCount, order);
   appendInteger(head, capsule.channels, order);
-  head.push_back(capsule.originalWidth);
-  head.push_back(capsule.outputWidth);
-  appendNumber(head, capsule.reverseBytes ? 1 : 0);
+  const SampleConversion& conversion = capsule.conversion;
   const Summary& summary = capsule.summary;
+  for (const std::uint32_t value :
+       {conversion.sourceWidth, conversion.outputWidth, std::uint32_t{conversion.reverseBytes},
+        std::uint32_t{conversion.turnSign}, static_cast<std::uint32_t>(summary.encoding), 0U})
+    head.push_back(static_cast<std::uint8_t>(value));
   appendNumber(head, summary.bits);
   appendNumber(head, summary.sampleRate);
   appendNumber(head, summary.rootKey.value_or(noKey));
@@ -50,6 +52,20 @@ std::uint64_t sumOf(ByteView bytes) {
   return sum.value();
 }
 
+std::optional<SampleEncoding> encodingOf(std::uint8_t number) {
+  for (const SampleEncoding encoding : {SampleEncoding::integer, SampleEncoding::floatingPoint,
+                                        SampleEncoding::aLaw, SampleEncoding::muLaw})
+    if (static_cast<std::uint8_t>(encoding) == number) return encoding;
+  return std::nullopt;
+}
+
+/// Whether there are samples that are converted so.
+bool canBe(const SampleConversion& conversion) {
+  const auto [source, output, reverse, turn] = conversion;
+  if (source == 8) return output == 8;
+  return source >= 1 && source <= 4 && output >= 1 && output <= source;
+}
+
 /// Signed where it was put down as such.
 std::int64_t signedNumber(const Fields& fields, std::size_t offset) {
   return static_cast<std::int32_t>(fields.u32(offset));
@@ -60,20 +76,22 @@ std::optional<Capsule> read(ByteView body) {
   const ByteView summed = body.first(body.size() - sumSize);
   const Fields fields(body, order);
   if (fields.u32(0) != version || fields.u64(summed.size()) != sumOf(summed)) return std::nullopt;
-  Capsule capsule{.originalSum = fields.u64(4),
-                  .outputSum = fields.u64(12),
-                  .frameCount = fields.u32(20),
+  Capsule capsule{
+      .originalSum = fields.u64(4),
+      .outputSum = fields.u64(12),
+      .frameCount = fields.u32(20),
+      .channels = fields.u16(24),
+      .conversion = {fields.u8(26), fields.u8(27), fields.u8(28) != 0, fields.u8(29) != 0},
+      .summary = {.bits = signedNumber(fields, 32),
                   .channels = fields.u16(24),
-                  .originalWidth = fields.u8(26),
-                  .outputWidth = fields.u8(27),
-                  .reverseBytes = fields.u32(28) != 0,
-                  .summary = {.bits = signedNumber(fields, 32),
-                              .channels = fields.u16(24),
-                              .sampleRate = fields.u32(36),
-                              .fineTune = signedNumber(fields, 44),
-                              .loopCount = fields.u32(48),
-                              .markerCount = fields.u32(52),
-                              .cuePointCount = fields.u32(56)}};
+                  .sampleRate = fields.u32(36),
+                  .fineTune = signedNumber(fields, 44),
+                  .loopCount = fields.u32(48),
+                  .markerCount = fields.u32(52),
+                  .cuePointCount = fields.u32(56)}};
+  const std::optional<SampleEncoding> encoding = encodingOf(fields.u8(30));
+  if (!encoding) return std::nullopt;
+  capsule.summary.encoding = *encoding;
   if (const std::int64_t key = signedNumber(fields, 40); key != noKey)
     capsule.summary.rootKey = key;
   const std::uint64_t prefixSize = fields.u32(60);
@@ -84,11 +102,9 @@ std::optional<Capsule> read(ByteView body) {
   capsule.suffix =
       rest.subspan(static_cast<std::size_t>(prefixSize), static_cast<std::size_t>(suffixSize));
   capsule.samples = rest.subspan(static_cast<std::size_t>(prefixSize + suffixSize));
-  const bool hasWidths = capsule.originalWidth >= 1 && capsule.originalWidth <= 4 &&
-                         capsule.outputWidth >= 1 && capsule.outputWidth <= capsule.originalWidth;
   const std::uint64_t sampleBytes = std::uint64_t{capsule.frameCount} * capsule.channels *
-                                    (capsule.hasLostBits() ? capsule.originalWidth : 0);
-  if (capsule.channels == 0 || !hasWidths || capsule.samples.size() != sampleBytes)
+                                    (capsule.hasLostBits() ? capsule.conversion.sourceWidth : 0);
+  if (capsule.channels == 0 || !canBe(capsule.conversion) || capsule.samples.size() != sampleBytes)
     return std::nullopt;
   return capsule;
 }
@@ -96,16 +112,13 @@ std::optional<Capsule> read(ByteView body) {
 }  // namespace
 
 void appendCapsule(ByteBuffer& trailer, const Capsule& capsule, bool isWAV) {
-  ByteBuffer body;
-  if (!isWAV) appendFourCC(body, signature);
-  const std::size_t start = body.size();
-  appendBytes(body, headOf(capsule));
-  appendBytes(body, capsule.prefix);
-  appendBytes(body, capsule.suffix);
-  appendBytes(body, capsule.samples);
-  appendInteger(body, sumOf(ByteView(body).subspan(start)), order);
-  appendChunk(trailer, isWAV ? wavChunk : aiffChunk, body,
-              isWAV ? ByteOrder::little : ByteOrder::big);
+  ByteBuffer content = headOf(capsule);
+  for (const ByteView part : {capsule.prefix, capsule.suffix, capsule.samples})
+    appendBytes(content, part);
+  appendInteger(content, sumOf(content), order);
+  if (isWAV) return appendChunk(trailer, wavChunk, content, ByteOrder::little);
+  content.insert(content.begin(), signature.begin(), signature.end());
+  appendChunk(trailer, aiffChunk, content, ByteOrder::big);
 }
 
 std::optional<Capsule> findCapsule(ByteView file, bool isWAV, bool& isThere) {

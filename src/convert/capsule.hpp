@@ -18,16 +18,14 @@ struct Capsule {
   std::uint64_t outputSum = 0;
   std::uint32_t frameCount = 0;  ///< between prefix and suffix
   std::uint16_t channels = 0;
-  std::uint8_t originalWidth = 0;  ///< bytes of a sample in the original
-  std::uint8_t outputWidth = 0;    ///< bytes of a sample in the output
-  bool reverseBytes = false;       ///< SampleConversion::reverseBytes
-  Summary summary = {};            ///< what the original is
-  ByteView prefix = {};            ///< of the original, ahead of its samples
-  ByteView suffix = {};            ///< of the original, behind them
-  ByteView samples = {};           ///< of the original, where hasLostBits; else empty
+  SampleConversion conversion = {};  ///< from the original to the output
+  Summary summary = {};              ///< what the original is
+  ByteView prefix = {};              ///< of the original, ahead of its samples
+  ByteView suffix = {};              ///< of the original, behind them
+  ByteView samples = {};             ///< of the original, where hasLostBits; else empty
 
   /// Whether the samples of the output do not tell those of the original.
-  bool hasLostBits() const { return outputWidth != originalWidth; }
+  bool hasLostBits() const { return conversion.outputWidth != conversion.sourceWidth; }
 };
 
 /// Appends the chunk to the output's trailer, which has an even end: "APPL" in an AIFF file, "crvn"

@@ -36,7 +36,8 @@ Summary summarise(const WavContent& content) {
                   .channels = content.channels,
                   .sampleRate = content.sampleRate,
                   .loopCount = static_cast<std::int64_t>(metadata.loops.size()),
-                  .cuePointCount = static_cast<std::int64_t>(metadata.cuePoints.size())};
+                  .cuePointCount = static_cast<std::int64_t>(metadata.cuePoints.size()),
+                  .encoding = content.encoding};
   if (metadata.instrument) {
     summary.rootKey = metadata.instrument->unshiftedNote;
     summary.fineTune = metadata.instrument->fineTune;
@@ -51,12 +52,14 @@ ConversionPlan planAIFFToWAV(ByteView file, const ConversionOptions& options) {
   if (options.reversible)
     if (auto restored = planRestoring(file, /*isWAV=*/false, plan.warnings))
       return *std::move(restored);
-  const AiffInfo info = parseAiff(file);
+  const AiffInfo info = parseAiff(file, options.anyEncoding);
   const std::uint32_t width = bytesFor(info.sampleSize);
+  const bool isSigned = info.encoding == SampleEncoding::integer && !info.isUnsigned;
   // Bits below the sample size are copied as they are: the samples stay left-justified.
   plan.samples = {.offset = info.soundOffset,
                   .channels = info.channels,
-                  .conversion = {width, width, /*reverseBytes=*/!info.littleEndian}};
+                  .conversion = {width, width, /*reverseBytes=*/!info.littleEndian,
+                                 /*turnSign=*/isSigned}};
   // WAV states the size of a frame in 16 bits.
   if (plan.samples.outputFrameSize() > std::numeric_limits<std::uint16_t>::max())
     throw ConversionError::unsupported(UnsupportedKind::channels, {std::int64_t{info.channels}});
@@ -65,7 +68,8 @@ ConversionPlan planAIFFToWAV(ByteView file, const ConversionOptions& options) {
   WavContent content{.channels = info.channels,
                      .sampleSize = info.sampleSize,
                      .sampleRate = roundRate(info.sampleRate, plan.warnings),
-                     .frameCount = plan.samples.frameCount};
+                     .frameCount = plan.samples.frameCount,
+                     .encoding = info.encoding};
   content.metadata = mapLoopsAndMarkers(info, content.frameCount, options, plan.warnings);
   auto [header, trailer] = writeWav(content);
   plan.header = std::move(header);

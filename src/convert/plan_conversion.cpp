@@ -7,7 +7,8 @@
 namespace corvana {
 
 ConversionPlan planConversion(ByteView file, const ConversionOptions& options) {
-  return detectFormat(file) ? planAIFFToWAV(file, options) : planWAVToAIFF(file, options);
+  return detectFormat(file, options.anyEncoding) ? planAIFFToWAV(file, options)
+                                                 : planWAVToAIFF(file, options);
 }
 
 Prospect prospectOf(ByteView file, const ConversionOptions& options) {

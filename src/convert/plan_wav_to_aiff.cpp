@@ -17,10 +17,11 @@ constexpr std::uint64_t maxSoundChunkSize = std::numeric_limits<std::uint32_t>::
 
 /// The whole frames.
 SampleRun findSamples(const WavInfo& info, Warnings& warnings) {
-  SampleRun samples{
-      .offset = info.dataOffset,
-      .channels = info.channels,
-      .conversion = {info.bytesPerSample, bytesFor(info.bitsPerSample), /*reverseBytes=*/true}};
+  SampleRun samples{.offset = info.dataOffset,
+                    .channels = info.channels,
+                    .conversion = {info.bytesPerSample, bytesFor(info.bitsPerSample),
+                                   /*reverseBytes=*/info.order == ByteOrder::little,
+                                   /*turnSign=*/info.encoding == SampleEncoding::integer}};
   const std::uint64_t frameCount = info.dataSize / samples.sourceFrameSize();
   if (info.dataSize % samples.sourceFrameSize() != 0)
     addWarning(warnings, WarningKind::incompleteFrame);
@@ -35,7 +36,8 @@ Summary summarise(const AiffContent& content, std::size_t loopCount) {
                   .channels = content.channels,
                   .sampleRate = content.sampleRate,
                   .loopCount = static_cast<std::int64_t>(loopCount),
-                  .markerCount = static_cast<std::int64_t>(content.markers.size())};
+                  .markerCount = static_cast<std::int64_t>(content.markers.size()),
+                  .encoding = content.encoding};
   if (content.instrument) {
     summary.rootKey = content.instrument->baseNote;
     summary.fineTune = content.instrument->detune;
@@ -50,7 +52,7 @@ ConversionPlan planWAVToAIFF(ByteView file, const ConversionOptions& options) {
   if (options.reversible)
     if (auto restored = planRestoring(file, /*isWAV=*/true, plan.warnings))
       return *std::move(restored);
-  const WavInfo info = parseWav(file);
+  const WavInfo info = parseWav(file, options.anyEncoding);
   // AIFF counts channels in a signed field.
   if (info.channels > std::numeric_limits<std::int16_t>::max())
     throw ConversionError::unsupported(UnsupportedKind::channels, {std::int64_t{info.channels}});
@@ -62,7 +64,8 @@ ConversionPlan planWAVToAIFF(ByteView file, const ConversionOptions& options) {
                       .sampleRate = info.sampleRate,
                       .frameCount = plan.samples.frameCount,
                       .markers = std::move(metadata.markers),
-                      .instrument = metadata.instrument};
+                      .instrument = metadata.instrument,
+                      .encoding = info.encoding};
   auto [header, trailer] = writeAiff(content);
   plan.header = std::move(header);
   plan.trailer = std::move(trailer);

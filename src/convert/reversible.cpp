@@ -49,7 +49,8 @@ Evidence evidenceOf(ByteView file, const AiffInfo& info) {
                       .sampleRate = static_cast<std::uint32_t>(std::lround(info.sampleRate)),
                       .frameCount = info.frameCount,
                       .markers = info.markers,
-                      .instrument = info.instrument};
+                      .instrument = info.instrument,
+                      .encoding = info.encoding};
   return {writeAiff(content), part(file, info.soundOffset, info.soundSize), info.channels,
           bytesFor(info.sampleSize)};
 }
@@ -59,7 +60,8 @@ Evidence evidenceOf(ByteView file, const WavInfo& info) {
                      .sampleSize = static_cast<std::uint16_t>(info.bitsPerSample),
                      .sampleRate = info.sampleRate,
                      .frameCount = static_cast<std::uint32_t>(
-                         info.dataSize / (std::uint64_t{info.channels} * info.bytesPerSample))};
+                         info.dataSize / (std::uint64_t{info.channels} * info.bytesPerSample)),
+                     .encoding = info.encoding};
   WavMetadata& metadata = content.metadata;
   for (const CuePoint point : info.cuePoints)
     metadata.cuePoints.push_back(point);
@@ -73,7 +75,8 @@ Evidence evidenceOf(ByteView file, const WavInfo& info) {
 }
 
 bool isAsWritten(const Evidence& found, const Capsule& capsule) {
-  if (found.channels != capsule.channels || found.width != capsule.outputWidth) return false;
+  if (found.channels != capsule.channels || found.width != capsule.conversion.outputWidth)
+    return false;
   if (found.samples.size() != std::uint64_t{capsule.frameCount} * found.channels * found.width)
     return false;
   Crc64 sum;
@@ -85,18 +88,21 @@ bool isAsWritten(const Evidence& found, const Capsule& capsule) {
 
 /// Of the samples in the output; of the capsule's where those have lost bits.
 SampleRun originalSamples(ByteView file, const Evidence& found, const Capsule& capsule) {
+  // What is done to the bytes of a sample undoes itself.
+  SampleConversion conversion = capsule.conversion;
+  if (capsule.hasLostBits()) conversion = {conversion.sourceWidth, conversion.sourceWidth, false};
   const ByteView samples = capsule.hasLostBits() ? capsule.samples : found.samples;
   return {.offset = static_cast<std::uint64_t>(samples.data() - file.data()),
           .frameCount = capsule.frameCount,
           .channels = capsule.channels,
-          .conversion = {capsule.originalWidth, capsule.originalWidth,
-                         !capsule.hasLostBits() && capsule.reverseBytes}};
+          .conversion = conversion};
 }
 
 Evidence evidenceOf(ByteView file, bool isWAV) {
   // The highest rates of WAV are written, though an AIFF input must not have them.
   constexpr double rateLimit = 4'294'967'296.0;
-  return isWAV ? evidenceOf(file, parseWav(file)) : evidenceOf(file, parseAiff(file, rateLimit));
+  return isWAV ? evidenceOf(file, parseWav(file, true))
+               : evidenceOf(file, parseAiff(file, true, rateLimit));
 }
 
 /// Absent where that is not what the file was made of.
@@ -138,9 +144,7 @@ void makeReversible(ConversionPlan& plan, ByteView file, const Summary& original
   const std::uint64_t sampleBytes = samples.frameCount * samples.sourceFrameSize();
   Capsule capsule{.frameCount = samples.frameCount,
                   .channels = static_cast<std::uint16_t>(samples.channels),
-                  .originalWidth = static_cast<std::uint8_t>(samples.conversion.sourceWidth),
-                  .outputWidth = static_cast<std::uint8_t>(samples.conversion.outputWidth),
-                  .reverseBytes = samples.conversion.reverseBytes,
+                  .conversion = samples.conversion,
                   .summary = original,
                   .prefix = part(file, 0, samples.offset),
                   .suffix = file.subspan(static_cast<std::size_t>(samples.offset + sampleBytes))};

@@ -44,10 +44,16 @@ void convertOneByOne(const Byte* __restrict source, Byte* __restrict output, std
           static_cast<Byte>(source[s * sourceWidth + sourceWidth - 1 - k] ^ inversion<sourceWidth>);
 }
 
-template <std::size_t width>
-void copyBytes(const Byte* __restrict source, Byte* __restrict output, std::size_t samples) {
-  // A length of 0 may come with null pointers.
-  if (samples != 0) std::memcpy(output, source, samples * width);
+template <std::size_t sourceWidth, std::size_t outputWidth>
+void keepFirstBytes(const Byte* __restrict source, Byte* __restrict output, std::size_t samples) {
+  if constexpr (sourceWidth == outputWidth) {
+    // A length of 0 may come with null pointers.
+    if (samples != 0) std::memcpy(output, source, samples * sourceWidth);
+  } else {
+    for (std::size_t s = 0; s < samples; ++s)
+      for (std::size_t k = 0; k < outputWidth; ++k)
+        output[s * outputWidth + k] = source[s * sourceWidth + k];
+  }
 }
 
 #ifdef CORVANA_BYTE_SHUFFLES
@@ -126,7 +132,8 @@ CORVANA_BYTE_SHUFFLES void convertByShuffles(const Byte* __restrict source, Byte
 #endif
 
 template <std::size_t sourceWidth, std::size_t outputWidth>
-SampleKernel kernel([[maybe_unused]] Processor processor) {
+SampleKernel kernel(bool changesBytes, [[maybe_unused]] Processor processor) {
+  if (!changesBytes) return keepFirstBytes<sourceWidth, outputWidth>;
 #ifdef CORVANA_BYTE_SHUFFLES
   if (processor == Processor::shufflesBytes) return convertByShuffles<sourceWidth, outputWidth>;
 #endif
@@ -145,28 +152,30 @@ Processor thisProcessor() {
 }
 
 SampleKernel sampleKernel(const SampleConversion& conversion, Processor processor) {
-  const auto [sourceWidth, outputWidth, reverseBytes] = conversion;
-  switch (10 * sourceWidth + outputWidth) {
+  const bool reverses = conversion.reverseBytes;
+  switch (10 * conversion.sourceWidth + conversion.outputWidth) {
     case 11:
-      return kernel<1, 1>(processor);
+      return kernel<1, 1>(conversion.turnSign, processor);
     case 21:
-      return kernel<2, 1>(processor);
+      return kernel<2, 1>(reverses, processor);
     case 22:
-      return reverseBytes ? kernel<2, 2>(processor) : copyBytes<2>;
+      return kernel<2, 2>(reverses, processor);
     case 31:
-      return kernel<3, 1>(processor);
+      return kernel<3, 1>(reverses, processor);
     case 32:
-      return kernel<3, 2>(processor);
+      return kernel<3, 2>(reverses, processor);
     case 33:
-      return reverseBytes ? kernel<3, 3>(processor) : copyBytes<3>;
+      return kernel<3, 3>(reverses, processor);
     case 41:
-      return kernel<4, 1>(processor);
+      return kernel<4, 1>(reverses, processor);
     case 42:
-      return kernel<4, 2>(processor);
+      return kernel<4, 2>(reverses, processor);
     case 43:
-      return kernel<4, 3>(processor);
+      return kernel<4, 3>(reverses, processor);
+    case 88:
+      return kernel<8, 8>(reverses, processor);
     default:
-      return reverseBytes ? kernel<4, 4>(processor) : copyBytes<4>;
+      return kernel<4, 4>(reverses, processor);
   }
 }
 

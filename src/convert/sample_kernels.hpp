@@ -11,15 +11,16 @@ namespace corvana {
 
 /// How the bytes of a sample change on the way.
 struct SampleConversion {
-  std::uint32_t sourceWidth = 1;  ///< bytes per sample in the input, 1 to 4
-  std::uint32_t outputWidth = 1;  ///< bytes per sample in the output, at most sourceWidth
+  std::uint32_t sourceWidth = 1;  ///< bytes per sample in the input, 1 to 4 or 8
+  std::uint32_t outputWidth = 1;  ///< bytes per sample in the output, at most sourceWidth; 8 of 8
   bool reverseBytes = true;       ///< the byte orders differ
+  bool turnSign = true;           ///< of single bytes: signed become unsigned, and back
 };
 
 /// Converts as many samples as `output` holds, output.size() / outputWidth; `source` holds at
-/// least samples * sourceWidth bytes and does not overlap the output. Where the output is
-/// narrower, the least significant bytes of the (then little-endian) source are dropped.
-/// Single-byte samples change between signed and unsigned instead: their top bit is inverted.
+/// least samples * sourceWidth bytes and does not overlap the output, which is big-endian where it
+/// is narrower: then the least significant bytes of the source are dropped. For single-byte samples
+/// there is no order; their top bit is inverted, or they are copied.
 void convertSamples(const SampleConversion& conversion, ByteView source,
                     std::span<std::uint8_t> output);
 

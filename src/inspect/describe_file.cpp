@@ -27,16 +27,14 @@ void addText(FileDescription& file, std::string_view chunk, std::string text) {
 }
 
 SampleKind kindOfTag(std::uint16_t tag) {
-  constexpr std::uint16_t aLawTag = 6;
-  constexpr std::uint16_t muLawTag = 7;
   switch (tag) {
     case format_tag::pcm:
       return SampleKind::integer;
     case format_tag::floatingPoint:
       return SampleKind::floatingPoint;
-    case aLawTag:
+    case format_tag::aLaw:
       return SampleKind::aLaw;
-    case muLawTag:
+    case format_tag::muLaw:
       return SampleKind::muLaw;
     case 0:
       return SampleKind::unknown;
@@ -60,7 +58,7 @@ std::optional<SoundFormat> describeWavFormat(ByteView body, ByteOrder order) {
   if (format.formatTag == format_tag::extensible &&
       body.size() >= wav_layout::extensibleFormatSize) {
     if (fields.u16(18) != 0) format.bits = fields.u16(18);
-    format.formatTag = fields.u16(24);
+    format.formatTag = subFormatOf(body, order);
   }
   format.kind = kindOfTag(format.formatTag);
   const bool hasEqualSamples =
@@ -87,12 +85,12 @@ LoopKind kindOfLoopType(std::uint32_t type) {
   }
 }
 
-void describeSampler(ByteView body, FileDescription& file) {
+void describeSampler(ByteView body, ByteOrder order, FileDescription& file) {
   constexpr std::size_t fractionOffset = 16;
   file.sampler.reset();
   file.loops.clear();
   file.loopCount = 0;
-  const SamplerChunk sampler = parseSamplerChunk(body);
+  const SamplerChunk sampler = parseSamplerChunk(body, order);
   if (!sampler.loops) return;
   file.sampler = {sampler.midiUnityNote, sampler.midiPitchFraction};
   file.loopCount = sampler.loops->size();
@@ -107,14 +105,14 @@ void describeSampler(ByteView body, FileDescription& file) {
     described.end = loop.end;
     described.playCount = loop.playCount;
     described.cueID = loop.cueID;
-    described.fraction = Fields(body, ByteOrder::little).u32(record + fractionOffset);
+    described.fraction = Fields(body, order).u32(record + fractionOffset);
     file.loops.push_back(described);
     record += wav_layout::loopSize;
   }
 }
 
-void describeCuePoints(ByteView body, FileDescription& file) {
-  const CuePointView points = parseCueChunk(body);
+void describeCuePoints(ByteView body, ByteOrder order, FileDescription& file) {
+  const CuePointView points = parseCueChunk(body, order);
   file.cuePoints.clear();
   file.markerCount = points.size();
   for (const CuePoint point : points) {
@@ -124,17 +122,18 @@ void describeCuePoints(ByteView body, FileDescription& file) {
 }
 
 /// The chunks inside a LIST chunk: texts of the file, or of its cue points.
-void describeList(ByteView body, FileDescription& file, std::map<std::uint32_t, Label>& labels) {
+void describeList(ByteView body, ByteOrder order, FileDescription& file,
+                  std::map<std::uint32_t, Label>& labels) {
   constexpr std::size_t typeSize = 4;
   constexpr std::size_t idSize = 4;
   constexpr std::size_t stretchSize = 20;  // ID, length, purpose, country, language, code page
-  const std::string_view type = Fields(body, ByteOrder::little).id(0);
+  const std::string_view type = Fields(body, order).id(0);
   std::uint64_t position = typeSize;
-  while (const auto chunk = chunkAt(body, ByteOrder::little, position)) {
+  while (const auto chunk = chunkAt(body, order, position)) {
     position = chunk->bodyOffset + std::uint64_t{chunk->declaredSize} + chunk->declaredSize % 2;
     if (type == "INFO") addText(file, chunk->id, wavText(chunk->body));
     if (type != "adtl" || chunk->body.size() < idSize || labels.size() == maxListed) continue;
-    const Fields fields(chunk->body, ByteOrder::little);
+    const Fields fields(chunk->body, order);
     if (chunk->id == "labl") {
       labels[fields.u32(0)].name = wavText(chunk->body.subspan(idSize));
     } else if (chunk->id == "note") {
@@ -179,10 +178,8 @@ FileDescription describeWav(ByteView content) {
       file.dataSize = body.size();
     } else if (chunk.id == "fact" && body.size() >= sizeof(std::uint32_t)) {
       fact = Fields(body, order).u32(0);
-    } else if (order == ByteOrder::big) {
-      // What programs for such files meant by the sampler chunks is not known.
     } else if (chunk.id == "smpl") {
-      describeSampler(body, file);
+      describeSampler(body, order, file);
     } else if (chunk.id == "inst") {
       const auto instrument = parseInstrumentChunk(body);
       file.instrument.reset();
@@ -195,9 +192,9 @@ FileDescription describeWav(ByteView content) {
                            .highVelocity = instrument->highVelocity,
                            .gain = instrument->gain};
     } else if (chunk.id == "cue ") {
-      describeCuePoints(body, file);
+      describeCuePoints(body, order, file);
     } else if (chunk.id == "LIST") {
-      describeList(body, file, labels);
+      describeList(body, order, file, labels);
     }
   });
   nameCuePoints(labels, file);
@@ -209,9 +206,11 @@ FileDescription describeWav(ByteView content) {
 /// The compression types whose samples are of equal size; all others are compressed.
 SoundFormat formatOfType(std::string_view type) {
   SoundFormat format;
-  format.order = type == "sowt" ? ByteOrder::little : ByteOrder::big;
+  const bool isLittle = type == "sowt" || type == "42ni" || type == "23ni";
+  format.order = isLittle ? ByteOrder::little : ByteOrder::big;
   format.kind = SampleKind::compressed;
-  for (const std::string_view integer : {"NONE", "twos", "sowt", "in24", "in32", "raw "})
+  for (const std::string_view integer :
+       {"NONE", "twos", "sowt", "in24", "in32", "raw ", "42ni", "23ni"})
     if (type == integer) format.kind = SampleKind::integer;
   if (type == "fl32" || type == "FL32" || type == "fl64" || type == "FL64") {
     format.kind = SampleKind::floatingPoint;
@@ -239,7 +238,9 @@ std::optional<SoundFormat> describeCommon(ByteView body, bool isAIFC) {
   format.bits = static_cast<std::uint32_t>(std::max<int>(fields.i16(6), 0));
   format.sampleRate = decodeExtended80(body.subspan(8, extended80Size));
   constexpr std::uint32_t mostBits = 32;
-  if (format.kind == SampleKind::integer && format.bits <= mostBits)
+  if (format.compressionType == "42ni" || format.compressionType == "23ni")
+    format.sampleBytes = format.compressionType == "42ni" ? 3 : 4;
+  else if (format.kind == SampleKind::integer && format.bits <= mostBits)
     format.sampleBytes = bytesFor(format.bits);
   return format;
 }

@@ -32,16 +32,15 @@ std::string containerText(const ChunkList& chunks, const Language& language) {
 }
 
 std::string encodingText(const SoundFormat& format, bool isAIFF, const Language& language) {
-  const std::string bits = bitDepthText(format.bits, language);
   switch (format.kind) {
     case SampleKind::integer:
-      return bits + " PCM";
+      return encodingText(SampleEncoding::integer, format.bits, language);
     case SampleKind::floatingPoint:
-      return fillText(language.localised(translatable("%@ floating point")), {bits});
+      return encodingText(SampleEncoding::floatingPoint, format.bits, language);
     case SampleKind::aLaw:
-      return "A-law";
+      return encodingText(SampleEncoding::aLaw, format.bits, language);
     case SampleKind::muLaw:
-      return "µ-law";
+      return encodingText(SampleEncoding::muLaw, format.bits, language);
     case SampleKind::compressed:
       if (!isAIFF)
         return fillText(language.localised(translatable("compressed, format tag %@")),

@@ -129,6 +129,8 @@ Json listOf(const std::vector<Record>& records) {
 }
 
 void addSummary(Json& object, const Summary& summary) {
+  if (summary.encoding != SampleEncoding::integer)
+    object["encoding"] = encodingCode(summary.encoding);
   object["bits"] = summary.bits;
   object["channels"] = summary.channels;
   object["sampleRate"] = summary.sampleRate;
@@ -211,7 +213,8 @@ const char* directionCode(bool toWAV) {
 
 void addOutput(Json& object, bool isWAV, const Summary& summary, std::uint32_t frames,
                std::uint64_t bytes) {
-  object["format"] = isWAV ? "wav" : "aiff";
+  const bool isAIFFC = !isWAV && summary.encoding != SampleEncoding::integer;
+  object["format"] = nameOf(isWAV ? Container::wav : isAIFFC ? Container::aifc : Container::aiff);
   addSummary(object, summary);
   object["frames"] = frames;
   object["bytes"] = bytes;

@@ -10,6 +10,7 @@
 #include "verify/pairs.hpp"
 #include "verify/promised_aiff.hpp"
 #include "verify/sample_proof.hpp"
+#include "vocabulary/messages.hpp"
 
 namespace corvana {
 namespace {
@@ -43,6 +44,10 @@ void compareSound(const WavInfo& wav, const PromisedAiff& promised, const AiffIn
     if (found != expected) differences.add({.kind = kind, .found = found, .expected = expected});
   };
   compare(Kind::channels, aiff.channels, wav.channels);
+  if (aiff.encoding != wav.encoding)
+    differences.add({.kind = Kind::encoding,
+                     .found = std::string(encodingCode(aiff.encoding)),
+                     .expected = std::string(encodingCode(wav.encoding))});
   compare(Kind::bitDepth, aiff.sampleSize, wav.bitsPerSample);
   compare(Kind::frameCount, aiff.frameCount, static_cast<std::int64_t>(promised.frames));
   if (aiff.sampleRate != wav.sampleRate) {
@@ -232,8 +237,44 @@ void compareUnreadFields(const PromisedAiff& promised, const AiffInfo& aiff, Byt
   }
 }
 
-void compareChunks(const PromisedAiff& promised, ByteView output, const ProofTerms& terms,
-                   Differences& differences) {
+/// What this program says of samples that are not integers, behind the sample rate.
+std::string_view promisedCompression(const WavInfo& wav) {
+  switch (wav.encoding) {
+    case SampleEncoding::integer:
+      break;
+    case SampleEncoding::floatingPoint:
+      return wav.bytesPerSample == 8 ? "fl64\x15"
+                                       "64-bit floating point"
+                                     : "fl32\x15"
+                                       "32-bit floating point";
+    case SampleEncoding::aLaw:
+      return {
+          "alaw\x08"
+          "ALaw 2:1\0",
+          14};
+    case SampleEncoding::muLaw:
+      return {
+          "ulaw\x08\xB5"
+          "Law 2:1\0",
+          14};
+  }
+  return {};
+}
+
+void compareCompression(const WavInfo& wav, ByteView output, Differences& differences) {
+  const Chunk common = lastChunk(output, order, "COMM");
+  const std::string_view promised = promisedCompression(wav);
+  constexpr std::uint16_t bitsOfLogarithms = 16;
+  FieldProof fields(common, order, differences);
+  const bool isFloat = wav.encoding == SampleEncoding::floatingPoint;
+  fields.u16(6, isFloat ? static_cast<std::uint16_t>(wav.bitsPerSample) : bitsOfLogarithms);
+  fields.bytes(aiff_layout::commonSize,
+               {reinterpret_cast<const std::uint8_t*>(promised.data()), promised.size()});
+  compareChunkSize(common, aiff_layout::commonSize + promised.size(), differences);
+}
+
+void compareChunks(const WavInfo& wav, const PromisedAiff& promised, ByteView output,
+                   const ProofTerms& terms, Differences& differences) {
   const std::string_view formType = Fields(output, order).id(8);
   compareLayout(output, order, {"COMM", "MARK", "INST", "SSND", "FVER"}, differences);
   if (const Chunk markers = lastChunk(output, order, "MARK"); !markers.id.empty())
@@ -250,10 +291,17 @@ void compareChunks(const PromisedAiff& promised, ByteView output, const ProofTer
   }
   if (terms.producer == Producer::anyProgram) return;
 
-  if (formType != "AIFF")
-    differences.add(
-        {.kind = Kind::formType, .found = std::string(formType), .expected = std::string("AIFF")});
+  const bool isPlain = wav.encoding == SampleEncoding::integer;
+  const std::string_view promisedType = isPlain ? "AIFF" : "AIFC";
+  if (formType != promisedType)
+    differences.add({.kind = Kind::formType,
+                     .found = std::string(formType),
+                     .expected = std::string(promisedType)});
   std::vector<std::string_view> chunks = {"COMM"};
+  if (!isPlain) {
+    chunks.insert(chunks.begin(), "FVER");
+    compareCompression(wav, output, differences);
+  }
   if (!promised.markers.empty()) chunks.emplace_back("MARK");
   if (promised.instrument) chunks.emplace_back("INST");
   chunks.emplace_back("SSND");
@@ -267,24 +315,27 @@ void compareOutput(const WavInfo& wav, ByteView input, ByteView output, const Pr
                    Differences& differences, const ProofHandler& progress) {
   // The highest rates of WAV are written, though an AIFF input must not have them.
   constexpr double rateLimit = 4'294'967'296.0;
-  const AiffInfo aiff = parseAiff(output, rateLimit);
+  const AiffInfo aiff = parseAiff(output, terms.options.anyEncoding, rateLimit);
   const PromisedAiff promised = promisedAiff(wav, terms.options);
   compareSound(wav, promised, aiff, output, differences);
   const MarkerPairs pairs = pairMarkers(promised, aiff);
   compareLoops(promised, aiff, pairs, differences);
   compareMarkers(promised, aiff, pairs, differences);
   compareInstrument(promised, aiff, differences);
-  compareChunks(promised, output, terms, differences);
+  compareChunks(wav, promised, output, terms, differences);
   compareUnreadFields(promised, aiff, output, terms.producer, differences);
 
-  if (aiff.channels != wav.channels) return;
   const std::uint32_t width = bytesFor(aiff.sampleSize);
-  const SampleField from{input, wav.dataOffset, wav.bytesPerSample, ByteOrder::little,
-                         wav.bytesPerSample == 1};
+  const bool isInteger = wav.encoding == SampleEncoding::integer;
+  if (aiff.channels != wav.channels || aiff.encoding != wav.encoding) return;
+  if (!isInteger && width != wav.bytesPerSample) return;
+  const SampleField from{input, wav.dataOffset, wav.bytesPerSample, wav.order,
+                         isInteger && wav.bytesPerSample == 1};
   const SampleField to{output, aiff.soundOffset, width,
-                       aiff.littleEndian ? ByteOrder::little : ByteOrder::big, false};
+                       aiff.littleEndian ? ByteOrder::little : ByteOrder::big, aiff.isUnsigned};
   const std::uint64_t there = aiff.soundSize / (std::uint64_t{aiff.channels} * width);
-  compareSamples(from, to, {std::min(promised.frames, there), wav.channels, promised.width},
+  compareSamples(from, to,
+                 {std::min(promised.frames, there), wav.channels, promised.width, wav.encoding},
                  differences, progress);
 }
 

@@ -10,6 +10,7 @@
 #include "verify/pairs.hpp"
 #include "verify/promised_wav.hpp"
 #include "verify/sample_proof.hpp"
+#include "vocabulary/messages.hpp"
 #include "wav/wav_reader.hpp"
 
 namespace corvana {
@@ -38,6 +39,10 @@ void compareSound(const AiffInfo& aiff, const PromisedWav& promised, const WavIn
   const std::uint64_t frameSize = std::uint64_t{wav.channels} * wav.bytesPerSample;
   const std::uint64_t frames = wav.dataSize / frameSize;
   compare(Kind::channels, wav.channels, aiff.channels);
+  if (wav.encoding != aiff.encoding)
+    differences.add({.kind = Kind::encoding,
+                     .found = std::string(encodingCode(wav.encoding)),
+                     .expected = std::string(encodingCode(aiff.encoding))});
   compare(Kind::sampleRate, wav.sampleRate, promised.sampleRate);
   compare(Kind::bitDepth, wav.bitsPerSample, aiff.sampleSize);
   compare(Kind::frameCount, static_cast<std::int64_t>(frames),
@@ -180,6 +185,21 @@ bool isLegalMask(std::uint32_t mask, std::uint32_t promised, std::uint32_t chann
   return channels > 2 && std::popcount(mask) <= static_cast<int>(channels);
 }
 
+std::uint16_t promisedTag(SampleEncoding encoding) {
+  constexpr std::array<std::uint16_t, 4> tags = {1, 3, 6, 7};
+  return tags.at(static_cast<std::size_t>(encoding));
+}
+
+/// Samples that are not integers come with their number.
+void compareFact(const WavInfo& wav, ByteView output, Producer producer, Differences& differences) {
+  if (wav.encoding == SampleEncoding::integer) return;
+  const Chunk fact = lastChunk(output, order, "fact");
+  if (fact.id.empty()) return;
+  const std::uint64_t frameSize = std::uint64_t{wav.channels} * wav.bytesPerSample;
+  FieldProof(fact, order, differences).u32(0, static_cast<std::uint32_t>(wav.dataSize / frameSize));
+  if (producer == Producer::thisProgram) compareChunkSize(fact, 4, differences);
+}
+
 /// What of the fmt chunk the reader passes over has to agree with what it reads.
 void compareFormatChunk(const WavInfo& wav, const Chunk& chunk, Producer producer,
                         Differences& differences) {
@@ -198,9 +218,10 @@ void compareFormatChunk(const WavInfo& wav, const Chunk& chunk, Producer produce
   if (isExact || isExtensible || bytesFor(fields.fields().u16(14)) != wav.bytesPerSample)
     fields.u16(14, static_cast<std::uint16_t>(8 * wav.bytesPerSample));
   if (isExact) {
-    fields.u16(0, promisesExtension ? format_tag::extensible : format_tag::pcm);
-    compareChunkSize(chunk,
-                     promisesExtension ? wav_layout::extensibleFormatSize : wav_layout::formatSize,
+    const bool isInteger = wav.encoding == SampleEncoding::integer;
+    const std::size_t plainSize = isInteger ? 16 : 18;
+    fields.u16(0, promisesExtension ? format_tag::extensible : promisedTag(wav.encoding));
+    compareChunkSize(chunk, promisesExtension ? wav_layout::extensibleFormatSize : plainSize,
                      differences);
   }
   if (!isExtensible) {
@@ -233,6 +254,7 @@ void compareChunks(const PromisedWav& promised, const WavInfo& wav, ByteView out
                    const ProofTerms& terms, Differences& differences) {
   compareLayout(output, order, {"fmt ", "data", "cue ", "smpl", "inst"}, differences);
   compareFormatChunk(wav, lastChunk(output, order, "fmt "), terms.producer, differences);
+  compareFact(wav, output, terms.producer, differences);
   const Chunk sampler = lastChunk(output, order, "smpl");
   const Chunk cue = lastChunk(output, order, "cue ");
   if (!sampler.id.empty()) {
@@ -252,6 +274,7 @@ void compareChunks(const PromisedWav& promised, const WavInfo& wav, ByteView out
   if (terms.producer == Producer::anyProgram) return;
 
   std::vector<std::string_view> chunks = {"fmt ", "data"};
+  if (wav.encoding != SampleEncoding::integer) chunks.insert(chunks.begin() + 1, "fact");
   if (!promised.cuePoints.empty()) chunks.emplace_back("cue ");
   if (promised.instrument) chunks.insert(chunks.end(), {"smpl", "inst"});
   if (terms.options.reversible) chunks.emplace_back("crvn");
@@ -263,7 +286,8 @@ void compareChunks(const PromisedWav& promised, const WavInfo& wav, ByteView out
 
 void compareOutput(const AiffInfo& aiff, ByteView input, ByteView output, const ProofTerms& terms,
                    Differences& differences, const ProofHandler& progress) {
-  const WavInfo wav = parseWav(output);
+  const WavInfo wav = parseWav(output, terms.options.anyEncoding);
+  if (wav.order != order) throw ConversionError(ConversionError::Case::notRIFF);
   const PromisedWav promised = promisedWav(aiff, terms.options);
   compareSound(aiff, promised, wav, differences);
   compareLoops(promised, wav, output, differences);
@@ -272,13 +296,16 @@ void compareOutput(const AiffInfo& aiff, ByteView input, ByteView output, const 
   compareSampler(promised, wav, output, terms.producer, differences);
   compareChunks(promised, wav, output, terms, differences);
 
-  if (wav.channels != aiff.channels) return;
+  const bool isInteger = aiff.encoding == SampleEncoding::integer;
+  if (wav.channels != aiff.channels || wav.encoding != aiff.encoding) return;
+  if (!isInteger && wav.bytesPerSample != promised.width) return;
   const SampleField from{input, aiff.soundOffset, promised.width,
-                         aiff.littleEndian ? ByteOrder::little : ByteOrder::big, false};
+                         aiff.littleEndian ? ByteOrder::little : ByteOrder::big, aiff.isUnsigned};
   const SampleField to{output, wav.dataOffset, wav.bytesPerSample, ByteOrder::little,
-                       wav.bytesPerSample == 1};
+                       isInteger && wav.bytesPerSample == 1};
   const std::uint64_t there = wav.dataSize / (std::uint64_t{wav.channels} * wav.bytesPerSample);
-  compareSamples(from, to, {std::min(promised.frames, there), aiff.channels, promised.width},
+  compareSamples(from, to,
+                 {std::min(promised.frames, there), aiff.channels, promised.width, aiff.encoding},
                  differences, progress);
 }
 

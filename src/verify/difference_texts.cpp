@@ -14,6 +14,8 @@ MessageForm formOfSound(DifferenceKind kind) {
       return {"channels", translatable("Channels: %@ instead of %@.")};
     case DifferenceKind::sampleRate:
       return {"sample-rate", translatable("Sample rate: %@ Hz instead of %@ Hz.")};
+    case DifferenceKind::encoding:
+      return {"encoding", translatable("Encoding: %@ instead of %@.")};
     case DifferenceKind::bitDepth:
       return {"bit-depth", translatable("Bits per sample: %@ instead of %@.")};
     case DifferenceKind::frameCount:

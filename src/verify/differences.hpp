@@ -18,6 +18,7 @@ enum class DifferenceKind {
   // The sound.
   channels,
   sampleRate,  ///< Hz
+  encoding,    ///< encodingCode
   bitDepth,
   frameCount,
   soundSize,  ///< bytes of sample data, of as many frames as the output says

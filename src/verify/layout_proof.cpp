@@ -13,16 +13,6 @@ std::uint64_t sizeFieldOf(const Chunk& chunk) {
   return chunk.bodyOffset - 4;
 }
 
-std::string hexText(ByteView bytes) {
-  constexpr std::string_view digits = "0123456789abcdef";
-  std::string text;
-  for (const std::uint8_t byte : bytes) {
-    text += digits[byte >> 4];
-    text += digits[byte & 0xF];
-  }
-  return text;
-}
-
 std::int64_t number(std::uint64_t value) {
   return static_cast<std::int64_t>(value);
 }
@@ -37,6 +27,16 @@ void addChunkSize(const Chunk& chunk, std::uint64_t found, std::uint64_t expecte
 }
 
 }  // namespace
+
+std::string hexText(ByteView bytes) {
+  constexpr std::string_view digits = "0123456789abcdef";
+  std::string text;
+  for (const std::uint8_t byte : bytes) {
+    text += digits[byte >> 4];
+    text += digits[byte & 0xF];
+  }
+  return text;
+}
 
 Chunk lastChunk(ByteView file, ByteOrder order, std::string_view id) {
   Chunk last{};

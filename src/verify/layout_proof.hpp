@@ -16,6 +16,9 @@ namespace corvana {
 /// Which of its chunks a file is read by: the last one of this ID. Empty where there is none.
 Chunk lastChunk(ByteView file, ByteOrder order, std::string_view id);
 
+/// Two digits a byte.
+std::string hexText(ByteView bytes);
+
 /// Adds what is wrong with the declared sizes, the pad bytes and the number of the chunks. `known`
 /// are the IDs of which a file has one each.
 void compareLayout(ByteView file, ByteOrder order, std::initializer_list<std::string_view> known,

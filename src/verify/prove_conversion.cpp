@@ -25,8 +25,9 @@ Differences prove(const Info& info, ByteView input, ByteView output, const Proof
 Differences proveConversion(ByteView input, ByteView output, const ProofTerms& terms,
                             const ProofHandler& progress) {
   const bool isAIFF = Fields(input, ByteOrder::big).id(0) == "FORM";
-  return isAIFF ? prove(parseAiff(input), input, output, terms, progress)
-                : prove(parseWav(input), input, output, terms, progress);
+  const bool anyEncoding = terms.options.anyEncoding;
+  return isAIFF ? prove(parseAiff(input, anyEncoding), input, output, terms, progress)
+                : prove(parseWav(input, anyEncoding), input, output, terms, progress);
 }
 
 }  // namespace corvana

@@ -4,7 +4,10 @@
 #include <array>
 #include <bit>
 #include <cstring>
+#include <string>
 #include <utility>
+
+#include "verify/layout_proof.hpp"
 
 // What it takes is said in sample_kernels.cpp, with which a proof must have nothing in common.
 #if defined(__has_builtin)
@@ -166,11 +169,28 @@ bool canShuffle() {
 
 #endif
 
+/// The same of samples of eight bytes.
+template <bool isReversed>
+bool areEqualEights(const std::uint8_t* input, const std::uint8_t* output, std::size_t count,
+                    Change /*none*/) {
+  std::uint64_t different = 0;
+  for (std::size_t i = 0; i < count; ++i) {
+    std::uint64_t expected = 0;
+    std::uint64_t found = 0;
+    std::memcpy(&expected, input + 8 * i, sizeof expected);
+    std::memcpy(&found, output + 8 * i, sizeof found);
+    different |= (isReversed ? __builtin_bswap64(expected) : expected) ^ found;
+  }
+  return different == 0;
+}
+
 using AreEqual = bool (*)(const std::uint8_t* input, const std::uint8_t* output, std::size_t count,
                           Change change);
 
 AreEqual comparisonOf(const SampleField& input, const SampleField& output,
                       [[maybe_unused]] Change change) {
+  if (input.width == 8)
+    return input.order == output.order ? areEqualEights<false> : areEqualEights<true>;
   return withLayoutOf(input, [&](auto from) {
     return withLayoutOf(output, [&](auto to) -> AreEqual {
       using Input = decltype(from);
@@ -194,6 +214,20 @@ std::int64_t signedNumber(std::uint32_t value, std::uint32_t width) {
   return static_cast<std::int32_t>(value) >> (8 * (maxWidth - width));
 }
 
+/// The bytes of a sample, the most significant one first.
+std::string bitsOf(const SampleField& field, std::uint64_t sample) {
+  const std::uint8_t* const first = addressOf(field, sample);
+  ByteBuffer bytes(first, first + field.width);
+  if (field.order == ByteOrder::little) std::reverse(bytes.begin(), bytes.end());
+  return hexText(bytes);
+}
+
+/// What a sample of the input and of the output are; the same where it is as it should be.
+struct Sample {
+  MessageValue expected;
+  MessageValue found;
+};
+
 }  // namespace
 
 void compareSamples(const SampleField& input, const SampleField& output, const SampleRange& range,
@@ -201,10 +235,21 @@ void compareSamples(const SampleField& input, const SampleField& output, const S
   constexpr std::uint64_t blockSamples = 4096;
   constexpr std::uint64_t progressSamples = 128 * blockSamples;
   constexpr std::uint32_t topBit = 0x8000'0000;
-  const Change change{~std::uint32_t{0} << (8 * (maxWidth - range.keptWidth)),
+  const bool isInteger = range.encoding == SampleEncoding::integer;
+  const std::uint32_t keptWidth = isInteger ? range.keptWidth : maxWidth;
+  const Change change{~std::uint32_t{0} << (8 * (maxWidth - keptWidth)),
                       input.isUnsigned != output.isUnsigned ? topBit : 0};
   const std::uint32_t toSigned = output.isUnsigned ? topBit : 0;
   const std::uint32_t shownWidth = std::max(range.keptWidth, output.width);
+  const auto valuesOf = [&](std::uint64_t sample) -> Sample {
+    if (!isInteger) return {bitsOf(input, sample), bitsOf(output, sample)};
+    const std::uint32_t expected =
+        change.of(valueOf(addressOf(input, sample), input.width, input.order));
+    const std::uint32_t found = valueOf(addressOf(output, sample), output.width, output.order);
+    if (found == expected) return {};
+    return {signedNumber(expected ^ toSigned, shownWidth),
+            signedNumber(found ^ toSigned, shownWidth)};
+  };
   const std::uint64_t sampleCount = range.frames * range.channels;
   const AreEqual areEqual = comparisonOf(input, output, change);
 
@@ -217,15 +262,13 @@ void compareSamples(const SampleField& input, const SampleField& output, const S
                  static_cast<std::size_t>(end - done), change))
       continue;
     for (std::uint64_t sample = done; sample < end; ++sample) {
-      const std::uint32_t expected =
-          change.of(valueOf(addressOf(input, sample), input.width, input.order));
-      const std::uint32_t found = valueOf(addressOf(output, sample), output.width, output.order);
-      if (found == expected) continue;
+      Sample values = valuesOf(sample);
+      if (values.found == values.expected) continue;
       differences.add({.kind = DifferenceKind::sample,
                        .frame = static_cast<std::int64_t>(sample / range.channels),
                        .channel = static_cast<std::int64_t>(sample % range.channels + 1),
-                       .found = signedNumber(found ^ toSigned, shownWidth),
-                       .expected = signedNumber(expected ^ toSigned, shownWidth),
+                       .found = std::move(values.found),
+                       .expected = std::move(values.expected),
                        .offset = output.offset + sample * output.width});
     }
   }

@@ -6,6 +6,7 @@
 
 #include "verify/differences.hpp"
 #include "vocabulary/bytes.hpp"
+#include "vocabulary/sample_encoding.hpp"
 
 namespace corvana {
 
@@ -13,7 +14,7 @@ namespace corvana {
 struct SampleField {
   ByteView file;
   std::size_t offset = 0;   ///< of the first one
-  std::uint32_t width = 1;  ///< bytes each, 1 to 4
+  std::uint32_t width = 1;  ///< bytes each, 1 to 4, or 8 in both files
   ByteOrder order = ByteOrder::little;
   bool isUnsigned = false;  ///< offset by half the range: those of one byte in WAV
 };
@@ -23,6 +24,9 @@ struct SampleRange {
   std::uint64_t frames = 0;  ///< that both files hold
   std::uint32_t channels = 1;
   std::uint32_t keptWidth = 4;  ///< bytes of an input's sample that the output is to keep
+  /// Others than integers are the same to the last bit, in samples of the same width; differences
+  /// of theirs are given in hexadecimal digits.
+  SampleEncoding encoding = SampleEncoding::integer;
 };
 
 /// How far a comparison is: what lies ahead in either file is still to be read.

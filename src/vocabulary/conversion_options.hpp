@@ -16,6 +16,9 @@ enum class LoopChoice {
 
 /// As it is made: the ordinary rules.
 struct ConversionOptions {
+  /// Samples that are not integers, and orders of bytes that only AIFF-C and RIFX have, are
+  /// converted as well.
+  bool anyEncoding = false;
   LoopChoice loops = LoopChoice::all;  ///< of the input, that the output gets
   /// MIDI note, 0 to 127, for an input that has no key of its own: neither smpl nor inst chunk, no
   /// INST chunk.

@@ -137,7 +137,9 @@ const char* errorCode(const ConversionError& error) {
 }
 
 std::string makeSummary(const Summary& summary, const Language& language) {
-  std::string line = bitDepthText(summary.bits, language);
+  std::string line = summary.encoding == SampleEncoding::integer
+                         ? bitDepthText(summary.bits, language)
+                         : encodingText(summary.encoding, summary.bits, language);
   const auto add = [&line](const std::string& part) { line += ", " + part; };
   add(channelsText(summary.channels, language));
   add(decimalText(std::int64_t{summary.sampleRate}) + " Hz");
@@ -158,6 +160,35 @@ std::string makeSummary(const Summary& summary, const Language& language) {
 
 std::string bitDepthText(std::int64_t bits, const Language& language) {
   return fillText(language.localised("%@-bit"), {decimalText(bits)});
+}
+
+std::string encodingText(SampleEncoding encoding, std::int64_t bits, const Language& language) {
+  switch (encoding) {
+    case SampleEncoding::integer:
+      break;
+    case SampleEncoding::floatingPoint:
+      return fillText(language.localised(translatable("%@ floating point")),
+                      {bitDepthText(bits, language)});
+    case SampleEncoding::aLaw:
+      return "A-law";
+    case SampleEncoding::muLaw:
+      return "µ-law";
+  }
+  return bitDepthText(bits, language) + " PCM";
+}
+
+const char* encodingCode(SampleEncoding encoding) {
+  switch (encoding) {
+    case SampleEncoding::integer:
+      break;
+    case SampleEncoding::floatingPoint:
+      return "float";
+    case SampleEncoding::aLaw:
+      return "a-law";
+    case SampleEncoding::muLaw:
+      return "mu-law";
+  }
+  return "pcm";
 }
 
 std::string channelsText(std::int64_t count, const Language& language) {

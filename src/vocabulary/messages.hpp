@@ -10,6 +10,7 @@
 
 #include "vocabulary/errors.hpp"
 #include "vocabulary/language.hpp"
+#include "vocabulary/sample_encoding.hpp"
 #include "vocabulary/warnings.hpp"
 
 namespace corvana {
@@ -26,13 +27,22 @@ struct Summary {
   std::int64_t markerCount = 0;    ///< AIFF: in the output
   std::int64_t cuePointCount = 0;  ///< WAV: in the output
   bool isRestored = false;         ///< the output is what its input was made of, to the last byte
+  /// What samples are.
+  SampleEncoding encoding = SampleEncoding::integer;
 };
 
-/// "16-bit, stereo, 44100 Hz, root key 60 (+12 ct), 2 loops, 4 markers". Counts of 0 are left out.
+/// "16-bit, stereo, 44100 Hz, root key 60 (+12 ct), 2 loops, 4 markers", with the encodingText of
+/// samples that are not integers in place of the bits. Counts of 0 are left out.
 std::string makeSummary(const Summary& summary, const Language& language);
 
 /// "16-bit"
 std::string bitDepthText(std::int64_t bits, const Language& language);
+
+/// "16-bit PCM", "32-bit floating point", "A-law" or "µ-law"
+std::string encodingText(SampleEncoding encoding, std::int64_t bits, const Language& language);
+
+/// The short name by which programs know an encoding: "pcm", "float", "a-law" or "mu-law".
+const char* encodingCode(SampleEncoding encoding);
 
 /// "mono", "stereo", or "6 channels" for any other number, 0 and negative ones included.
 std::string channelsText(std::int64_t count, const Language& language);

@@ -10,13 +10,13 @@
 namespace corvana {
 
 /// Refers to bytes that have to outlive it. `decode` makes a record of its `recordSize` bytes.
-template <typename Record, std::size_t recordSize, Record (*decode)(ByteView)>
+template <typename Record, std::size_t recordSize, Record (*decode)(ByteView, ByteOrder)>
 class RecordView {
  public:
   class Iterator {
    public:
-    explicit Iterator(ByteView rest) : rest_(rest) {}
-    Record operator*() const { return decode(rest_.first(recordSize)); }
+    Iterator(ByteView rest, ByteOrder order) : rest_(rest), order_(order) {}
+    Record operator*() const { return decode(rest_.first(recordSize), order_); }
     Iterator& operator++() {
       rest_ = rest_.subspan(recordSize);
       return *this;
@@ -25,22 +25,25 @@ class RecordView {
 
    private:
     ByteView rest_;
+    ByteOrder order_;
   };
 
   RecordView() = default;
   /// The first `declared` records, or as many as `bytes` wholly holds.
-  RecordView(ByteView bytes, std::size_t declared)
-      : bytes_(bytes.first(std::min(declared, bytes.size() / recordSize) * recordSize)) {}
+  RecordView(ByteView bytes, std::size_t declared, ByteOrder order)
+      : bytes_(bytes.first(std::min(declared, bytes.size() / recordSize) * recordSize)),
+        order_(order) {}
 
   /// How many records there are.
   std::size_t size() const { return bytes_.size() / recordSize; }
   /// The first record.
-  Iterator begin() const { return Iterator(bytes_); }
+  Iterator begin() const { return {bytes_, order_}; }
   /// Behind the last one.
-  Iterator end() const { return Iterator({}); }
+  Iterator end() const { return {{}, order_}; }
 
  private:
   ByteView bytes_;
+  ByteOrder order_ = ByteOrder::little;
 };
 
 }  // namespace corvana

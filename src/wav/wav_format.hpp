@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <optional>
 
+#include "vocabulary/sample_encoding.hpp"
 #include "wav/record_view.hpp"
 
 namespace corvana {
@@ -45,6 +46,7 @@ struct InstrumentChunk {
 /// Sizes of the chunk layouts, in bytes.
 namespace wav_layout {
 inline constexpr std::size_t formatSize = 16;
+inline constexpr std::size_t extendedFormatSize = 18;  ///< with an empty extension
 inline constexpr std::size_t extensibleFormatSize = 40;
 inline constexpr std::size_t samplerHeaderSize = 36;
 inline constexpr std::size_t loopSize = 24;
@@ -54,9 +56,9 @@ inline constexpr std::size_t instrumentSize = 7;
 }  // namespace wav_layout
 
 /// One record of a smpl chunk; `record` holds its bytes.
-SampleLoop decodeLoop(ByteView record);
+SampleLoop decodeLoop(ByteView record, ByteOrder order);
 /// One record of a cue chunk; `record` holds its bytes.
-CuePoint decodeCuePoint(ByteView record);
+CuePoint decodeCuePoint(ByteView record, ByteOrder order);
 
 /// The loops of a smpl chunk, in file order.
 using SampleLoopView = RecordView<SampleLoop, wav_layout::loopSize, decodeLoop>;
@@ -65,9 +67,13 @@ using CuePointView = RecordView<CuePoint, wav_layout::cuePointSize, decodeCuePoi
 
 /// What the reader finds in a WAV file, to whose bytes it refers.
 struct WavInfo {
-  std::uint16_t channels = 0;           ///< 1 to 65535
-  std::uint32_t sampleRate = 0;         ///< Hz, never 0
-  std::uint32_t bytesPerSample = 0;     ///< bytes a sample occupies in the file, 1 to 4
+  std::uint16_t channels = 0;    ///< 1 to 65535
+  std::uint32_t sampleRate = 0;  ///< Hz, never 0
+  /// What samples are; others than integers only where the reader was asked for them.
+  SampleEncoding encoding = SampleEncoding::integer;
+  ByteOrder order = ByteOrder::little;  ///< of all numbers; big: a RIFX file, likewise
+  /// Bytes a sample occupies in the file: 1 to 4, or 8 of floating point.
+  std::uint32_t bytesPerSample = 0;
   std::uint32_t bitsPerSample = 0;      ///< effective bits, 1 to 8 × bytesPerSample
   std::size_t dataOffset = 0;           ///< of the first sample byte in the file
   std::uint64_t dataSize = 0;           ///< sample bytes that are there
@@ -82,7 +88,9 @@ struct WavInfo {
 /// Values of the format tag and of the extensible form's sub-format code.
 namespace format_tag {
 inline constexpr std::uint16_t pcm = 1;              ///< integers
-inline constexpr std::uint16_t floatingPoint = 3;    ///< not converted
+inline constexpr std::uint16_t floatingPoint = 3;    ///< of 32 or 64 bits
+inline constexpr std::uint16_t aLaw = 6;             ///< logarithmic
+inline constexpr std::uint16_t muLaw = 7;            ///< logarithmic
 inline constexpr std::uint16_t extensible = 0xFFFE;  ///< the sub-format code says what it is
 }  // namespace format_tag
 

@@ -10,29 +10,52 @@ namespace {
 
 using Case = ConversionError::Case;
 
-Fields fieldsOf(ByteView bytes) {
-  return {bytes, ByteOrder::little};
+/// The byte order that the container says.
+ByteOrder checkHeader(ByteView file, bool anyEncoding) {
+  if (file.size() < fileHeaderSize) throw ConversionError(Case::notRIFF);
+  const Fields header(file, ByteOrder::little);
+  const bool isBigEndian = anyEncoding && header.id(0) == "RIFX";
+  if (header.id(0) != "RIFF" && !isBigEndian) throw ConversionError(Case::notRIFF);
+  if (header.id(8) != "WAVE") throw ConversionError(Case::notWAVE);
+  return isBigEndian ? ByteOrder::big : ByteOrder::little;
 }
 
-void checkHeader(ByteView file) {
-  if (file.size() < fileHeaderSize) throw ConversionError(Case::notRIFF);
-  const Fields header = fieldsOf(file);
-  if (header.id(0) != "RIFF") throw ConversionError(Case::notRIFF);
-  if (header.id(8) != "WAVE") throw ConversionError(Case::notWAVE);
+/// Absent for what is not converted.
+std::optional<SampleEncoding> encodingOf(std::uint16_t formatTag, bool anyEncoding) {
+  if (formatTag == format_tag::pcm) return SampleEncoding::integer;
+  if (!anyEncoding) return std::nullopt;
+  if (formatTag == format_tag::floatingPoint) return SampleEncoding::floatingPoint;
+  if (formatTag == format_tag::aLaw) return SampleEncoding::aLaw;
+  if (formatTag == format_tag::muLaw) return SampleEncoding::muLaw;
+  return std::nullopt;
+}
+
+/// Whether samples of this encoding, which are not integers, can take so many bytes.
+bool canTake(SampleEncoding encoding, std::uint32_t bytesPerSample) {
+  if (encoding == SampleEncoding::floatingPoint) return bytesPerSample == 4 || bytesPerSample == 8;
+  return bytesPerSample == 1;
+}
+
+[[noreturn]] void refuse(std::uint16_t formatTag) {
+  if (formatTag == format_tag::floatingPoint)
+    throw ConversionError::unsupported(UnsupportedKind::floatingPointWav);
+  throw ConversionError::unsupported(UnsupportedKind::formatTag, {std::int64_t{formatTag}});
 }
 
 }  // namespace
 
-WavInfo parseWav(ByteView file) {
-  checkHeader(file);
+WavInfo parseWav(ByteView file, bool anyEncoding) {
+  const ByteOrder order = checkHeader(file, anyEncoding);
   WavInfo info;
+  info.order = order;
   bool hasFormat = false;
   bool hasData = false;
-  walkChunks(file, ByteOrder::little, [&](const Chunk& chunk) {
+  walkChunks(file, order, [&](const Chunk& chunk) {
     if (chunk.id == "fmt ") {
-      const FormatChunk format = parseFormatChunk(chunk.body);
+      const FormatChunk format = parseFormatChunk(chunk.body, order, anyEncoding);
       info.channels = format.channels;
       info.sampleRate = format.sampleRate;
+      info.encoding = format.encoding;
       info.bytesPerSample = format.bytesPerSample;
       info.bitsPerSample = format.bitsPerSample;
       hasFormat = true;
@@ -41,14 +64,14 @@ WavInfo parseWav(ByteView file) {
       info.dataSize = chunk.body.size();
       hasData = true;
     } else if (chunk.id == "smpl") {
-      const SamplerChunk sampler = parseSamplerChunk(chunk.body);
+      const SamplerChunk sampler = parseSamplerChunk(chunk.body, order);
       info.midiUnityNote = sampler.midiUnityNote;
       info.midiPitchFraction = sampler.midiPitchFraction;
       info.loops = sampler.loops;
     } else if (chunk.id == "inst") {
       info.instrument = parseInstrumentChunk(chunk.body);
     } else if (chunk.id == "cue ") {
-      info.cuePoints = parseCueChunk(chunk.body);
+      info.cuePoints = parseCueChunk(chunk.body, order);
     }
   });
   if (!hasFormat) throw ConversionError(Case::missingFormat);
@@ -56,9 +79,9 @@ WavInfo parseWav(ByteView file) {
   return info;
 }
 
-FormatChunk parseFormatChunk(ByteView body) {
+FormatChunk parseFormatChunk(ByteView body, ByteOrder order, bool anyEncoding) {
   if (body.size() < wav_layout::formatSize) throw ConversionError(Case::badFormatChunk);
-  const Fields fields = fieldsOf(body);
+  const Fields fields(body, order);
   std::uint16_t formatTag = fields.u16(0);
   const std::uint16_t channels = fields.u16(2);
   const std::uint32_t sampleRate = fields.u32(4);
@@ -68,12 +91,10 @@ FormatChunk parseFormatChunk(ByteView body) {
   std::uint16_t validBits = bitsPerSample;
   if (body.size() >= wav_layout::extensibleFormatSize && formatTag == format_tag::extensible) {
     if (fields.u16(18) != 0) validBits = fields.u16(18);
-    formatTag = fields.u16(24);
+    formatTag = subFormatOf(body, order);
   }
-  if (formatTag == format_tag::floatingPoint)
-    throw ConversionError::unsupported(UnsupportedKind::floatingPointWav);
-  if (formatTag != format_tag::pcm)
-    throw ConversionError::unsupported(UnsupportedKind::formatTag, {std::int64_t{formatTag}});
+  const std::optional<SampleEncoding> encoding = encodingOf(formatTag, anyEncoding);
+  if (!encoding) refuse(formatTag);
   if (channels == 0 || sampleRate == 0 || bitsPerSample == 0)
     throw ConversionError(Case::badFormatChunk);
 
@@ -82,25 +103,33 @@ FormatChunk parseFormatChunk(ByteView body) {
                                                            : (bitsPerSample + 7U) / 8U * channels;
   if (blockAlign % channels != 0) throw ConversionError(Case::badFormatChunk);
   const std::uint32_t bytesPerSample = blockAlign / channels;
+  if (encoding != SampleEncoding::integer) {
+    if (!canTake(*encoding, bytesPerSample)) refuse(formatTag);
+    return {channels, sampleRate, *encoding, bytesPerSample, 8 * bytesPerSample};
+  }
   if (bytesPerSample < 1 || bytesPerSample > 4)
     throw ConversionError::unsupported(UnsupportedKind::bitDepth, {std::int64_t{bitsPerSample}});
-  return {channels, sampleRate, bytesPerSample,
+  return {channels, sampleRate, SampleEncoding::integer, bytesPerSample,
           std::min<std::uint32_t>(8 * bytesPerSample, validBits)};
 }
 
-SamplerChunk parseSamplerChunk(ByteView body) {
+std::uint16_t subFormatOf(ByteView body, ByteOrder order) {
+  return static_cast<std::uint16_t>(Fields(body, order).u32(24));
+}
+
+SamplerChunk parseSamplerChunk(ByteView body, ByteOrder order) {
   if (body.size() < wav_layout::samplerHeaderSize) return {};
-  const Fields fields = fieldsOf(body);
+  const Fields fields(body, order);
   SamplerChunk sampler;
   sampler.midiUnityNote = fields.u32(12);
   sampler.midiPitchFraction = fields.u32(16);
   const std::uint32_t declaredLoops = fields.u32(28);
-  sampler.loops.emplace(body.subspan(wav_layout::samplerHeaderSize), declaredLoops);
+  sampler.loops.emplace(body.subspan(wav_layout::samplerHeaderSize), declaredLoops, order);
   return sampler;
 }
 
-SampleLoop decodeLoop(ByteView record) {
-  const Fields fields = fieldsOf(record);
+SampleLoop decodeLoop(ByteView record, ByteOrder order) {
+  const Fields fields(record, order);
   SampleLoop loop;
   loop.cueID = fields.u32(0);
   loop.type = fields.u32(4);
@@ -110,14 +139,14 @@ SampleLoop decodeLoop(ByteView record) {
   return loop;
 }
 
-CuePointView parseCueChunk(ByteView body) {
+CuePointView parseCueChunk(ByteView body, ByteOrder order) {
   if (body.size() < wav_layout::cueHeaderSize) return {};
-  const std::uint32_t declaredPoints = fieldsOf(body).u32(0);
-  return {body.subspan(wav_layout::cueHeaderSize), declaredPoints};
+  const std::uint32_t declaredPoints = Fields(body, order).u32(0);
+  return {body.subspan(wav_layout::cueHeaderSize), declaredPoints, order};
 }
 
-CuePoint decodeCuePoint(ByteView record) {
-  const Fields fields = fieldsOf(record);
+CuePoint decodeCuePoint(ByteView record, ByteOrder order) {
+  const Fields fields(record, order);
   CuePoint point;
   point.id = fields.u32(0);
   // The sample offset, not the play-order position at offset 4: that one is only meaningful
@@ -128,7 +157,7 @@ CuePoint decodeCuePoint(ByteView record) {
 
 std::optional<InstrumentChunk> parseInstrumentChunk(ByteView body) {
   if (body.size() < wav_layout::instrumentSize) return std::nullopt;
-  const Fields fields = fieldsOf(body);
+  const Fields fields(body, ByteOrder::little);
   InstrumentChunk instrument;
   instrument.unshiftedNote = fields.u8(0);
   instrument.fineTune = fields.i8(1);

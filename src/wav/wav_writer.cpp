@@ -11,9 +11,23 @@
 namespace corvana {
 namespace {
 
-/// {00000001-0000-0010-8000-00AA00389B71}, the sub-format of integer PCM.
-constexpr std::array<std::uint8_t, 16> pcmSubFormat = {
-    0x01, 0x00, 0x00, 0x00, 0x00, 0x00, 0x10, 0x00, 0x80, 0x00, 0x00, 0xAA, 0x00, 0x38, 0x9B, 0x71};
+/// {0000xxxx-0000-0010-8000-00AA00389B71}, the sub-format of a format tag, less the tag.
+constexpr std::array<std::uint8_t, 14> subFormatEnd = {0x00, 0x00, 0x00, 0x00, 0x10, 0x00, 0x80,
+                                                       0x00, 0x00, 0xAA, 0x00, 0x38, 0x9B, 0x71};
+
+std::uint16_t formatTagOf(SampleEncoding encoding) {
+  switch (encoding) {
+    case SampleEncoding::floatingPoint:
+      return format_tag::floatingPoint;
+    case SampleEncoding::aLaw:
+      return format_tag::aLaw;
+    case SampleEncoding::muLaw:
+      return format_tag::muLaw;
+    case SampleEncoding::integer:
+      break;
+  }
+  return format_tag::pcm;
+}
 
 std::uint32_t channelMask(std::uint16_t channels) {
   if (channels == 1) return 0x4;  // front centre
@@ -30,8 +44,9 @@ std::uint32_t blockAlignOf(const WavContent& content) {
 ByteBuffer buildFormatChunk(const WavContent& content) {
   const bool extensible = content.sampleSize % 8 != 0 || content.channels > 2;
   const std::uint32_t blockAlign = blockAlignOf(content);
+  const std::uint16_t formatTag = formatTagOf(content.encoding);
   ByteBuffer body;
-  appendUInt16LE(body, extensible ? format_tag::extensible : format_tag::pcm);
+  appendUInt16LE(body, extensible ? format_tag::extensible : formatTag);
   appendUInt16LE(body, content.channels);
   appendUInt32LE(body, content.sampleRate);
   appendUInt32LE(body, content.sampleRate * blockAlign);  // bytes per second, its low 32 bits
@@ -41,7 +56,10 @@ ByteBuffer buildFormatChunk(const WavContent& content) {
     appendUInt16LE(body, 22);  // size of the extension
     appendUInt16LE(body, content.sampleSize);
     appendUInt32LE(body, channelMask(content.channels));
-    appendBytes(body, pcmSubFormat);
+    appendUInt16LE(body, formatTag);
+    appendBytes(body, subFormatEnd);
+  } else if (formatTag != format_tag::pcm) {
+    appendUInt16LE(body, 0);  // size of the extension
   }
   return body;
 }
@@ -107,15 +125,21 @@ SurroundingBytes writeWav(const WavContent& content) {
     appendChunk(file.trailer, "inst", buildInstrumentChunk(*metadata.instrument));
   }
 
-  const ByteBuffer format = buildFormatChunk(content);
+  ByteBuffer chunks;
+  appendChunk(chunks, "fmt ", buildFormatChunk(content));
+  if (content.encoding != SampleEncoding::integer) {
+    ByteBuffer fact;
+    appendUInt32LE(fact, content.frameCount);
+    appendChunk(chunks, "fact", fact);
+  }
   const std::uint64_t riffSize =
-      4 + chunkHeaderSize + format.size() + chunkHeaderSize + dataSize + file.trailer.size();
+      4 + chunks.size() + chunkHeaderSize + dataSize + file.trailer.size();
   if (riffSize > std::numeric_limits<std::uint32_t>::max())
     throw ConversionError(ConversionError::Case::tooLarge);
   appendFourCC(file.header, "RIFF");
   appendUInt32LE(file.header, static_cast<std::uint32_t>(riffSize));
   appendFourCC(file.header, "WAVE");
-  appendChunk(file.header, "fmt ", format);
+  appendBytes(file.header, chunks);
   appendFourCC(file.header, "data");
   appendUInt32LE(file.header, static_cast<std::uint32_t>(dataSize));
   return file;

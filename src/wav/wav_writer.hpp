@@ -1,4 +1,5 @@
-// Writes the bytes of a WAV file: fmt, data, then cue, smpl and inst.
+// Writes the bytes of a WAV file: fmt, data, then cue, smpl and inst; fact ahead of data where
+// samples are not integers.
 #pragma once
 
 #include <cstdint>
@@ -23,14 +24,16 @@ struct WavMetadata {
 /// Everything of a WAV file but its samples. A sample takes as many bytes as its bits need.
 struct WavContent {
   std::uint16_t channels = 0;    ///< a frame takes at most 65535 bytes
-  std::uint16_t sampleSize = 0;  ///< bits, 1 to 32
+  std::uint16_t sampleSize = 0;  ///< bits, 1 to 32, or as the encoding has it
   std::uint32_t sampleRate = 0;  ///< Hz, not 0
   std::uint32_t frameCount = 0;  ///< whole frames of samples
   WavMetadata metadata = {};     ///< what the sampler needs
+  /// What samples are.
+  SampleEncoding encoding = SampleEncoding::integer;
 };
 
-/// The fmt body: plain PCM (16 bytes), or the extensible form (40 bytes) for a sample size that
-/// does not fill its bytes and for more than 2 channels.
+/// The fmt body: plain PCM (16 bytes), other encodings (18 bytes), or the extensible form (40
+/// bytes) for a sample size that does not fill its bytes and for more than 2 channels.
 ByteBuffer buildFormatChunk(const WavContent& content);
 
 /// The cue body.

@@ -71,6 +71,23 @@ class Program : public testing::Test {
 
 const std::string summary = "  [16-bit, mono, 44100 Hz]\n";
 
+TEST_F(Program, ConvertsAnyEncodingOnRequest) {
+  in.write("f.wav", wav({fmt({3, 1, 44100, 4, 32}), data({1, 0, 0xC0, 0x7F})}));
+  in.write("x.wav", bytes("'RIFX' 00000024 'WAVE' 'fmt ' 00000010 0001 0001 0000AC44 00015888 0002 "
+                          "0010 'data' 00000000"));
+  EXPECT_EQ(run({"f.wav", "x.wav"}).output,
+            "✗ f.wav: Unsupported format: floating-point WAV\n"
+            "✗ x.wav: Unsupported format: neither WAV nor AIFF\n");
+  const Outcome outcome = run({"--any-encoding", "--verify", "--json", "f.wav", "x.wav"});
+  EXPECT_NE(outcome.output.find(R"("format":"aiff-c","encoding":"float","bits":32)"),
+            std::string::npos);
+  EXPECT_NE(outcome.output.find(R"("format":"aiff","bits":16)"), std::string::npos);
+  EXPECT_EQ(run({"verify", "f.wav", "f.aif"}).errors, "corvana-cli: No differences.\n");
+  EXPECT_EQ(run({"verify", "x.aif", "x.wav"}).output,
+            "The output cannot be read: Not a RIFF file.\n");
+  EXPECT_EQ(run({"--any-encoding", "--to", "wav", "x.wav"}).status, 1) << "nothing to convert";
+}
+
 TEST_F(Program, LogsToStandardOutputAndTheStatusToStandardError) {
   writeWav("a.wav");
   writeWav("b/c.wav");

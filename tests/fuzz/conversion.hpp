@@ -5,11 +5,13 @@
 #include <optional>
 
 #include "convert/carry_out.hpp"
+#include "verify/prove_conversion.hpp"
 #include "vocabulary/messages.hpp"
 
 namespace corvana::fuzz {
 
-/// The output; absent when the input cannot be converted. Progress only rises, and to 1.
+/// The output; absent when the input cannot be converted. Progress only rises, and to 1. It is
+/// proved to be as promised.
 inline std::optional<ByteBuffer> convert(ConversionPlan (*planner)(ByteView,
                                                                    const ConversionOptions&),
                                          ByteView content, const ConversionOptions& options = {}) {
@@ -31,6 +33,7 @@ inline std::optional<ByteBuffer> convert(ConversionPlan (*planner)(ByteView,
   });
   assert(lastProgress == 1.0);
   assert(output.bytes.size() == plan.outputSize());
+  assert(!proveConversion(content, output.bytes, {Producer::thisProgram, options}, {}).areThere());
   return output.bytes;
 }
 

@@ -6,17 +6,21 @@
 #include "fuzz/conversion.hpp"
 #include "wav/wav_reader.hpp"
 
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  using namespace corvana;
-  const auto output = fuzz::convert(planAIFFToWAV, {data, size});
-  if (!output) return 0;
-  const AiffInfo before = parseAiff({data, size});
-  const WavInfo after = parseWav(*output);
+using namespace corvana;
+
+namespace {
+
+void check(ByteView content, const ConversionOptions& options) {
+  const auto output = fuzz::convert(planAIFFToWAV, content, options);
+  if (!output) return;
+  const AiffInfo before = parseAiff(content, options.anyEncoding);
+  const WavInfo after = parseWav(*output, options.anyEncoding);
   const std::uint64_t frameSize = std::uint64_t{before.channels} * ((before.sampleSize + 7U) / 8);
   const std::uint64_t frames =
       std::min<std::uint64_t>(before.frameCount, before.soundSize / frameSize);
   assert(output->size() == std::uint64_t{8} + Fields(*output, ByteOrder::little).u32(4));
   assert(after.channels == before.channels);
+  assert(after.encoding == before.encoding);
   assert(after.bitsPerSample == before.sampleSize);
   assert(after.sampleRate == std::round(before.sampleRate));
   assert(after.dataSize == frames * frameSize);
@@ -30,5 +34,12 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   assert(after.cuePoints.size() <= before.markers.size());
   for (const CuePoint point : after.cuePoints)
     assert(point.position <= frames);
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+  for (const bool anyEncoding : {false, true})
+    check({data, size}, {.anyEncoding = anyEncoding});
   return 0;
 }

@@ -6,17 +6,20 @@
 
 using namespace corvana;
 
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  const auto output = fuzz::convert(planWAVToAIFF, {data, size});
-  if (!output) return 0;
-  const WavInfo before = parseWav({data, size});
-  if (before.sampleRate >= 4'000'000'000) return 0;  // written, but more than our reader takes
-  const AiffInfo after = parseAiff(*output);
+namespace {
+
+void check(ByteView content, const ConversionOptions& options) {
+  const auto output = fuzz::convert(planWAVToAIFF, content, options);
+  if (!output) return;
+  const WavInfo before = parseWav(content, options.anyEncoding);
+  if (before.sampleRate >= 4'000'000'000) return;  // written, but more than our reader takes
+  const AiffInfo after = parseAiff(*output, options.anyEncoding);
   const std::uint64_t frames =
       before.dataSize / (std::uint64_t{before.channels} * before.bytesPerSample);
   assert(output->size() == std::uint64_t{8} + Fields(*output, ByteOrder::big).u32(4));
   assert(after.frameCount == frames);
   assert(after.channels == before.channels);
+  assert(after.encoding == before.encoding);
   assert(after.sampleSize == before.bitsPerSample);
   assert(after.sampleRate == before.sampleRate);
   assert(after.soundSize == frames * after.channels * ((after.sampleSize + 7U) / 8));
@@ -43,5 +46,12 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     assert(after.markers[i].id == static_cast<int>(i + 1));
     assert(after.markers[i].position <= frames);
   }
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+  for (const bool anyEncoding : {false, true})
+    check({data, size}, {.anyEncoding = anyEncoding});
   return 0;
 }

@@ -48,13 +48,27 @@ int main(int count, char** arguments) {
   write(folder / "aiff", reversibly(wav({fmt({}), sampler, test::data(samples)})));
   write(folder / "aiff", reversibly(wav({wide, keys, test::data(samples)})));
 
+  for (const auto& [tag, width] : {std::pair{3, 4}, {3, 8}, {6, 1}, {7, 1}}) {
+    const auto bits = static_cast<std::uint16_t>(8 * width);
+    const auto code = static_cast<std::uint16_t>(tag);
+    const auto frame = static_cast<std::uint16_t>(3 * width);
+    write(folder / "wav",
+          wav({fmt({0xFFFE, 3, 44100, frame, bits, bits, code}), sampler, test::data(samples)}));
+    write(folder / "wav", wav({fmt({code, 1, 44100, 0, bits}), keys, test::data(samples)}));
+  }
+  write(folder / "wav", bytes("'RIFX' 00000000 'WAVE' 'fmt ' 00000010 0001 0001 0000AC44 00000000 "
+                              "0002 0010 'data' 00000004 00010203 'cue ' 0000001C 00000001 "
+                              "00000007 00000000 'data' 00000000 00000000 00000001"));
+
   const ByteBuffer markers = mark({{1, 0, "start"}, {2, 4, "end"}, {3, 2, ""}, {-1, 9, "x"}});
   const ByteBuffer loops = inst(AiffInstrument{60, 10, 0, 127, 1, 127, 200, {1, 1, 2}, {2, 1, 3}});
   for (const int bits : {1, 8, 12, 24, 32})
     write(folder / "aiff", aiff({ssnd(samples), comm({1, 5, bits}), markers, loops}));
   write(folder / "wav", reversibly(aiff({comm({1, 5, 16}), markers, ssnd(samples)})));
-  for (const char* type : {"NONE", "twos", "in24", "in32", "sowt", "fl32"}) {
-    const Common common{.channels = 2, .frames = 6, .bits = 20, .compression = type};
+  for (const char* type : {"NONE", "twos", "in24", "in32", "sowt", "fl32", "fl64", "ulaw", "ALAW",
+                           "raw ", "42ni", "23ni"}) {
+    const int bits = type == std::string_view("raw ") ? 8 : 20;
+    const Common common{.channels = 2, .frames = 6, .bits = bits, .compression = type};
     write(folder / "aiff", aiff({comm(common), markers, loops, ssnd(samples, 2)}, "AIFC"));
   }
   return 0;

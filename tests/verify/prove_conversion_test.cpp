@@ -28,9 +28,10 @@ const ByteBuffer aiffInput =
 
 /// A difference in each part: code, place, what was found and what was expected.
 std::string proved(const ByteBuffer& input, const ByteBuffer& output,
-                   Producer producer = Producer::anyProgram) {
+                   Producer producer = Producer::anyProgram,
+                   const ConversionOptions& options = {}) {
   std::string found;
-  for (const Difference& d : proveConversion(input, output, {producer}, {}).kept) {
+  for (const Difference& d : proveConversion(input, output, {producer, options}, {}).kept) {
     found += (found.empty() ? "" : "; ") + std::string(differenceCode(d));
     for (const auto& place : {d.number, d.frame, d.channel})
       if (place) found += line(" ", *place);
@@ -180,6 +181,33 @@ TEST(Proof, OtherProgramsMayOrderAddAndWiden) {
   const ByteBuffer wide = data(bytes("00563412 01CDAB89"));
   EXPECT_EQ(proved(aiffFile, wav({wavChunk("LIST", {1}), wide, format})),
             "sample 1 1/-1985229567/-1985229568");
+}
+
+TEST(Proof, NamesDamageOfAnyEncoding) {
+  const ConversionOptions options{.anyEncoding = true};
+  const ByteBuffer wavFile = wav({fmt({3, 1, 44100, 8, 64}), data(bytes("0102030405060708"))});
+  const ByteBuffer aiffFile =
+      aiff({comm({1, 3, 8, Common().rate, "ulaw"}), ssnd(bytes("80 7F FF"))}, "AIFC");
+  const std::pair<const ByteBuffer&, Damage> cases[] = {
+      {wavFile, {"SSND", 15, 1, "02", "sample 0 1/0807060504030202/0807060504030201"}},
+      {wavFile, {"COMM", 7, 1, "20", "chunk-field/32/64"}},
+      {wavFile,
+       {"COMM", 18, 4, "'FL64'",
+        "chunk-field/464c36341536342d62697420666c6f6174696e6720"
+        "706f696e74/666c36341536342d62697420666c6f6174696e672070"
+        "6f696e74"}},
+      {wavFile, {"FVER", 3, 1, "41", "format-version"}},
+      {aiffFile, {"data", 1, 1, "7E", "sample 1 1/7e/7f"}},
+      {aiffFile, {"fact", 0, 1, "04", "chunk-field/4/3"}},
+      {aiffFile, {"fact", -8, 4, "'tcaf'", "chunk-order/fmt  tcaf data /fmt  fact data "}},
+      {aiffFile, {"fmt ", 0, 1, "06", "encoding/a-law/mu-law"}},
+  };
+  for (const auto& [input, damage] : cases) {
+    const ByteBuffer output = convert(input, options).file;
+    EXPECT_EQ(proved(input, output, Producer::thisProgram, options), "");
+    EXPECT_EQ(proved(input, damaged(output, damage), Producer::thisProgram, options),
+              damage.expected);
+  }
 }
 
 /// Samples are compared many at once, in steps of their own for each width.
