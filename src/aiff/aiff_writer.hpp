@@ -1,4 +1,4 @@
-// Writes the bytes of a plain AIFF file: COMM, MARK, INST, SSND.
+// Writes the bytes of a plain AIFF file: COMM, MARK, INST, SSND, then texts.
 #pragma once
 
 #include <cstdint>
@@ -18,9 +18,11 @@ struct AiffContent {
   std::uint32_t frameCount = 0;                   ///< whole frames of samples
   std::vector<AiffMarker> markers = {};           ///< empty: no MARK chunk
   std::optional<AiffInstrument> instrument = {};  ///< absent: no INST chunk
+  AiffTexts texts = {};                           ///< behind the samples
 };
 
-/// The file around its samples. A sample takes as many bytes as its bits need. Fails with tooLarge.
+/// The file around its samples. A sample takes as many bytes as its bits need. Names and comments
+/// are cut to the bytes that there is room for, not inside a character. Fails with tooLarge.
 SurroundingBytes writeAiff(const AiffContent& content);
 
 }  // namespace corvana

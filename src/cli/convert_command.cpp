@@ -171,13 +171,13 @@ ConvertLine::ConvertLine() : app(description, "corvana-cli") {
       ->type_name("N")
       ->group(what);
 
-  const std::string kept = "What outputs get";
+  const std::string got = "What outputs get";
   const auto addLoopChoice = [&](const char* name, LoopChoice choice, const char* description) {
     return app
         .add_flag_callback(
             name, [&batch, choice] { batch.conversion.loops = choice; }, description)
         ->option_text(" ")
-        ->group(kept);
+        ->group(got);
   };
   addLoopChoice("--no-loops", LoopChoice::none, "No loops, for devices that refuse them")
       ->excludes(addLoopChoice("--first-loop-only", LoopChoice::first,
@@ -185,11 +185,28 @@ ConvertLine::ConvertLine() : app(description, "corvana-cli") {
   CLI::Option* const fromName =
       app.add_flag("--root-from-name", rootFromName,
                    "Give files without a key the one in their name, with a warning")
-          ->group(kept);
+          ->group(got);
   addChoice<int>(app, "--middle-c", middleC, {{"C3", 3}, {"C4", 4}, {"C5", 5}},
                  "What such names call note 60, C4 by default")
       ->needs(fromName)
-      ->group(kept);
+      ->group(got);
+
+  enum class Kept { names, texts };
+  app.add_option_function<std::vector<Kept>>(
+         "--keep",
+         [&batch](const std::vector<Kept>& kinds) {
+           for (const Kept kind : kinds)
+             (kind == Kept::names ? batch.conversion.keepNames : batch.conversion.keepTexts) = true;
+         },
+         "Keep names of markers, cue points and loops; texts of the file, ID3 tags too; or both")
+      ->transform(CLI::CheckedTransformer(
+                      std::map<std::string, Kept>{{"names", Kept::names}, {"texts", Kept::texts}},
+                      CLI::ignore_case)
+                      .description(""))
+      ->delimiter(',')
+      ->allow_extra_args(false)
+      ->type_name("names|texts,...")
+      ->group(got);
 
   const std::string said = "What is said";
   app.add_flag("--dry-run", batch.dryRun, "Only write the log of what would be done")->group(said);

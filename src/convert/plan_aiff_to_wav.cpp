@@ -5,7 +5,9 @@
 #include <utility>
 
 #include "aiff/aiff_reader.hpp"
+#include "convert/left_out.hpp"
 #include "convert/map_aiff_to_wav.hpp"
+#include "convert/map_texts.hpp"
 #include "vocabulary/errors.hpp"
 
 namespace corvana {
@@ -62,7 +64,12 @@ ConversionPlan planAIFFToWAV(ByteView file, const ConversionOptions& options) {
                      .sampleSize = info.sampleSize,
                      .sampleRate = roundRate(info.sampleRate, plan.warnings),
                      .frameCount = plan.samples.frameCount};
-  content.metadata = mapLoopsAndMarkers(info, content.frameCount, options, plan.warnings);
+  const AiffTextViews texts = options.keepsMore() ? findAiffTexts(file) : AiffTextViews();
+  content.metadata = mapLoopsAndMarkers(info, content.frameCount, options, plan.warnings, texts);
+  LeftOut leftOut;
+  addLeftOutOfAiff(file, options, leftOut);
+  if (options.keepTexts) mapTexts(texts, content.metadata.texts, leftOut);
+  setLeftOut(leftOut, options, plan);
   auto [header, trailer] = writeWav(content);
   plan.header = std::move(header);
   plan.trailer = std::move(trailer);

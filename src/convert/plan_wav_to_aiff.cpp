@@ -3,6 +3,8 @@
 #include <limits>
 #include <utility>
 
+#include "convert/left_out.hpp"
+#include "convert/map_texts.hpp"
 #include "convert/map_wav_to_aiff.hpp"
 #include "vocabulary/errors.hpp"
 #include "wav/wav_reader.hpp"
@@ -52,13 +54,21 @@ ConversionPlan planWAVToAIFF(ByteView file, const ConversionOptions& options) {
 
   ConversionPlan plan;
   plan.samples = findSamples(info, plan.warnings);
-  AiffMetadata metadata = mapWavMetadata(info, plan.samples.frameCount, options, plan.warnings);
+  const WavTextViews texts =
+      options.keepsMore() ? findWavTexts(file) : WavTextViews();
+  AiffMetadata metadata =
+      mapWavMetadata(info, plan.samples.frameCount, options, plan.warnings, texts);
   AiffContent content{.channels = info.channels,
                       .sampleSize = static_cast<std::uint16_t>(info.bitsPerSample),
                       .sampleRate = info.sampleRate,
                       .frameCount = plan.samples.frameCount,
                       .markers = std::move(metadata.markers),
-                      .instrument = metadata.instrument};
+                      .instrument = metadata.instrument,
+                      .texts = {.comments = std::move(metadata.comments)}};
+  LeftOut leftOut;
+  addLeftOutOfWav(file, options, leftOut);
+  if (options.keepTexts) mapTexts(texts, content.texts, leftOut);
+  setLeftOut(leftOut, options, plan);
   auto [header, trailer] = writeAiff(content);
   plan.header = std::move(header);
   plan.trailer = std::move(trailer);

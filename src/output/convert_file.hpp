@@ -26,6 +26,7 @@ struct ConversionResult {
   // The same for programs.
   Summary figures = {};
   Warnings warningRecords = {};
+  std::vector<std::string> leftOut = {};  ///< ConversionPlan::leftOut
   std::uint32_t frames = 0;  ///< of the output
   std::uint64_t bytes = 0;   ///< of the output
   int timesError = 0;        ///< OutputFile::timesError

@@ -20,6 +20,10 @@ struct ConversionOptions {
   /// MIDI note, 0 to 127, for an input that has no key of its own: neither smpl nor inst chunk, no
   /// INST chunk.
   std::optional<std::uint8_t> rootKey = std::nullopt;
+  bool keepNames = false;  ///< of markers, cue points and loops, with the notes on these
+  bool keepTexts = false;  ///< of the file as a whole, ID3 tags included
+
+  bool keepsMore() const { return keepNames || keepTexts; }  ///< than the ordinary rules
 };
 
 }  // namespace corvana

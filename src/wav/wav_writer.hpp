@@ -1,4 +1,4 @@
-// Writes the bytes of a WAV file: fmt, data, then cue, smpl and inst.
+// Writes the bytes of a WAV file: fmt, data, then cue, smpl and inst, then texts.
 #pragma once
 
 #include <cstdint>
@@ -18,6 +18,7 @@ struct WavMetadata {
   std::vector<SampleLoop> loops;    ///< of the smpl chunk
   std::uint32_t unityNote = 0;      ///< MIDI note
   std::uint32_t pitchFraction = 0;  ///< in 2^32ths of a semitone above the note
+  WavTexts texts = {};              ///< behind the chunks above
 };
 
 /// Everything of a WAV file but its samples. A sample takes as many bytes as its bits need.

@@ -1,0 +1,58 @@
+#include "wav/wav_texts.hpp"
+
+#include <algorithm>
+
+#include "vocabulary/chunks.hpp"
+#include "vocabulary/unicode.hpp"
+#include "wav/wav_format.hpp"
+
+namespace corvana {
+namespace {
+
+void addTexts(ByteView list, WavTextViews& texts) {
+  const std::string_view type = Fields(list, ByteOrder::little).id(0);
+  if (type != "adtl" && type != "INFO") return;
+  const auto add = [](auto& views, auto id, const Chunk& chunk, std::size_t start) {
+    if (chunk.body.size() > start && views.size() < maxWavTexts)
+      views.push_back({id, chunk.body.subspan(start)});
+  };
+  const auto visit = [&](const Chunk& chunk) {
+    const std::uint32_t cueID = Fields(chunk.body, ByteOrder::little).u32(0);
+    if (type == "INFO") add(texts.info, chunk.id, chunk, 0);
+    if (type == "INFO") return;
+    if (chunk.id == "labl") add(texts.labels, cueID, chunk, wav_layout::cueTextOffset);
+    if (chunk.id == "note") add(texts.notes, cueID, chunk, wav_layout::cueTextOffset);
+    if (chunk.id == "ltxt") add(texts.stretches, cueID, chunk, wav_layout::stretchTextOffset);
+  };
+  walkChunks(list, ByteOrder::little, visit, wav_layout::listTypeSize);
+}
+
+}  // namespace
+
+WavTextViews findWavTexts(ByteView file) {
+  WavTextViews texts;
+  walkChunks(file, ByteOrder::little, [&](const Chunk& chunk) {
+    if (chunk.id == "LIST") addTexts(chunk.body, texts);
+    if (isID3(chunk.id)) texts.id3 = chunk.body;
+  });
+  return texts;
+}
+
+std::string decodeWavText(ByteView bytes) {
+  const auto end = std::find(bytes.begin(), bytes.end(), std::uint8_t{0});
+  std::string text(bytes.begin(), end);
+  return isUtf8(text) ? text : decodeLatin1(bytes.first(text.size()));
+}
+
+std::string decodeLatin1(ByteView bytes) {
+  std::string text;
+  for (const std::uint8_t byte : bytes)
+    appendUtf8(text, byte >= 0x80 && byte < 0xA0 ? U'\uFFFD' : char32_t{byte});
+  return text;
+}
+
+bool isID3(std::string_view id) {
+  return id == "id3 " || id == "ID3 ";
+}
+
+}  // namespace corvana
