@@ -205,7 +205,7 @@ ConvertLine::ConvertLine() : app(description, "corvana-cli") {
                       .description(""))
       ->delimiter(',')
       ->allow_extra_args(false)
-      ->type_name("names|texts,...")
+      ->type_name("names|texts")
       ->group(got);
 
   const std::string said = "What is said";

@@ -257,6 +257,8 @@ void compareChunks(const PromisedAiff& promised, ByteView output, Producer produ
   if (!promised.markers.empty()) chunks.emplace_back("MARK");
   if (promised.instrument) chunks.emplace_back("INST");
   chunks.emplace_back("SSND");
+  for (const PromisedChunk& text : promised.texts)
+    chunks.emplace_back(text.id);
   compareChunkOrder(output, order, chunks, differences);
 }
 
@@ -267,7 +269,7 @@ void compareOutput(const WavInfo& wav, ByteView input, ByteView output, const Pr
   // The highest rates of WAV are written, though an AIFF input must not have them.
   constexpr double rateLimit = 4'294'967'296.0;
   const AiffInfo aiff = parseAiff(output, rateLimit);
-  const PromisedAiff promised = promisedAiff(wav, terms.options);
+  const PromisedAiff promised = promisedAiff(wav, input, terms.options);
   compareSound(wav, promised, aiff, output, differences);
   const MarkerPairs pairs = pairMarkers(promised, aiff);
   compareLoops(promised, aiff, pairs, differences);
@@ -275,6 +277,7 @@ void compareOutput(const WavInfo& wav, ByteView input, ByteView output, const Pr
   compareInstrument(promised, aiff, differences);
   compareChunks(promised, output, terms.producer, differences);
   compareUnreadFields(promised, aiff, output, terms.producer, differences);
+  compareTexts(output, order, promised.texts, differences);
 
   if (aiff.channels != wav.channels) return;
   const std::uint32_t width = bytesFor(aiff.sampleSize);

@@ -254,6 +254,8 @@ void compareChunks(const PromisedWav& promised, const WavInfo& wav, ByteView out
   std::vector<std::string_view> chunks = {"fmt ", "data"};
   if (!promised.cuePoints.empty()) chunks.emplace_back("cue ");
   if (promised.instrument) chunks.insert(chunks.end(), {"smpl", "inst"});
+  for (const PromisedChunk& text : promised.texts)
+    chunks.emplace_back(text.id);
   compareChunkOrder(output, order, chunks, differences);
   compareUnreadFields(sampler, cue, differences);
 }
@@ -263,13 +265,14 @@ void compareChunks(const PromisedWav& promised, const WavInfo& wav, ByteView out
 void compareOutput(const AiffInfo& aiff, ByteView input, ByteView output, const ProofTerms& terms,
                    Differences& differences, const ProofHandler& progress) {
   const WavInfo wav = parseWav(output);
-  const PromisedWav promised = promisedWav(aiff, terms.options);
+  const PromisedWav promised = promisedWav(aiff, input, terms.options);
   compareSound(aiff, promised, wav, differences);
   compareLoops(promised, wav, output, differences);
   compareCuePoints(promised, wav, differences);
   compareInstrument(promised, wav, differences);
   compareSampler(promised, wav, output, terms.producer, differences);
   compareChunks(promised, wav, output, terms.producer, differences);
+  compareTexts(output, order, promised.texts, differences);
 
   if (wav.channels != aiff.channels) return;
   const SampleField from{input, aiff.soundOffset, promised.width,
