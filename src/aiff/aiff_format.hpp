@@ -73,8 +73,8 @@ struct AiffText {
 /// The texts of an AIFF file beside the names of its markers.
 struct AiffTexts {
   std::vector<AiffComment> comments = {};  ///< at most 65535; empty: no COMT chunk
-  std::vector<AiffText> texts = {};
-  ByteBuffer id3 = {};  ///< an ID3 tag; empty: none
+  std::vector<AiffText> texts = {};        ///< one chunk each
+  ByteBuffer id3 = {};                     ///< an ID3 tag; empty: none
 };
 
 /// Sizes of the chunk layouts, in bytes.

@@ -30,11 +30,14 @@ AiffTextViews findAiffTexts(ByteView file) {
   AiffTextViews texts;
   walkChunks(file, ByteOrder::big, [&](const Chunk& chunk) {
     if (chunk.id == "COMT") {
-      for (const auto& comment :
-           parseCommentChunk(chunk.body, maxAiffTexts - texts.comments.size()))
-        texts.comments.push_back(comment);
-    } else if (isTextOfAiff(chunk.id) && texts.texts.size() < maxAiffTexts) {
-      texts.texts.push_back({chunk.id, chunk.body});
+      const auto comments = parseCommentChunk(chunk.body);
+      const std::size_t read = std::min(comments.size(), maxAiffTexts - texts.comments.size());
+      texts.comments.insert(texts.comments.end(), comments.begin(),
+                            comments.begin() + static_cast<std::ptrdiff_t>(read));
+      texts.hasFurtherComments = texts.hasFurtherComments || read < comments.size();
+    } else if (isTextOfAiff(chunk.id)) {
+      texts.hasFurtherTexts = texts.texts.size() == maxAiffTexts;
+      if (!texts.hasFurtherTexts) texts.texts.push_back({chunk.id, chunk.body});
     } else if (chunk.id == "ID3 ") {
       texts.id3 = chunk.body;
     }
@@ -42,9 +45,9 @@ AiffTextViews findAiffTexts(ByteView file) {
   return texts;
 }
 
-std::vector<AiffCommentView> parseCommentChunk(ByteView body, std::size_t most) {
+std::vector<AiffCommentView> parseCommentChunk(ByteView body) {
   if (body.size() < aiff_layout::commentCountSize) return {};
-  const std::size_t count = std::min<std::size_t>(Fields(body, ByteOrder::big).u16(0), most);
+  const std::size_t count = Fields(body, ByteOrder::big).u16(0);
   ByteView rest = body.subspan(aiff_layout::commentCountSize);
   std::vector<AiffCommentView> comments;
   while (comments.size() < count && rest.size() >= aiff_layout::commentHeaderSize) {

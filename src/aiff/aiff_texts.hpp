@@ -29,14 +29,16 @@ struct AiffTextView {
 struct AiffTextViews {
   std::vector<AiffCommentView> comments;
   std::vector<AiffTextView> texts;
-  ByteView id3;  ///< the tag, of the last such chunk; empty without one
+  bool hasFurtherComments = false;  ///< that are not read
+  bool hasFurtherTexts = false;     ///< likewise
+  ByteView id3;                     ///< the tag, of the last such chunk; empty without one
 };
 
 /// Looks at the complete content of a file. Never fails; what is cut is used as it is.
 AiffTextViews findAiffTexts(ByteView file);
 
-/// The comments of a COMT chunk, at most `most` of them.
-std::vector<AiffCommentView> parseCommentChunk(ByteView body, std::size_t most = maxAiffTexts);
+/// The comments of a COMT chunk, at most 65535.
+std::vector<AiffCommentView> parseCommentChunk(ByteView body);
 
 /// The text up to its first zero as UTF-8: it is taken for UTF-8, or for Mac OS Roman where it is
 /// none.

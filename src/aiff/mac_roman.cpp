@@ -70,8 +70,7 @@ std::string encodeMacRoman(std::string_view text) {
   std::string bytes;
   while (!text.empty()) {
     const std::size_t length = utf8SequenceLength(text);
-    const auto byte =
-        length == 0 ? std::nullopt : macRomanByte(utf8Scalar(text.substr(0, length)));
+    const auto byte = length == 0 ? std::nullopt : macRomanByte(utf8Scalar(text.substr(0, length)));
     bytes += static_cast<char>(byte.value_or('?'));
     text.remove_prefix(length == 0 ? 1 : length);
   }

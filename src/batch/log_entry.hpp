@@ -31,13 +31,13 @@ struct LogEntry {
   std::string output = {};
   /// Never both; none where the format of the file is not known.
   std::optional<Direction> direction = {};
-  Summary summary = {};      ///< where converted, as the next two
-  std::uint32_t frames = 0;  ///< written
-  std::uint64_t bytes = 0;   ///< written
-  Warnings warnings = {};    ///< what the lines behind the first one say
+  Summary summary = {};                   ///< where converted, as the next two
+  std::uint32_t frames = 0;               ///< written
+  std::uint64_t bytes = 0;                ///< written
+  Warnings warnings = {};                 ///< what the lines behind the first one say
   std::vector<std::string> leftOut = {};  ///< ConversionPlan::leftOut, where converted
   Failure failure = {};                   ///< where failed
-  double seconds = 0;        ///< that the file took
+  double seconds = 0;                     ///< that the file took
 
   /// The exact bytes, for programs. A line feed is to follow.
   std::string text() const;

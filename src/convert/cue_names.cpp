@@ -48,9 +48,7 @@ class NamedCuePoints {
         if (!name.empty()) lost_.add(marker.id);
         continue;
       }
-      const std::size_t id = metadata_.cuePoints.size() + 1;
-      const std::string usualName = "Cue " + decimalText(static_cast<std::int64_t>(id));
-      add(marker, name == usualName ? "" : name);
+      add(marker, name);
     }
   }
 

@@ -58,6 +58,7 @@ void mapTexts(const WavTextViews& wav, AiffTexts& aiff, LeftOut& leftOut) {
     mapper.addLast(text.wav, text.aiff, wav.info);
   for (const InfoTextView& text : wav.info)
     if (text.id == comments.wav) mapper.add(text.id, comments.aiff, text.text);
+  if (wav.furtherInfo > 0) leftOut.add("LIST INFO");
   mapTag("id3 ", wav.id3, room, aiff.id3, leftOut);
 }
 
@@ -70,6 +71,7 @@ void mapTexts(const AiffTextViews& aiff, WavTexts& wav, LeftOut& leftOut) {
     if (text.id == comments.aiff) mapper.add(text.id, comments.wav, text.text);
   for (const AiffCommentView& comment : aiff.comments)
     if (comment.marker == 0) mapper.add("COMT", comments.wav, comment.text);
+  if (aiff.hasFurtherTexts) leftOut.add(comments.aiff);
   mapTag("ID3 ", aiff.id3, room, wav.id3, leftOut);
 }
 

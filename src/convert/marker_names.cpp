@@ -10,7 +10,8 @@
 
 namespace corvana {
 
-MarkerNames::MarkerNames(const WavTextViews& texts, const CuePointView& points) {
+MarkerNames::MarkerNames(const WavTextViews& texts, const CuePointView& points)
+    : unread_(texts.furtherCueTexts) {
   for (const CueTextView& label : texts.labels)
     if (!isEmptyText(label.text)) labels_[label.cueID] = fitted(decodeWavText(label.text));
   for (const CueTextView& stretch : texts.stretches)
@@ -94,8 +95,7 @@ void MarkerNames::mapCuePoints(const CuePointView& points, std::uint32_t frameCo
       marker = place->second;
       if (isNew) {
         nameless.emplace(point.position, nextID);
-        markers.push_back(
-            {nextID, point.position, "Cue " + decimalText(std::int64_t{point.id})});
+        markers.push_back({nextID, point.position, "Cue " + decimalText(std::int64_t{point.id})});
       }
     } else {
       const std::string& name = use(label->second);
@@ -130,6 +130,7 @@ void MarkerNames::report(Warnings& warnings) const {
     lost.add(id);
   for (const auto& [id, note] : notes_)
     lost.add(id);
+  lost.count += unread_;
   changed.report(WarningKind::nameCharacters, warnings);
   cut.report(WarningKind::longNames, warnings);
   lost.report(WarningKind::namesLeftOut, warnings);

@@ -42,8 +42,8 @@ class MarkerNames {
 
  private:
   struct Name {
-    std::string text;         ///< that AIFF can hold, as UTF-8
-    bool isChanged = false;   ///< characters are lacking
+    std::string text;        ///< that AIFF can hold, as UTF-8
+    bool isChanged = false;  ///< characters are lacking
     bool isCut = false;
     bool isUsed = false;
   };
@@ -58,6 +58,7 @@ class MarkerNames {
   std::vector<AiffComment> comments_;
   std::vector<std::int64_t> cutNotes_;
   std::vector<std::int64_t> lostNotes_;
+  std::int64_t unread_ = 0;  ///< labels and notes
   TextRoom room_;
 };
 

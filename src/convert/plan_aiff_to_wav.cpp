@@ -68,6 +68,7 @@ ConversionPlan planAIFFToWAV(ByteView file, const ConversionOptions& options) {
   content.metadata = mapLoopsAndMarkers(info, content.frameCount, options, plan.warnings, texts);
   LeftOut leftOut;
   addLeftOutOfAiff(file, options, leftOut);
+  if (texts.hasFurtherComments) leftOut.add("COMT");
   if (options.keepTexts) mapTexts(texts, content.metadata.texts, leftOut);
   setLeftOut(leftOut, options, plan);
   auto [header, trailer] = writeWav(content);

@@ -54,8 +54,7 @@ ConversionPlan planWAVToAIFF(ByteView file, const ConversionOptions& options) {
 
   ConversionPlan plan;
   plan.samples = findSamples(info, plan.warnings);
-  const WavTextViews texts =
-      options.keepsMore() ? findWavTexts(file) : WavTextViews();
+  const WavTextViews texts = options.keepsMore() ? findWavTexts(file) : WavTextViews();
   AiffMetadata metadata =
       mapWavMetadata(info, plan.samples.frameCount, options, plan.warnings, texts);
   AiffContent content{.channels = info.channels,

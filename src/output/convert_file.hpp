@@ -27,9 +27,9 @@ struct ConversionResult {
   Summary figures = {};
   Warnings warningRecords = {};
   std::vector<std::string> leftOut = {};  ///< ConversionPlan::leftOut
-  std::uint32_t frames = 0;  ///< of the output
-  std::uint64_t bytes = 0;   ///< of the output
-  int timesError = 0;        ///< OutputFile::timesError
+  std::uint32_t frames = 0;               ///< of the output
+  std::uint64_t bytes = 0;                ///< of the output
+  int timesError = 0;                     ///< OutputFile::timesError
 };
 
 /// What the conversion of this plan comes to.

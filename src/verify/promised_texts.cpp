@@ -162,9 +162,9 @@ std::vector<PromisedChunk> promisedTextsOfWav(ByteView aiff) {
       appendInner(list, id, wavBytes(decodeAiffText(text)));
   };
   const auto lastOf = [&](std::string_view id) {
-    const auto last = std::find_if(
-        views.texts.rbegin(), views.texts.rend(),
-        [&](const AiffTextView& view) { return view.id == id && isThere(view.text); });
+    const auto last =
+        std::find_if(views.texts.rbegin(), views.texts.rend(),
+                     [&](const AiffTextView& view) { return view.id == id && isThere(view.text); });
     return last == views.texts.rend() ? ByteView() : last->text;
   };
   promise("INAM", lastOf("NAME"));

@@ -19,7 +19,8 @@ struct PromisedChunk {
   ByteBuffer body;
 };
 
-/// What there is of texts for an output, in bytes: 16 MiB, and each takes 16 bytes more than it has.
+/// What there is of texts for an output, in bytes: 16 MiB, and each takes 16 bytes more than it
+/// has.
 class PromisedRoom {
  public:
   bool holds(std::size_t size) {

@@ -42,7 +42,8 @@ void promiseNames(const AiffInfo& aiff, ByteView input, const std::vector<AiffLo
   PromisedRoom room;
   const auto promisePoint = [&](const AiffMarker& marker, const std::string& anyway) {
     const std::uint32_t id = static_cast<std::uint32_t>(wav.cuePoints.size()) + 1;
-    wav.cuePoints.push_back({id, std::min(marker.position, static_cast<std::uint32_t>(wav.frames))});
+    wav.cuePoints.push_back(
+        {id, std::min(marker.position, static_cast<std::uint32_t>(wav.frames))});
     const std::string name(marker.name.c_str());
     if (!name.empty() && name != anyway) labels.emplace_back(id, name);
     for (const ByteView comment : comments[marker.id])
@@ -63,8 +64,7 @@ void promiseNames(const AiffInfo& aiff, ByteView input, const std::vector<AiffLo
         idsOfLoops[id] = promisePoint(marker, anyway);
     }
   for (const AiffMarker& marker : aiff.markers)
-    if (!idsOfLoops.contains(marker.id) && marker.position <= wav.frames)
-      promisePoint(marker, "Cue " + std::to_string(wav.cuePoints.size() + 1));
+    if (!idsOfLoops.contains(marker.id) && marker.position <= wav.frames) promisePoint(marker, {});
   const auto points = static_cast<std::uint32_t>(wav.cuePoints.size());
   for (std::size_t i = 0; i < loops.size(); ++i) {
     const std::uint32_t id = idsOfLoops[loops[i].beginMarker];

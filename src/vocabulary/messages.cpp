@@ -217,7 +217,8 @@ std::string leftOutText(const std::vector<std::string>& ids, const Language& lan
 Warning leftOutWarning(const std::vector<std::string>& ids) {
   const std::size_t shown = std::min(ids.size(), maxShownLeftOut);
   Warning warning{WarningKind::leftOut, {ids.begin(), ids.begin() + std::ptrdiff_t(shown)}};
-  if (ids.size() > shown) warning.values.emplace_back(static_cast<std::int64_t>(ids.size() - shown));
+  if (ids.size() > shown)
+    warning.values.emplace_back(static_cast<std::int64_t>(ids.size() - shown));
   return warning;
 }
 

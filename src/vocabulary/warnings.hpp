@@ -41,7 +41,7 @@ enum class WarningKind {
   longNames,       ///< or notes, of which AIFF holds less
   namesLeftOut,    ///< or notes, for which there is no place
   leftOut,         ///< up to maxShownLeftOut IDs of chunks; how many further ones, if any
-  moreWarnings,  ///< how many there were beyond maxWarnings
+  moreWarnings,    ///< how many there were beyond maxWarnings
 };
 
 /// Most chunks that a warning names.
@@ -69,6 +69,7 @@ inline void addWarning(Warnings& warnings, Warning warning) {
     ++std::get<std::int64_t>(warnings.back().values.front());
   }
 }
+/// The same of a warning with these values.
 inline void addWarning(Warnings& warnings, WarningKind kind,
                        std::initializer_list<MessageValue> values = {}) {
   addWarning(warnings, Warning{kind, values});

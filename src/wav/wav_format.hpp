@@ -47,8 +47,8 @@ struct InstrumentChunk {
 
 /// A text that belongs to a cue point, or to the loops with this cue point ID.
 struct CueText {
-  std::uint32_t cueID = 0;
-  std::string text = {};  ///< UTF-8
+  std::uint32_t cueID = 0;  ///< not always that of a cue point
+  std::string text = {};    ///< UTF-8
 };
 
 /// A text of the file as a whole.

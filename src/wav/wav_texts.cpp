@@ -12,9 +12,12 @@ namespace {
 void addTexts(ByteView list, WavTextViews& texts) {
   const std::string_view type = Fields(list, ByteOrder::little).id(0);
   if (type != "adtl" && type != "INFO") return;
-  const auto add = [](auto& views, auto id, const Chunk& chunk, std::size_t start) {
-    if (chunk.body.size() > start && views.size() < maxWavTexts)
+  const auto add = [&](auto& views, auto id, const Chunk& chunk, std::size_t start) {
+    if (chunk.body.size() <= start) return;
+    if (views.size() < maxWavTexts)
       views.push_back({id, chunk.body.subspan(start)});
+    else
+      ++(type == "INFO" ? texts.furtherInfo : texts.furtherCueTexts);
   };
   const auto visit = [&](const Chunk& chunk) {
     const std::uint32_t cueID = Fields(chunk.body, ByteOrder::little).u32(0);

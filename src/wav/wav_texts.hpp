@@ -31,6 +31,8 @@ struct WavTextViews {
   std::vector<CueTextView> notes;      ///< note
   std::vector<CueTextView> stretches;  ///< the texts of ltxt
   std::vector<InfoTextView> info;      ///< LIST INFO
+  std::int64_t furtherCueTexts = 0;    ///< that are not read, of cue points
+  std::int64_t furtherInfo = 0;        ///< the same of the file
   ByteView id3;                        ///< the tag, of the last such chunk; empty without one
 };
 

@@ -196,7 +196,7 @@ TEST_F(Program, WritesItsLogInJson) {
   in.write("b.wav", aiff({comm({.bits = 64}), ssnd({})}));
   fs::create_symlink("gone", in / "c.wav");
   in.write("d.aif", aiff({comm({.frames = 1}), inst(AiffInstrument{60, 5, 0, 0, 0, 0, 0, {}, {}}),
-                          ssnd({1, 2})}));
+                          ssnd({1, 2}), aiffChunk("bext", {1})}));
   const auto withoutTimes = [](const Outcome& outcome) {
     return std::regex_replace(outcome.output, std::regex(R"(,"seconds":[-.e\d]+\})"), "}");
   };
@@ -212,7 +212,7 @@ TEST_F(Program, WritesItsLogInJson) {
       R"(.aif","outputBytes":"2e2f61ffe280ae2e616966",)"
       R"("direction":"wav-to-aiff","format":"aiff","bits":16,"channels":1,"sampleRate":44100,)"
       R"("loopCount":0,"markerCount":0,"cuePointCount":0,"frames":1,"bytes":56,"warnings":)"
-      R"([{"code":"incomplete-frame","values":[],"text":"Incomplete last frame discarded."}]})"
+      R"([{"code":"incomplete-frame","values":[],"text":"Incomplete last frame discarded."}],"leftOut":[]})"
       "\n"
       R"({"schema":1,"input":"./b.wav","direction":"aiff-to-wav","warnings":[],"error":)"
       R"({"code":"bit-depth","values":[64],"text":"Unsupported format: 64-bit"}})"
@@ -224,7 +224,7 @@ TEST_F(Program, WritesItsLogInJson) {
       R"({"schema":1,"input":"./d.aif","output":"./d.wav","direction":"aiff-to-wav","format":"wav",)"
       R"("bits":16,"channels":1,"sampleRate":44100,"rootKey":60,"fineTune":5,"loopCount":0,)"
       R"("markerCount":0,"cuePointCount":0,"frames":1,"bytes":)" +
-          std::to_string(fs::file_size(in / "d.wav")) + ",\"warnings\":[]}\n");
+          std::to_string(fs::file_size(in / "d.wav")) + ",\"warnings\":[],\"leftOut\":[\"bext\"]}\n");
   const Outcome again = run({"--json", "--overwrite", "--skip-existing", "./d.aif", "d.wav"});
   EXPECT_EQ(withoutTimes(again),
             R"({"schema":1,"input":"./d.aif","output":"./d.wav","direction":"aiff-to-wav",)"

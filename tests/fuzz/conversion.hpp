@@ -5,6 +5,7 @@
 #include <optional>
 
 #include "convert/carry_out.hpp"
+#include "verify/prove_conversion.hpp"
 #include "vocabulary/messages.hpp"
 
 namespace corvana::fuzz {
@@ -12,10 +13,10 @@ namespace corvana::fuzz {
 /// The output; absent when the input cannot be converted. Progress only rises, and to 1.
 inline std::optional<ByteBuffer> convert(ConversionPlan (*planner)(ByteView,
                                                                    const ConversionOptions&),
-                                         ByteView content) {
+                                         ByteView content, const ConversionOptions& options = {}) {
   ConversionPlan plan;
   try {
-    plan = planner(content, {});
+    plan = planner(content, options);
   } catch (const ConversionError& error) {
     assert(!errorDescription(error, Language()).empty());
     return std::nullopt;
@@ -31,7 +32,18 @@ inline std::optional<ByteBuffer> convert(ConversionPlan (*planner)(ByteView,
   });
   assert(lastProgress == 1.0);
   assert(output.bytes.size() == plan.outputSize());
+  assert(plan.leftOut.size() <= 1000);
   return output.bytes;
+}
+
+/// Names and texts are kept as the proof wants them.
+inline void convertKeepingAll(ConversionPlan (*planner)(ByteView, const ConversionOptions&),
+                              ByteView content) {
+  const ConversionOptions options{.keepNames = true, .keepTexts = true};
+  const auto output = convert(planner, content, options);
+  if (!output) return;
+  const ProofTerms terms{Producer::thisProgram, options};
+  assert(!proveConversion(content, *output, terms, {}).areThere());
 }
 
 }  // namespace corvana::fuzz

@@ -8,6 +8,7 @@
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   using namespace corvana;
+  fuzz::convertKeepingAll(planAIFFToWAV, {data, size});
   const auto output = fuzz::convert(planAIFFToWAV, {data, size});
   if (!output) return 0;
   const AiffInfo before = parseAiff({data, size});

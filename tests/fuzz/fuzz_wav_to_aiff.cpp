@@ -7,6 +7,7 @@
 using namespace corvana;
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+  fuzz::convertKeepingAll(planWAVToAIFF, {data, size});
   const auto output = fuzz::convert(planWAVToAIFF, {data, size});
   if (!output) return 0;
   const WavInfo before = parseWav({data, size});

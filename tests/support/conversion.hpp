@@ -38,8 +38,9 @@ struct Converted {
 };
 
 /// In the direction that the first byte of `input` tells.
-inline Converted convert(const ByteBuffer& input) {
-  const ConversionPlan plan = input.at(0) == 'F' ? planAIFFToWAV(input) : planWAVToAIFF(input);
+inline Converted convert(const ByteBuffer& input, const ConversionOptions& options = {}) {
+  const ConversionPlan plan =
+      input.at(0) == 'F' ? planAIFFToWAV(input, options) : planWAVToAIFF(input, options);
   MemorySink output;
   std::vector<double> progress;
   carryOut(plan, MemorySource(input), output,
