@@ -46,6 +46,9 @@ constexpr const char* footer =
     "exit status, but makes, changes and removes nothing. Unlike the run it does not see what\n"
     "only writing shows, such as a full disk, nor through links to files that the run would\n"
     "make or replace, and takes names that differ in case for two.\n"
+    "It also names the chunks that are left out, as --json always does and --keep in a warning.\n"
+    "--keep names carries over what cue points, markers and loops are called, and notes on them;\n"
+    "--keep texts title, author, copyright, comments and an ID3 tag; --keep names,texts both.\n"
     "--skip-existing leaves out a file whose output, under its name without a number, is\n"
     "complete and not older than the file itself. The log does not mention it; --json does, with\n"
     "\"skipped\".\n"
@@ -71,8 +74,8 @@ constexpr const char* footer =
     "Exit status: 0 every file was converted; 1 a file failed, a path does not exist, a folder\n"
     "could not be searched, or nothing was found to convert; 2 wrong usage, or a list that cannot\n"
     "be read; 3, with --strict only, every file was converted and at least one has a warning;\n"
-    "129, 130 or 143 interrupted (SIGHUP, Ctrl-C, SIGTERM). Chunks and texts that no conversion\n"
-    "carries over do not count as losses.\n"
+    "129, 130 or 143 interrupted (SIGHUP, Ctrl-C, SIGTERM). Chunks, names and texts that are left\n"
+    "out do not count as losses, unless some are asked for with --keep.\n"
     "\n"
     "Examples:\n"
     "  corvana-cli piano.wav                      one file\n"
@@ -198,7 +201,7 @@ ConvertLine::ConvertLine() : app(description, "corvana-cli") {
            for (const Kept kind : kinds)
              (kind == Kept::names ? batch.conversion.keepNames : batch.conversion.keepTexts) = true;
          },
-         "Keep names of markers, cue points and loops; texts of the file, ID3 tags too; or both")
+         "Keep the names of markers and loops, or the texts of the file, or both")
       ->transform(CLI::CheckedTransformer(
                       std::map<std::string, Kept>{{"names", Kept::names}, {"texts", Kept::texts}},
                       CLI::ignore_case)
