@@ -89,10 +89,9 @@ void MarkerNames::mapCuePoints(const CuePointView& points, std::uint32_t frameCo
     if (markers.size() + 1 == markerIDLimit) return;
     if (point.position > frameCount) continue;
     const auto nextID = static_cast<std::int16_t>(markers.size() + 1);
-    std::int16_t marker = nextID;
     if (const auto label = labels_.find(point.id); label == labels_.end()) {
       const auto [place, isNew] = firstAt.try_emplace(point.position, nextID);
-      marker = place->second;
+      giveNotes(point.id, place->second);
       if (isNew) {
         nameless.emplace(point.position, nextID);
         markers.push_back({nextID, point.position, "Cue " + decimalText(std::int64_t{point.id})});
@@ -109,9 +108,8 @@ void MarkerNames::mapCuePoints(const CuePointView& points, std::uint32_t frameCo
         firstAt.try_emplace(point.position, nextID);
         markers.push_back({nextID, point.position, name});
       }
-      marker = place->second;
+      giveNotes(point.id, place->second);
     }
-    giveNotes(point.id, marker);
   }
 }
 
