@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "vocabulary/bytes.hpp"
 #include "vocabulary/sample_encoding.hpp"
 
 namespace corvana {
@@ -61,6 +62,25 @@ struct AiffInfo {
   std::optional<AiffInstrument> instrument;  ///< absent without a usable INST chunk
 };
 
+/// A comment of the COMT chunk.
+struct AiffComment {
+  std::int16_t marker = 0;  ///< ID of the one that it belongs to
+  std::string text = {};    ///< UTF-8
+};
+
+/// A text chunk of the file as a whole.
+struct AiffText {
+  std::string id = {};    ///< four characters: NAME, AUTH, (c) or ANNO
+  std::string text = {};  ///< UTF-8
+};
+
+/// The texts of an AIFF file beside the names of its markers.
+struct AiffTexts {
+  std::vector<AiffComment> comments = {};  ///< at most 65535; empty: no COMT chunk
+  std::vector<AiffText> texts = {};        ///< one chunk each
+  ByteBuffer id3 = {};                     ///< an ID3 tag; empty: none
+};
+
 /// Sizes of the chunk layouts, in bytes.
 namespace aiff_layout {
 inline constexpr std::size_t commonSize = 18;
@@ -69,6 +89,10 @@ inline constexpr std::size_t soundHeaderSize = 8;
 inline constexpr std::size_t markerCountSize = 2;
 inline constexpr std::size_t markerHeaderSize = 7;  ///< ID, position, length of the name
 inline constexpr std::size_t instrumentSize = 20;
+inline constexpr std::size_t commentCountSize = 2;
+inline constexpr std::size_t commentHeaderSize = 8;  ///< time stamp, marker ID, length of the text
+inline constexpr std::size_t longestName = 255;      ///< of a marker
+inline constexpr std::size_t longestComment = 65'535;
 }  // namespace aiff_layout
 
 }  // namespace corvana

@@ -2,8 +2,10 @@
 
 #include <limits>
 
+#include "aiff/aiff_texts.hpp"
 #include "aiff/big_endian.hpp"
 #include "aiff/extended80.hpp"
+#include "aiff/mac_roman.hpp"
 #include "vocabulary/errors.hpp"
 
 namespace corvana {
@@ -64,7 +66,7 @@ ByteBuffer buildMarkerChunk(const std::vector<AiffMarker>& markers) {
   for (const AiffMarker& marker : markers) {
     appendInt16BE(body, marker.id);
     appendUInt32BE(body, marker.position);
-    appendPString(body, marker.name);
+    appendPString(body, encodeMacRoman(marker.name));
   }
   return body;
 }
@@ -87,6 +89,31 @@ ByteBuffer buildInstrumentChunk(const AiffInstrument& instrument) {
   return body;
 }
 
+ByteView bytesOf(const std::string& text) {
+  return {reinterpret_cast<const std::uint8_t*>(text.data()), text.size()};
+}
+
+ByteBuffer buildCommentChunk(const std::vector<AiffComment>& comments) {
+  ByteBuffer body;
+  appendUInt16BE(body, static_cast<std::uint16_t>(comments.size()));
+  for (const AiffComment& comment : comments) {
+    const std::string text = encodeAiffText(comment.text, aiff_layout::longestComment);
+    appendUInt32BE(body, 0);  // time stamp
+    appendInt16BE(body, comment.marker);
+    appendUInt16BE(body, static_cast<std::uint16_t>(text.size()));
+    appendBytes(body, bytesOf(text));
+    if (text.size() % 2 != 0) body.push_back(0);
+  }
+  return body;
+}
+
+void appendTexts(ByteBuffer& buffer, const AiffTexts& texts) {
+  if (!texts.comments.empty()) appendAiffChunk(buffer, "COMT", buildCommentChunk(texts.comments));
+  for (const AiffText& text : texts.texts)
+    appendAiffChunk(buffer, text.id, bytesOf(encodeAiffText(text.text, text.text.size())));
+  if (!texts.id3.empty()) appendAiffChunk(buffer, "ID3 ", texts.id3);
+}
+
 }  // namespace
 
 SurroundingBytes writeAiff(const AiffContent& content) {
@@ -104,12 +131,14 @@ SurroundingBytes writeAiff(const AiffContent& content) {
   const std::uint64_t frameSize = std::uint64_t{content.channels} * bytesFor(content.sampleSize);
   const std::uint64_t soundChunkSize =
       aiff_layout::soundHeaderSize + content.frameCount * frameSize;
+  SurroundingBytes file;
+  if (soundChunkSize % 2 != 0) file.trailer.push_back(0);
+  appendTexts(file.trailer, content.texts);
   const std::uint64_t formSize =
-      4 + chunks.size() + chunkHeaderSize + soundChunkSize + soundChunkSize % 2;
+      4 + chunks.size() + chunkHeaderSize + soundChunkSize + file.trailer.size();
   if (formSize > std::numeric_limits<std::uint32_t>::max())
     throw ConversionError(ConversionError::Case::tooLarge);
 
-  SurroundingBytes file;
   appendFourCC(file.header, "FORM");
   appendUInt32BE(file.header, static_cast<std::uint32_t>(formSize));
   appendFourCC(file.header, content.isCompressed() ? "AIFC" : "AIFF");
@@ -118,7 +147,6 @@ SurroundingBytes writeAiff(const AiffContent& content) {
   appendUInt32BE(file.header, static_cast<std::uint32_t>(soundChunkSize));
   appendUInt32BE(file.header, 0);  // offset
   appendUInt32BE(file.header, 0);  // block size
-  if (soundChunkSize % 2 != 0) file.trailer.push_back(0);
   return file;
 }
 

@@ -1,5 +1,5 @@
-// Writes the bytes of an AIFF file: COMM, MARK, INST, SSND. Samples that are not integers make it
-// AIFF-C, with FVER ahead of the others.
+// Writes the bytes of an AIFF file: COMM, MARK, INST, SSND, then texts. Samples that are not
+// integers make it AIFF-C, with FVER ahead of the others.
 #pragma once
 
 #include <cstdint>
@@ -23,9 +23,11 @@ struct AiffContent {
   SampleEncoding encoding = SampleEncoding::integer;
 
   bool isCompressed() const { return encoding != SampleEncoding::integer; }  ///< AIFF-C
+  AiffTexts texts = {};                                                      ///< behind the samples
 };
 
-/// The file around its samples. A sample takes as many bytes as its bits need. Fails with tooLarge.
+/// The file around its samples. A sample takes as many bytes as its bits need. Names and comments
+/// are cut to the bytes that there is room for, not inside a character. Fails with tooLarge.
 SurroundingBytes writeAiff(const AiffContent& content);
 
 }  // namespace corvana

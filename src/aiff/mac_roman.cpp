@@ -1,5 +1,6 @@
 #include "aiff/mac_roman.hpp"
 
+#include <algorithm>
 #include <array>
 
 #include "vocabulary/unicode.hpp"
@@ -29,6 +30,25 @@ constexpr std::array<char16_t, 128> upperHalf = {
 };
 // clang-format on
 
+struct Place {
+  char16_t character;
+  std::uint8_t byte;
+};
+
+constexpr bool isAhead(const Place& place, char32_t character) {
+  return place.character < character;
+}
+
+/// The same the other way round, in the order of the characters.
+constexpr auto placesOfCharacters = [] {
+  std::array<Place, upperHalf.size()> places{};
+  for (std::size_t i = 0; i < places.size(); ++i)
+    places[i] = {upperHalf[i], static_cast<std::uint8_t>(0x80 + i)};
+  std::sort(places.begin(), places.end(),
+            [](const Place& a, const Place& b) { return a.character < b.character; });
+  return places;
+}();
+
 }  // namespace
 
 std::string decodeMacRoman(ByteView bytes) {
@@ -36,6 +56,25 @@ std::string decodeMacRoman(ByteView bytes) {
   for (const std::uint8_t byte : bytes)
     appendUtf8(text, byte < 0x80 ? char16_t{byte} : upperHalf[byte - 0x80U]);
   return text;
+}
+
+std::optional<std::uint8_t> macRomanByte(char32_t character) {
+  if (character < 0x80) return static_cast<std::uint8_t>(character);
+  const auto* const place =
+      std::lower_bound(placesOfCharacters.begin(), placesOfCharacters.end(), character, isAhead);
+  if (place == placesOfCharacters.end() || place->character != character) return std::nullopt;
+  return place->byte;
+}
+
+std::string encodeMacRoman(std::string_view text) {
+  std::string bytes;
+  while (!text.empty()) {
+    const std::size_t length = utf8SequenceLength(text);
+    const auto byte = length == 0 ? std::nullopt : macRomanByte(utf8Scalar(text.substr(0, length)));
+    bytes += static_cast<char>(byte.value_or('?'));
+    text.remove_prefix(length == 0 ? 1 : length);
+  }
+  return bytes;
 }
 
 }  // namespace corvana

@@ -41,6 +41,13 @@ void setConverted(LogEntry& entry, const AudioFile& file, ConversionResult resul
   entry.frames = result.frames;
   entry.bytes = result.bytes;
   entry.warnings = std::move(result.warningRecords);
+  entry.leftOut = std::move(result.leftOut);
+}
+
+/// In a dry run, what a log leaves out is told as well, unless a warning does.
+void addLeftOut(LogEntry& entry, const ConversionOptions& options) {
+  if (!entry.leftOut.empty() && !options.keepsMore())
+    entry.lines.push_back("   " + leftOutText(entry.leftOut, systemLanguage()));
 }
 
 void setFailed(LogEntry& entry, const AudioFile& file, Failure failure) {
@@ -247,7 +254,8 @@ void BatchConversion::convert(InputFolder& folder, Input& input, Current& curren
     if (options.dryRun) {
       ConversionPlan plan = planOf(input, current.file);
       names_.outputs.rehearse(output, plan);
-      return setConverted(current.entry, current.file, resultOf(std::move(plan), output));
+      setConverted(current.entry, current.file, resultOf(std::move(plan), output));
+      return addLeftOut(current.entry, options.conversion);
     }
     try {
       convertInto(output, input, current);

@@ -23,19 +23,21 @@ enum class Outcome {
 /// What the log says of one finished file, or of a batch without files: lines for people, records
 /// for programs. A line holds the names and texts of files as they are, line feeds included.
 struct LogEntry {
-  std::vector<std::string> lines;       ///< what became of the file; then one for each warning
+  /// What became of the file; then one for each warning, and in a dry run one for `leftOut`.
+  std::vector<std::string> lines;
   std::optional<Outcome> outcome = {};  ///< none for a batch without files
   std::string input = {};               ///< path, as given or found
   /// Path of the file that was written, or that stands for a skipped one; empty where none is.
   std::string output = {};
   /// Never both; none where the format of the file is not known.
   std::optional<Direction> direction = {};
-  Summary summary = {};      ///< where converted, as the next two
-  std::uint32_t frames = 0;  ///< written
-  std::uint64_t bytes = 0;   ///< written
-  Warnings warnings = {};    ///< what the lines behind the first one say
-  Failure failure = {};      ///< where failed
-  double seconds = 0;        ///< that the file took
+  Summary summary = {};                   ///< where converted, as the next two
+  std::uint32_t frames = 0;               ///< written
+  std::uint64_t bytes = 0;                ///< written
+  Warnings warnings = {};                 ///< what the lines behind the first one say
+  std::vector<std::string> leftOut = {};  ///< ConversionPlan::leftOut, where converted
+  Failure failure = {};                   ///< where failed
+  double seconds = 0;                     ///< that the file took
 
   /// The exact bytes, for programs. A line feed is to follow.
   std::string text() const;

@@ -46,6 +46,9 @@ constexpr const char* footer =
     "exit status, but makes, changes and removes nothing. Unlike the run it does not see what\n"
     "only writing shows, such as a full disk, nor through links to files that the run would\n"
     "make or replace, and takes names that differ in case for two.\n"
+    "It also names the chunks that are left out, as --json always does and --keep in a warning.\n"
+    "--keep names carries over what cue points, markers and loops are called, and notes on them;\n"
+    "--keep texts title, author, copyright, comments and an ID3 tag; --keep names,texts both.\n"
     "--skip-existing leaves out a file whose output, under its name without a number, is\n"
     "complete and not older than the file itself. The log does not mention it; --json does, with\n"
     "\"skipped\".\n"
@@ -77,8 +80,8 @@ constexpr const char* footer =
     "Exit status: 0 every file was converted; 1 a file failed, a path does not exist, a folder\n"
     "could not be searched, or nothing was found to convert; 2 wrong usage, or a list that cannot\n"
     "be read; 3, with --strict only, every file was converted and at least one has a warning;\n"
-    "129, 130 or 143 interrupted (SIGHUP, Ctrl-C, SIGTERM). Chunks and texts that no conversion\n"
-    "carries over do not count as losses.\n"
+    "129, 130 or 143 interrupted (SIGHUP, Ctrl-C, SIGTERM). Chunks, names and texts that are left\n"
+    "out do not count as losses, unless some are asked for with --keep.\n"
     "\n"
     "Examples:\n"
     "  corvana-cli piano.wav                      one file\n"
@@ -177,32 +180,49 @@ ConvertLine::ConvertLine() : app(description, "corvana-cli") {
       ->type_name("N")
       ->group(what);
 
-  const std::string kept = "What outputs get";
+  const std::string got = "What outputs get";
   app.add_flag(
          "--any-encoding", batch.conversion.anyEncoding,
          "Floating point, µ-law and A-law as they are, into AIFF-C or WAV; reads RIFX as well")
-      ->group(kept);
+      ->group(got);
   const auto addLoopChoice = [&](const char* name, LoopChoice choice, const char* description) {
     return app
         .add_flag_callback(
             name, [&batch, choice] { batch.conversion.loops = choice; }, description)
         ->option_text(" ")
-        ->group(kept);
+        ->group(got);
   };
   addLoopChoice("--no-loops", LoopChoice::none, "No loops, for devices that refuse them")
       ->excludes(addLoopChoice("--first-loop-only", LoopChoice::first,
                                "One loop at most, the first that can be used"));
   app.add_flag("--reversible", batch.conversion.reversible,
                "Store what it takes to convert back to the last byte; and convert back so")
-      ->group(kept);
+      ->group(got);
   CLI::Option* const fromName =
       app.add_flag("--root-from-name", rootFromName,
                    "Give files without a key the one in their name, with a warning")
-          ->group(kept);
+          ->group(got);
   addChoice<int>(app, "--middle-c", middleC, {{"C3", 3}, {"C4", 4}, {"C5", 5}},
                  "What such names call note 60, C4 by default")
       ->needs(fromName)
-      ->group(kept);
+      ->group(got);
+
+  enum class Kept { names, texts };
+  app.add_option_function<std::vector<Kept>>(
+         "--keep",
+         [&batch](const std::vector<Kept>& kinds) {
+           for (const Kept kind : kinds)
+             (kind == Kept::names ? batch.conversion.keepNames : batch.conversion.keepTexts) = true;
+         },
+         "Keep the names of markers and loops, or the texts of the file, or both")
+      ->transform(CLI::CheckedTransformer(
+                      std::map<std::string, Kept>{{"names", Kept::names}, {"texts", Kept::texts}},
+                      CLI::ignore_case)
+                      .description(""))
+      ->delimiter(',')
+      ->allow_extra_args(false)
+      ->type_name("names|texts")
+      ->group(got);
 
   const std::string said = "What is said";
   app.add_flag("--dry-run", batch.dryRun, "Only write the log of what would be done")->group(said);

@@ -278,6 +278,7 @@ class InfoWriter {
       lines.push_back("⚠\uFE0E " + warningText(warning, language_));
     }
     cut(lines, plan.warnings.size(), lines.size() - 1);
+    if (!plan.leftOut.empty()) lines.push_back(leftOutText(plan.leftOut, language_));
     add(translatable("Conversion"), lines);
   }
 

@@ -29,6 +29,7 @@ Json jsonOf(const LogEntry& entry, const Language& language) {
     addOutput(object, toWAV, entry.summary, entry.frames, entry.bytes);
   if (entry.outcome == Outcome::skipped) object["skipped"] = true;
   object["warnings"] = jsonOf(entry.warnings, language);
+  if (entry.outcome == Outcome::converted) object["leftOut"] = entry.leftOut;
   if (entry.outcome == Outcome::failed) object["error"] = errorObject(entry.failure);
   object["seconds"] = std::round(entry.seconds * 1e6) / 1e6;
   return object;

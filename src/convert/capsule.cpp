@@ -13,6 +13,8 @@ constexpr std::string_view signature = "Crvn";  // of the program, in chunks for
 constexpr std::string_view wavChunk = "crvn";
 constexpr std::string_view aiffChunk = "APPL";
 constexpr std::int64_t noKey = -1;
+constexpr std::uint32_t namesFlag = 1;
+constexpr std::uint32_t textsFlag = 2;
 constexpr std::size_t headSize = 68;
 constexpr std::size_t sumSize = 8;
 constexpr ByteOrder order = ByteOrder::little;  // in both formats
@@ -32,7 +34,8 @@ ByteBuffer headOf(const Capsule& capsule) {
   const Summary& summary = capsule.summary;
   for (const std::uint32_t value :
        {conversion.sourceWidth, conversion.outputWidth, std::uint32_t{conversion.reverseBytes},
-        std::uint32_t{conversion.turnSign}, static_cast<std::uint32_t>(summary.encoding), 0U})
+        std::uint32_t{conversion.turnSign}, static_cast<std::uint32_t>(summary.encoding),
+        (capsule.keepsNames ? namesFlag : 0U) | (capsule.keepsTexts ? textsFlag : 0U)})
     head.push_back(static_cast<std::uint8_t>(value));
   appendNumber(head, summary.bits);
   appendNumber(head, summary.sampleRate);
@@ -82,6 +85,8 @@ std::optional<Capsule> read(ByteView body) {
       .frameCount = fields.u32(20),
       .channels = fields.u16(24),
       .conversion = {fields.u8(26), fields.u8(27), fields.u8(28) != 0, fields.u8(29) != 0},
+      .keepsNames = (fields.u8(31) & namesFlag) != 0,
+      .keepsTexts = (fields.u8(31) & textsFlag) != 0,
       .summary = {.bits = signedNumber(fields, 32),
                   .channels = fields.u16(24),
                   .sampleRate = fields.u32(36),

@@ -2,7 +2,9 @@
 #pragma once
 
 #include <cstdint>
+#include <string>
 #include <variant>
+#include <vector>
 
 #include "aiff/aiff_writer.hpp"
 #include "convert/sample_kernels.hpp"
@@ -39,6 +41,9 @@ struct ConversionPlan {
   ByteBuffer trailer;  ///< the bytes behind the samples
   Summary summary;     ///< the figures of the output
   Warnings warnings;   ///< what the output cannot keep
+  /// IDs of chunks that the output has nothing of, each once and readable, at most 1000: "bext",
+  /// "LIST INFO" for a whole list, "IGNR" in a list that is kept otherwise.
+  std::vector<std::string> leftOut = {};
 
   bool makesWAV() const { return std::holds_alternative<WavContent>(content); }  ///< or AIFF
   std::uint64_t outputSize() const {  ///< bytes, of the whole output

@@ -5,6 +5,9 @@
 #include <limits>
 #include <optional>
 #include <set>
+#include <vector>
+
+#include "convert/cue_names.hpp"
 
 namespace corvana {
 namespace {
@@ -101,8 +104,10 @@ void mapInstrument(const AiffInstrument& instrument, WavMetadata& metadata, Warn
 }  // namespace
 
 WavMetadata mapLoopsAndMarkers(const AiffInfo& info, std::uint32_t framesUsed,
-                               const ConversionOptions& options, Warnings& warnings) {
+                               const ConversionOptions& options, Warnings& warnings,
+                               const AiffTextViews& texts) {
   WavMetadata metadata;
+  std::vector<AiffLoop> loops;
   std::set<std::int16_t> usedMarkers;
   const std::size_t mostLoops = options.loops == LoopChoice::all     ? 2
                                 : options.loops == LoopChoice::first ? 1
@@ -113,13 +118,16 @@ WavMetadata mapLoopsAndMarkers(const AiffInfo& info, std::uint32_t framesUsed,
     if (!mapped) return;
     mapped->cueID = static_cast<std::uint32_t>(metadata.loops.size());
     metadata.loops.push_back(*mapped);
+    loops.push_back(loop);
     usedMarkers.insert({loop.beginMarker, loop.endMarker});
   };
   if (info.instrument) {
     addLoop(info.instrument->sustainLoop, LoopRole::sustain);
     addLoop(info.instrument->releaseLoop, LoopRole::release);
   }
+  if (options.keepNames) mapNamedMarkers(info, texts, loops, framesUsed, metadata, warnings);
   for (const AiffMarker& marker : info.markers) {
+    if (options.keepNames) break;
     if (usedMarkers.contains(marker.id) || marker.position > framesUsed) continue;
     const auto id = static_cast<std::uint32_t>(metadata.cuePoints.size() + 1);
     metadata.cuePoints.push_back({id, marker.position});

@@ -2,17 +2,15 @@
 
 #include <algorithm>
 #include <cmath>
-#include <limits>
 #include <string>
 #include <utility>
 
+#include "convert/marker_names.hpp"
 #include "vocabulary/text_format.hpp"
 
 namespace corvana {
 namespace {
 
-/// Marker IDs are positive signed 16-bit numbers; the highest is never given out.
-constexpr std::size_t markerIDLimit = std::numeric_limits<std::int16_t>::max();
 constexpr std::uint32_t highestNote = 127;
 constexpr int maxCents = 50;  ///< of detune, either way
 
@@ -43,7 +41,7 @@ std::int16_t playModeOf(const SampleLoop& loop, std::int64_t number, Warnings& w
 }
 
 void mapLoops(const SampleLoopView& loops, std::uint32_t frameCount, LoopChoice choice,
-              AiffMetadata& metadata, Warnings& warnings) {
+              MarkerNames* names, AiffMetadata& metadata, Warnings& warnings) {
   if (choice == LoopChoice::none) return;
   std::int64_t number = 0;
   for (const SampleLoop loop : loops) {
@@ -61,6 +59,7 @@ void mapLoops(const SampleLoopView& loops, std::uint32_t frameCount, LoopChoice 
     AiffLoop mapped;
     mapped.beginMarker = addMarker(metadata.markers, start, name + " Start");
     mapped.endMarker = addMarker(metadata.markers, end, name + " End");
+    if (names != nullptr) names->nameLoop(loop, metadata.markers.end()[-2]);
     mapped.playMode = playModeOf(loop, number, warnings);
     metadata.loops.push_back(mapped);
     if (loop.playCount != 0)
@@ -147,10 +146,20 @@ std::optional<AiffInstrument> mapInstrument(const WavInfo& info,
 }  // namespace
 
 AiffMetadata mapWavMetadata(const WavInfo& info, std::uint32_t frameCount,
-                            const ConversionOptions& options, Warnings& warnings) {
+                            const ConversionOptions& options, Warnings& warnings,
+                            const WavTextViews& texts) {
   AiffMetadata metadata;
-  if (info.loops) mapLoops(*info.loops, frameCount, options.loops, metadata, warnings);
-  mapCuePoints(info.cuePoints, frameCount, metadata.markers);
+  std::optional<MarkerNames> names;
+  if (options.keepNames) names.emplace(texts, info.cuePoints);
+  if (info.loops)
+    mapLoops(*info.loops, frameCount, options.loops, names ? &*names : nullptr, metadata, warnings);
+  if (names) {
+    names->mapCuePoints(info.cuePoints, frameCount, metadata.markers);
+    names->report(warnings);
+    metadata.comments = names->takeComments();
+  } else {
+    mapCuePoints(info.cuePoints, frameCount, metadata.markers);
+  }
   if (options.rootKey && !info.loops && !info.instrument) {
     addWarning(warnings, WarningKind::rootFromName, {std::int64_t{*options.rootKey}});
     WavInfo named = info;

@@ -5,7 +5,9 @@
 #include <utility>
 
 #include "aiff/aiff_reader.hpp"
+#include "convert/left_out.hpp"
 #include "convert/map_aiff_to_wav.hpp"
+#include "convert/map_texts.hpp"
 #include "convert/reversible.hpp"
 #include "vocabulary/errors.hpp"
 
@@ -70,7 +72,13 @@ ConversionPlan planAIFFToWAV(ByteView file, const ConversionOptions& options) {
                      .sampleRate = roundRate(info.sampleRate, plan.warnings),
                      .frameCount = plan.samples.frameCount,
                      .encoding = info.encoding};
-  content.metadata = mapLoopsAndMarkers(info, content.frameCount, options, plan.warnings);
+  const AiffTextViews texts = options.keepsMore() ? findAiffTexts(file) : AiffTextViews();
+  content.metadata = mapLoopsAndMarkers(info, content.frameCount, options, plan.warnings, texts);
+  LeftOut leftOut;
+  addLeftOutOfAiff(file, options, leftOut);
+  if (texts.hasFurtherComments) leftOut.add("COMT");
+  if (options.keepTexts) mapTexts(texts, content.metadata.texts, leftOut);
+  setLeftOut(leftOut, options, plan);
   auto [header, trailer] = writeWav(content);
   plan.header = std::move(header);
   plan.trailer = std::move(trailer);
@@ -80,7 +88,7 @@ ConversionPlan planAIFFToWAV(ByteView file, const ConversionOptions& options) {
     Summary original = plan.summary;
     original.markerCount = static_cast<std::int64_t>(info.markers.size());
     original.cuePointCount = 0;
-    makeReversible(plan, file, original);
+    makeReversible(plan, file, options, original);
   }
   return plan;
 }

@@ -3,6 +3,8 @@
 #include <limits>
 #include <utility>
 
+#include "convert/left_out.hpp"
+#include "convert/map_texts.hpp"
 #include "convert/map_wav_to_aiff.hpp"
 #include "convert/reversible.hpp"
 #include "vocabulary/errors.hpp"
@@ -58,14 +60,21 @@ ConversionPlan planWAVToAIFF(ByteView file, const ConversionOptions& options) {
     throw ConversionError::unsupported(UnsupportedKind::channels, {std::int64_t{info.channels}});
 
   plan.samples = findSamples(info, plan.warnings);
-  AiffMetadata metadata = mapWavMetadata(info, plan.samples.frameCount, options, plan.warnings);
+  const WavTextViews texts = options.keepsMore() ? findWavTexts(file) : WavTextViews();
+  AiffMetadata metadata =
+      mapWavMetadata(info, plan.samples.frameCount, options, plan.warnings, texts);
   AiffContent content{.channels = info.channels,
                       .sampleSize = static_cast<std::uint16_t>(info.bitsPerSample),
                       .sampleRate = info.sampleRate,
                       .frameCount = plan.samples.frameCount,
                       .markers = std::move(metadata.markers),
                       .instrument = metadata.instrument,
-                      .encoding = info.encoding};
+                      .encoding = info.encoding,
+                      .texts = {.comments = std::move(metadata.comments)}};
+  LeftOut leftOut;
+  addLeftOutOfWav(file, options, leftOut);
+  if (options.keepTexts) mapTexts(texts, content.texts, leftOut);
+  setLeftOut(leftOut, options, plan);
   auto [header, trailer] = writeAiff(content);
   plan.header = std::move(header);
   plan.trailer = std::move(trailer);
@@ -76,7 +85,7 @@ ConversionPlan planWAVToAIFF(ByteView file, const ConversionOptions& options) {
     original.loopCount = static_cast<std::int64_t>(info.loops ? info.loops->size() : 0);
     original.markerCount = 0;
     original.cuePointCount = static_cast<std::int64_t>(info.cuePoints.size());
-    makeReversible(plan, file, original);
+    makeReversible(plan, file, options, original);
   }
   return plan;
 }

@@ -3,14 +3,17 @@
 #include <cmath>
 #include <limits>
 #include <utility>
+#include <variant>
 
 #include "aiff/aiff_reader.hpp"
+#include "aiff/aiff_texts.hpp"
 #include "convert/capsule.hpp"
 #include "convert/carry_out.hpp"
 #include "convert/crc64.hpp"
 #include "vocabulary/chunks.hpp"
 #include "vocabulary/errors.hpp"
 #include "wav/wav_reader.hpp"
+#include "wav/wav_texts.hpp"
 
 namespace corvana {
 namespace {
@@ -74,7 +77,29 @@ Evidence evidenceOf(ByteView file, const WavInfo& info) {
           info.bytesPerSample};
 }
 
-bool isAsWritten(const Evidence& found, const Capsule& capsule) {
+/// Whether a chunk holds names or texts, if any were kept.
+bool isKept(const Chunk& chunk, ByteOrder order, const Capsule& capsule) {
+  if (chunk.id == "LIST") {
+    const std::string_view type = Fields(chunk.body, order).id(0);
+    return (type == "adtl" && capsule.keepsNames) || (type == "INFO" && capsule.keepsTexts);
+  }
+  if (chunk.id == "COMT") return capsule.keepsNames || capsule.keepsTexts;
+  return capsule.keepsTexts && (isTextOfAiff(chunk.id) || isID3(chunk.id));
+}
+
+/// Of the chunks that begin at `start`.
+void addKeptChunks(ByteView file, std::uint64_t start, bool isWAV, const Capsule& capsule,
+                   Crc64& sum) {
+  const ByteOrder order = isWAV ? ByteOrder::little : ByteOrder::big;
+  const auto visit = [&](const Chunk& chunk) {
+    if (!isKept(chunk, order, capsule)) return;
+    sum.add(file.subspan(chunk.bodyOffset - chunkHeaderSize, chunkHeaderSize));
+    sum.add(chunk.body);
+  };
+  walkChunks(file, order, visit, start);
+}
+
+bool isAsWritten(const Evidence& found, ByteView file, bool isWAV, const Capsule& capsule) {
   if (found.channels != capsule.channels || found.width != capsule.conversion.outputWidth)
     return false;
   if (found.samples.size() != std::uint64_t{capsule.frameCount} * found.channels * found.width)
@@ -83,7 +108,35 @@ bool isAsWritten(const Evidence& found, const Capsule& capsule) {
   sum.add(found.around.header);
   if (capsule.hasLostBits()) sum.add(found.samples);
   sum.add(found.around.trailer);
+  addKeptChunks(file, fileHeaderSize, isWAV, capsule, sum);
   return sum.value() == capsule.outputSum;
+}
+
+/// The bytes around the samples without names and texts, which other programs write in many ways.
+SurroundingBytes plainBytes(const ConversionPlan& plan) {
+  if (const auto* wav = std::get_if<WavContent>(&plan.content)) {
+    WavContent content = *wav;
+    content.metadata.texts = {};
+    return writeWav(content);
+  }
+  AiffContent content = std::get<AiffContent>(plan.content);
+  content.texts = {};
+  return writeAiff(content);
+}
+
+std::uint64_t outputSumOf(const ConversionPlan& plan, ByteView file, const Capsule& capsule) {
+  const SurroundingBytes plain = plainBytes(plan);
+  SumSink sink;
+  sink.append(plain.header);
+  if (capsule.hasLostBits()) {
+    ConversionPlan samples;
+    samples.samples = plan.samples;
+    carryOut(samples, MemorySource(file), sink, {});
+  }
+  sink.append(plain.trailer);
+  const std::uint64_t behindPadByte = plan.samples.outputSize() % 2;
+  addKeptChunks(plan.trailer, behindPadByte, plan.makesWAV(), capsule, sink.sum);
+  return sink.sum.value();
 }
 
 /// Of the samples in the output; of the capsule's where those have lost bits.
@@ -108,7 +161,7 @@ Evidence evidenceOf(ByteView file, bool isWAV) {
 /// Absent where that is not what the file was made of.
 std::optional<ConversionPlan> planOf(const Capsule& capsule, ByteView file, bool isWAV) {
   const Evidence found = evidenceOf(file, isWAV);
-  if (!isAsWritten(found, capsule)) return std::nullopt;
+  if (!isAsWritten(found, file, isWAV, capsule)) return std::nullopt;
   ConversionPlan plan;
   if (isWAV)
     plan.content = AiffContent();
@@ -139,27 +192,23 @@ std::optional<ConversionPlan> planRestoring(ByteView file, bool isWAV, Warnings&
   return plan;
 }
 
-void makeReversible(ConversionPlan& plan, ByteView file, const Summary& original) {
+void makeReversible(ConversionPlan& plan, ByteView file, const ConversionOptions& options,
+                    const Summary& original) {
   const SampleRun& samples = plan.samples;
   const std::uint64_t sampleBytes = samples.frameCount * samples.sourceFrameSize();
   Capsule capsule{.frameCount = samples.frameCount,
                   .channels = static_cast<std::uint16_t>(samples.channels),
                   .conversion = samples.conversion,
+                  .keepsNames = options.keepNames,
+                  .keepsTexts = options.keepTexts,
                   .summary = original,
                   .prefix = part(file, 0, samples.offset),
                   .suffix = file.subspan(static_cast<std::size_t>(samples.offset + sampleBytes))};
   Crc64 whole;
   whole.add(file);
   capsule.originalSum = whole.value();
-  if (capsule.hasLostBits()) {
-    capsule.samples = part(file, samples.offset, sampleBytes);
-    capsule.outputSum = sumOfOutput(plan, file);
-  } else {
-    Crc64 around;
-    around.add(plan.header);
-    around.add(plan.trailer);
-    capsule.outputSum = around.value();
-  }
+  if (capsule.hasLostBits()) capsule.samples = part(file, samples.offset, sampleBytes);
+  capsule.outputSum = outputSumOf(plan, file, capsule);
   const std::uint64_t withoutCapsule = plan.outputSize();
   const std::uint64_t most = std::numeric_limits<std::uint32_t>::max();
   const std::uint64_t payload =

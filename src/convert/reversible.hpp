@@ -6,6 +6,7 @@
 
 #include "convert/conversion_plan.hpp"
 #include "vocabulary/bytes.hpp"
+#include "vocabulary/conversion_options.hpp"
 
 namespace corvana {
 
@@ -14,8 +15,9 @@ namespace corvana {
 /// samples or sampler data are no longer those that were written, or the capsule is damaged.
 std::optional<ConversionPlan> planRestoring(ByteView file, bool isWAV, Warnings& warnings);
 
-/// Adds the capsule to a plan that was made of `file`; `original` are the figures of `file` itself.
-/// Fails with tooLarge.
-void makeReversible(ConversionPlan& plan, ByteView file, const Summary& original);
+/// Adds the capsule to a plan that was made of `file` with these options; `original` are the
+/// figures of `file` itself. Fails with tooLarge.
+void makeReversible(ConversionPlan& plan, ByteView file, const ConversionOptions& options,
+                    const Summary& original);
 
 }  // namespace corvana

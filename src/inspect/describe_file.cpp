@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "aiff/aiff_reader.hpp"
+#include "aiff/aiff_texts.hpp"
 #include "aiff/extended80.hpp"
 #include "inspect/file_description.hpp"
 #include "inspect/texts.hpp"
@@ -124,11 +125,10 @@ void describeCuePoints(ByteView body, ByteOrder order, FileDescription& file) {
 /// The chunks inside a LIST chunk: texts of the file, or of its cue points.
 void describeList(ByteView body, ByteOrder order, FileDescription& file,
                   std::map<std::uint32_t, Label>& labels) {
-  constexpr std::size_t typeSize = 4;
-  constexpr std::size_t idSize = 4;
-  constexpr std::size_t stretchSize = 20;  // ID, length, purpose, country, language, code page
+  constexpr std::size_t idSize = wav_layout::cueTextOffset;
+  constexpr std::size_t stretchSize = wav_layout::stretchTextOffset;
   const std::string_view type = Fields(body, order).id(0);
-  std::uint64_t position = typeSize;
+  std::uint64_t position = wav_layout::listTypeSize;
   while (const auto chunk = chunkAt(body, order, position)) {
     position = chunk->bodyOffset + std::uint64_t{chunk->declaredSize} + chunk->declaredSize % 2;
     if (type == "INFO") addText(file, chunk->id, wavText(chunk->body));
@@ -245,20 +245,6 @@ std::optional<SoundFormat> describeCommon(ByteView body, bool isAIFC) {
   return format;
 }
 
-/// The comments of a COMT chunk.
-void describeComments(ByteView body, FileDescription& file) {
-  constexpr std::size_t headerSize = 8;  // time stamp, marker ID, length
-  if (body.size() < 2) return;
-  std::uint32_t count = Fields(body, ByteOrder::big).u16(0);
-  ByteView rest = body.subspan(2);
-  for (; count > 0 && rest.size() >= headerSize; --count) {
-    const std::size_t length = Fields(rest, ByteOrder::big).u16(6);
-    rest = rest.subspan(headerSize);
-    addText(file, "COMT", aiffText(rest.first(std::min(length, rest.size()))));
-    rest = rest.subspan(std::min(length + length % 2, rest.size()));
-  }
-}
-
 void describeLoop(const AiffLoop& loop, LoopRole role, FileDescription& file) {
   if (loop.playMode == play_mode::none) return;
   LoopDescription described;
@@ -302,11 +288,11 @@ FileDescription describeAiff(ByteView content) {
       file.markerCount = file.markers.size();
     } else if (chunk.id == "INST") {
       instrument = parseAiffInstrument(body);
-    } else if (chunk.id == "NAME" || chunk.id == "AUTH" || chunk.id == "(c) " ||
-               chunk.id == "ANNO") {
+    } else if (isTextOfAiff(chunk.id)) {
       addText(file, chunk.id, aiffText(body));
     } else if (chunk.id == "COMT") {
-      describeComments(body, file);
+      for (const AiffCommentView& comment : parseCommentChunk(body))
+        addText(file, "COMT", aiffText(comment.text));
     }
   });
   if (instrument) {

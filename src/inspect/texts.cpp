@@ -6,6 +6,7 @@
 #include "aiff/mac_roman.hpp"
 #include "inspect/file_description.hpp"
 #include "vocabulary/unicode.hpp"
+#include "wav/wav_texts.hpp"
 
 namespace corvana {
 namespace {
@@ -16,13 +17,6 @@ std::size_t utf8Size(std::string_view text) {
   while (const std::size_t length = utf8SequenceLength(text.substr(size)))
     size += length;
   return size;
-}
-
-std::string decodeLatin1(ByteView bytes) {
-  std::string text;
-  for (const std::uint8_t byte : bytes)
-    appendUtf8(text, byte >= 0x80 && byte < 0xA0 ? U'\uFFFD' : char32_t{byte});
-  return text;
 }
 
 /// At most maxTextSize bytes, which are cut between characters.

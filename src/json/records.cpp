@@ -37,12 +37,6 @@ const char* nameOf(LoopRole role) {
   return role == LoopRole::sustain ? "sustain" : "release";
 }
 
-bool isUtf8(std::string_view text) {
-  while (const std::size_t length = utf8SequenceLength(text))
-    text.remove_prefix(length);
-  return text.empty();
-}
-
 std::string hexDigits(std::string_view bytes) {
   constexpr std::string_view digits = "0123456789abcdef";
   std::string text;
@@ -260,6 +254,7 @@ void addProspect(Json& object, const Prospect& prospect, const Language& languag
   conversion["direction"] = directionCode(plan.makesWAV());
   conversion["summary"] = makeSummary(plan.summary, language);
   conversion["warnings"] = jsonOf(plan.warnings, language);
+  conversion["leftOut"] = plan.leftOut;
 }
 
 void addDifferences(Json& object, const Differences& differences, const Language& language) {

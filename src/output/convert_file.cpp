@@ -47,6 +47,7 @@ ConversionResult resultOf(ConversionPlan plan, const OutputTarget& output) {
   for (const Warning& warning : plan.warnings)
     result.warnings.push_back(warningText(warning, systemLanguage()));
   result.warningRecords = std::move(plan.warnings);
+  result.leftOut = std::move(plan.leftOut);
   result.frames = plan.samples.frameCount;
   result.bytes = plan.outputSize();
   return result;

@@ -26,9 +26,10 @@ struct ConversionResult {
   // The same for programs.
   Summary figures = {};
   Warnings warningRecords = {};
-  std::uint32_t frames = 0;  ///< of the output
-  std::uint64_t bytes = 0;   ///< of the output
-  int timesError = 0;        ///< OutputFile::timesError
+  std::vector<std::string> leftOut = {};  ///< ConversionPlan::leftOut
+  std::uint32_t frames = 0;               ///< of the output
+  std::uint64_t bytes = 0;                ///< of the output
+  int timesError = 0;                     ///< OutputFile::timesError
 };
 
 /// What the conversion of this plan comes to.

@@ -305,6 +305,8 @@ void compareChunks(const WavInfo& wav, const PromisedAiff& promised, ByteView ou
   if (!promised.markers.empty()) chunks.emplace_back("MARK");
   if (promised.instrument) chunks.emplace_back("INST");
   chunks.emplace_back("SSND");
+  for (const PromisedChunk& text : promised.texts)
+    chunks.emplace_back(text.id);
   if (terms.options.reversible) chunks.emplace_back("APPL");
   compareChunkOrder(output, order, chunks, differences);
 }
@@ -316,7 +318,7 @@ void compareOutput(const WavInfo& wav, ByteView input, ByteView output, const Pr
   // The highest rates of WAV are written, though an AIFF input must not have them.
   constexpr double rateLimit = 4'294'967'296.0;
   const AiffInfo aiff = parseAiff(output, terms.options.anyEncoding, rateLimit);
-  const PromisedAiff promised = promisedAiff(wav, terms.options);
+  const PromisedAiff promised = promisedAiff(wav, input, terms.options);
   compareSound(wav, promised, aiff, output, differences);
   const MarkerPairs pairs = pairMarkers(promised, aiff);
   compareLoops(promised, aiff, pairs, differences);
@@ -324,6 +326,7 @@ void compareOutput(const WavInfo& wav, ByteView input, ByteView output, const Pr
   compareInstrument(promised, aiff, differences);
   compareChunks(wav, promised, output, terms, differences);
   compareUnreadFields(promised, aiff, output, terms.producer, differences);
+  compareTexts(output, order, promised.texts, differences);
 
   const std::uint32_t width = bytesFor(aiff.sampleSize);
   const bool isInteger = wav.encoding == SampleEncoding::integer;

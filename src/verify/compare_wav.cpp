@@ -277,6 +277,8 @@ void compareChunks(const PromisedWav& promised, const WavInfo& wav, ByteView out
   if (wav.encoding != SampleEncoding::integer) chunks.insert(chunks.begin() + 1, "fact");
   if (!promised.cuePoints.empty()) chunks.emplace_back("cue ");
   if (promised.instrument) chunks.insert(chunks.end(), {"smpl", "inst"});
+  for (const PromisedChunk& text : promised.texts)
+    chunks.emplace_back(text.id);
   if (terms.options.reversible) chunks.emplace_back("crvn");
   compareChunkOrder(output, order, chunks, differences);
   compareUnreadFields(sampler, cue, differences);
@@ -288,13 +290,14 @@ void compareOutput(const AiffInfo& aiff, ByteView input, ByteView output, const 
                    Differences& differences, const ProofHandler& progress) {
   const WavInfo wav = parseWav(output, terms.options.anyEncoding);
   if (wav.order != order) throw ConversionError(ConversionError::Case::notRIFF);
-  const PromisedWav promised = promisedWav(aiff, terms.options);
+  const PromisedWav promised = promisedWav(aiff, input, terms.options);
   compareSound(aiff, promised, wav, differences);
   compareLoops(promised, wav, output, differences);
   compareCuePoints(promised, wav, differences);
   compareInstrument(promised, wav, differences);
   compareSampler(promised, wav, output, terms.producer, differences);
   compareChunks(promised, wav, output, terms, differences);
+  compareTexts(output, order, promised.texts, differences);
 
   const bool isInteger = aiff.encoding == SampleEncoding::integer;
   if (wav.channels != aiff.channels || wav.encoding != aiff.encoding) return;

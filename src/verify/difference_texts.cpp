@@ -121,6 +121,10 @@ MessageForm formOfLayout(DifferenceKind kind) {
       return {"chunk-order", translatable("Chunks: '%@' instead of '%@'.")};
     case DifferenceKind::chunkField:
       return {"chunk-field", translatable("Chunk '%@': field %@ instead of %@ (at byte %@).")};
+    case DifferenceKind::chunkText:
+      return {"chunk-text", translatable("Chunk '%@': byte %@ instead of %@ (at byte %@).")};
+    case DifferenceKind::chunkMissing:
+      return {"chunk-missing", translatable("The chunk '%@' is missing.")};
     case DifferenceKind::paddingMissing:
       return {"padding-missing", translatable("Chunk '%@': the pad byte is missing.")};
     case DifferenceKind::padding:

@@ -66,6 +66,8 @@ enum class DifferenceKind {
   chunkTwice,
   chunkOrder,
   chunkField,  ///< a field that nobody reads
+  chunkText,   ///< the first byte that differs in a chunk of names or texts
+  chunkMissing,
   paddingMissing,
   padding,  ///< a pad byte that is not zero
   strayBytes,

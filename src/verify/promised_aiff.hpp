@@ -7,6 +7,8 @@
 #include <vector>
 
 #include "aiff/aiff_format.hpp"
+#include "verify/promised_texts.hpp"
+#include "vocabulary/bytes.hpp"
 #include "vocabulary/conversion_options.hpp"
 #include "wav/wav_format.hpp"
 
@@ -35,8 +37,10 @@ struct PromisedAiff {
   std::vector<PromisedMarker> markers;
   std::vector<PromisedAiffLoop> loops;       ///< sustain, release
   std::optional<AiffInstrument> instrument;  ///< without its loops
+  std::vector<PromisedChunk> texts;          ///< behind the samples
 };
 
-PromisedAiff promisedAiff(const WavInfo& wav, const ConversionOptions& options);
+/// `wav` is what the file `input` holds.
+PromisedAiff promisedAiff(const WavInfo& wav, ByteView input, const ConversionOptions& options);
 
 }  // namespace corvana

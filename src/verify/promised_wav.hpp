@@ -6,6 +6,8 @@
 #include <vector>
 
 #include "aiff/aiff_format.hpp"
+#include "verify/promised_texts.hpp"
+#include "vocabulary/bytes.hpp"
 #include "vocabulary/conversion_options.hpp"
 #include "wav/wav_format.hpp"
 
@@ -20,8 +22,10 @@ struct PromisedWav {
   std::optional<InstrumentChunk> instrument;
   std::uint32_t unityNote = 0;
   std::uint32_t pitchFraction = 0;
+  std::vector<PromisedChunk> texts;  ///< behind everything else
 };
 
-PromisedWav promisedWav(const AiffInfo& aiff, const ConversionOptions& options);
+/// `aiff` is what the file `input` holds.
+PromisedWav promisedWav(const AiffInfo& aiff, ByteView input, const ConversionOptions& options);
 
 }  // namespace corvana

@@ -40,10 +40,11 @@ inline std::optional<Chunk> chunkAt(ByteView file, ByteOrder order, std::uint64_
 
 /// Calls `visit(const Chunk&)` for every chunk after the file header. Bounded by the real length
 /// of the file, never by the size in its header; a chunk that claims to run past the end of the
-/// file is the last.
+/// file is the last. `position` is where the first one starts: those inside a chunk whose body is
+/// given start behind its type.
 template <typename Visit>
-void walkChunks(ByteView file, ByteOrder order, const Visit& visit) {
-  std::uint64_t position = fileHeaderSize;
+void walkChunks(ByteView file, ByteOrder order, const Visit& visit,
+                std::uint64_t position = fileHeaderSize) {
   while (const std::optional<Chunk> chunk = chunkAt(file, order, position)) {
     visit(*chunk);
     position = chunk->bodyOffset + std::uint64_t{chunk->declaredSize} + (chunk->declaredSize & 1U);

@@ -26,6 +26,10 @@ struct ConversionOptions {
   /// The output carries what it takes to make the input of it again; an input that does so is made
   /// again, unless it has been edited since.
   bool reversible = false;
+  bool keepNames = false;  ///< of markers, cue points and loops, with the notes on these
+  bool keepTexts = false;  ///< of the file as a whole, ID3 tags included
+
+  bool keepsMore() const { return keepNames || keepTexts; }  ///< than the ordinary rules
 };
 
 }  // namespace corvana

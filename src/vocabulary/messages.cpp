@@ -51,6 +51,19 @@ MessageForm formOf(WarningKind kind) {
     case WarningKind::editedSince:
       return {"edited-since",
               translatable("Edited since it was converted – converted by the ordinary rules.")};
+    case WarningKind::nameCharacters:
+      return {"name-characters",
+              translatable("Names with characters that AIFF lacks: %@ (first: ID %@) – '?' stands "
+                           "for these.")};
+    case WarningKind::longNames:
+      return {"name-too-long",
+              translatable("Names or notes longer than AIFF holds: %@ (first: ID %@) – cut.")};
+    case WarningKind::namesLeftOut:
+      return {"names-left-out",
+              translatable("Names or notes without a place in the output: %@ (first: ID %@) – left "
+                           "out.")};
+    case WarningKind::leftOut:
+      return {"left-out", ""};  // leftOutText
     case WarningKind::moreWarnings:
       return {"more-warnings", ""};  // warningText
   }
@@ -123,6 +136,19 @@ std::string detailText(const ConversionError& error, const Language& language) {
   if (error.unsupportedKind() == UnsupportedKind::channels)
     return channelsText(std::get<std::int64_t>(error.values().at(0)), language);
   return fill(formOf(error.unsupportedKind()).text, error.values(), language);
+}
+
+std::string leftOutText(const std::vector<MessageValue>& values, const Language& language) {
+  std::string ids;
+  std::string further;
+  for (const MessageValue& value : values) {
+    if (const auto* id = std::get_if<std::string>(&value))
+      ids += (ids.empty() ? "'" : ", '") + *id + "'";
+    else
+      further = decimalText(std::get<std::int64_t>(value));
+  }
+  if (further.empty()) return fillText(language.localised("Left out: chunks %@."), {ids});
+  return fillText(language.localised("Left out: chunks %1$@ and %2$@ more."), {ids, further});
 }
 
 }  // namespace
@@ -215,7 +241,20 @@ std::string warningText(const Warning& warning, const Language& language) {
   if (warning.kind == WarningKind::moreWarnings)
     return language.localisedCount("%ld further warning.", "%ld further warnings.",
                                    std::get<std::int64_t>(warning.values.at(0)));
+  if (warning.kind == WarningKind::leftOut) return leftOutText(warning.values, language);
   return fill(formOf(warning.kind).text, warning.values, language);
+}
+
+std::string leftOutText(const std::vector<std::string>& ids, const Language& language) {
+  return warningText(leftOutWarning(ids), language);
+}
+
+Warning leftOutWarning(const std::vector<std::string>& ids) {
+  const std::size_t shown = std::min(ids.size(), maxShownLeftOut);
+  Warning warning{WarningKind::leftOut, {ids.begin(), ids.begin() + std::ptrdiff_t(shown)}};
+  if (ids.size() > shown)
+    warning.values.emplace_back(static_cast<std::int64_t>(ids.size() - shown));
+  return warning;
 }
 
 std::string errorDescription(const ConversionError& error, const Language& language) {

@@ -59,6 +59,11 @@ std::string messageValueText(const MessageValue& value, const Language& language
 /// The line that a person reads.
 std::string warningText(const Warning& warning, const Language& language);
 
+/// What names the chunks of a ConversionPlan that are left out, of which there is one at least.
+Warning leftOutWarning(const std::vector<std::string>& ids);
+/// The same where it is no warning: "Left out: chunks 'bext', 'LIST INFO'."
+std::string leftOutText(const std::vector<std::string>& ids, const Language& language);
+
 /// The message of a failed conversion.
 std::string errorDescription(const ConversionError& error, const Language& language);
 

@@ -5,16 +5,6 @@ namespace {
 
 constexpr char32_t replacementCharacter = 0xFFFD;
 
-/// The scalar of a well-formed sequence.
-char32_t scalarOf(std::string_view sequence) {
-  const auto first = static_cast<unsigned char>(sequence[0]);
-  if (sequence.size() == 1) return first;
-  char32_t scalar = first & (0xFFU >> (sequence.size() + 1));
-  for (const char byte : sequence.substr(1))
-    scalar = scalar << 6U | (static_cast<unsigned char>(byte) & 0x3FU);
-  return scalar;
-}
-
 bool isHighSurrogate(char16_t unit) {
   return unit >= 0xD800 && unit <= 0xDBFF;
 }
@@ -49,6 +39,21 @@ std::size_t utf8SequenceLength(std::string_view text) {
   return 0;
 }
 
+char32_t utf8Scalar(std::string_view sequence) {
+  const auto first = static_cast<unsigned char>(sequence[0]);
+  if (sequence.size() == 1) return first;
+  char32_t scalar = first & (0xFFU >> (sequence.size() + 1));
+  for (const char byte : sequence.substr(1))
+    scalar = scalar << 6U | (static_cast<unsigned char>(byte) & 0x3FU);
+  return scalar;
+}
+
+bool isUtf8(std::string_view text) {
+  while (const std::size_t length = utf8SequenceLength(text))
+    text.remove_prefix(length);
+  return text.empty();
+}
+
 void appendUtf8(std::string& text, char32_t scalar) {
   const auto append = [&](char32_t byte) { text += static_cast<char>(byte); };
   if (scalar < 0x80) {
@@ -74,7 +79,7 @@ std::u16string utf16FromUtf8(std::string_view text) {
   units.reserve(text.size());
   while (!text.empty()) {
     const std::size_t length = utf8SequenceLength(text);
-    const char32_t scalar = length == 0 ? replacementCharacter : scalarOf(text.substr(0, length));
+    const char32_t scalar = length == 0 ? replacementCharacter : utf8Scalar(text.substr(0, length));
     if (scalar < 0x10000) {
       units += static_cast<char16_t>(scalar);
     } else {

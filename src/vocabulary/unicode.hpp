@@ -10,6 +10,12 @@ namespace corvana {
 /// Length in bytes of the well-formed UTF-8 sequence at the start of `text`, 0 when there is none.
 std::size_t utf8SequenceLength(std::string_view text);
 
+/// The scalar value of one well-formed sequence.
+char32_t utf8Scalar(std::string_view sequence);
+
+/// Whether all of `text` is well-formed UTF-8.
+bool isUtf8(std::string_view text);
+
 /// Appends one Unicode scalar value.
 void appendUtf8(std::string& text, char32_t scalar);
 

@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <initializer_list>
 #include <string>
+#include <utility>
 #include <variant>
 #include <vector>
 
@@ -36,8 +37,16 @@ enum class WarningKind {
   // Both.
   rootFromName,  ///< the MIDI note
   editedSince,   ///< what was to be made again has other samples or sampler data, or is damaged
-  moreWarnings,  ///< how many there were beyond maxWarnings
+  // Names of markers and cue points: how many, the ID of the first one.
+  nameCharacters,  ///< have characters that AIFF lacks
+  longNames,       ///< or notes, of which AIFF holds less
+  namesLeftOut,    ///< or notes, for which there is no place
+  leftOut,         ///< up to maxShownLeftOut IDs of chunks; how many further ones, if any
+  moreWarnings,    ///< how many there were beyond maxWarnings
 };
+
+/// Most chunks that a warning names.
+inline constexpr std::size_t maxShownLeftOut = 8;
 
 /// A problem that did not stop a conversion.
 struct Warning {
@@ -52,15 +61,19 @@ using Warnings = std::vector<Warning>;
 inline constexpr std::size_t maxWarnings = 10'000;
 
 /// Adds a warning; behind maxWarnings of them one last record counts the further ones.
-inline void addWarning(Warnings& warnings, WarningKind kind,
-                       std::initializer_list<MessageValue> values = {}) {
+inline void addWarning(Warnings& warnings, Warning warning) {
   if (warnings.size() < maxWarnings) {
-    warnings.push_back({kind, values});
+    warnings.push_back(std::move(warning));
   } else if (warnings.size() == maxWarnings) {
     warnings.push_back({WarningKind::moreWarnings, {std::int64_t{1}}});
   } else {
     ++std::get<std::int64_t>(warnings.back().values.front());
   }
+}
+/// The same of a warning with these values.
+inline void addWarning(Warnings& warnings, WarningKind kind,
+                       std::initializer_list<MessageValue> values = {}) {
+  addWarning(warnings, Warning{kind, values});
 }
 
 }  // namespace corvana

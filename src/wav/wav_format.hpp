@@ -4,7 +4,10 @@
 #include <cstddef>
 #include <cstdint>
 #include <optional>
+#include <string>
+#include <vector>
 
+#include "vocabulary/bytes.hpp"
 #include "vocabulary/sample_encoding.hpp"
 #include "wav/record_view.hpp"
 
@@ -43,6 +46,26 @@ struct InstrumentChunk {
   std::uint8_t highVelocity = 0;   ///< MIDI velocity
 };
 
+/// A text that belongs to a cue point, or to the loops with this cue point ID.
+struct CueText {
+  std::uint32_t cueID = 0;  ///< not always that of a cue point
+  std::string text = {};    ///< UTF-8
+};
+
+/// A text of the file as a whole.
+struct InfoText {
+  std::string id = {};    ///< four characters, INAM for example
+  std::string text = {};  ///< UTF-8
+};
+
+/// The names and texts of a WAV file.
+struct WavTexts {
+  std::vector<CueText> labels = {};  ///< names; labl chunks in a LIST of the type adtl
+  std::vector<CueText> notes = {};   ///< note chunks in the same
+  std::vector<InfoText> info = {};   ///< chunks in a LIST of the type INFO
+  ByteBuffer id3 = {};               ///< an ID3 tag; empty: none
+};
+
 /// Sizes of the chunk layouts, in bytes.
 namespace wav_layout {
 inline constexpr std::size_t formatSize = 16;
@@ -52,6 +75,9 @@ inline constexpr std::size_t samplerHeaderSize = 36;
 inline constexpr std::size_t loopSize = 24;
 inline constexpr std::size_t cueHeaderSize = 4;
 inline constexpr std::size_t cuePointSize = 24;
+inline constexpr std::size_t listTypeSize = 4;
+inline constexpr std::size_t cueTextOffset = 4;       ///< behind the cue point ID
+inline constexpr std::size_t stretchTextOffset = 20;  ///< ID, length, purpose, country, … code page
 inline constexpr std::size_t instrumentSize = 7;
 }  // namespace wav_layout
 

@@ -39,6 +39,47 @@ std::uint32_t blockAlignOf(const WavContent& content) {
   return content.channels * bytesFor(content.sampleSize);
 }
 
+/// With a zero at its end.
+void appendText(ByteBuffer& body, const std::string& text) {
+  body.insert(body.end(), text.begin(), text.end());
+  body.push_back(0);
+}
+
+ByteBuffer buildCueTexts(const WavTexts& texts) {
+  ByteBuffer list;
+  appendFourCC(list, "adtl");
+  const auto append = [&list](std::string_view id, const std::vector<CueText>& entries) {
+    for (const CueText& entry : entries) {
+      ByteBuffer body;
+      appendUInt32LE(body, entry.cueID);
+      appendText(body, entry.text);
+      appendChunk(list, id, body, ByteOrder::little);
+    }
+  };
+  append("labl", texts.labels);
+  append("note", texts.notes);
+  return list;
+}
+
+ByteBuffer buildInfoTexts(const std::vector<InfoText>& texts) {
+  ByteBuffer list;
+  appendFourCC(list, "INFO");
+  for (const InfoText& entry : texts) {
+    ByteBuffer body;
+    appendText(body, entry.text);
+    appendChunk(list, entry.id, body, ByteOrder::little);
+  }
+  return list;
+}
+
+void appendTexts(ByteBuffer& buffer, const WavTexts& texts) {
+  if (!texts.labels.empty() || !texts.notes.empty())
+    appendChunk(buffer, "LIST", buildCueTexts(texts), ByteOrder::little);
+  if (!texts.info.empty())
+    appendChunk(buffer, "LIST", buildInfoTexts(texts.info), ByteOrder::little);
+  if (!texts.id3.empty()) appendChunk(buffer, "id3 ", texts.id3, ByteOrder::little);
+}
+
 }  // namespace
 
 ByteBuffer buildFormatChunk(const WavContent& content) {
@@ -124,6 +165,7 @@ SurroundingBytes writeWav(const WavContent& content) {
     appendChunk(file.trailer, "smpl", buildSamplerChunk(content));
     appendChunk(file.trailer, "inst", buildInstrumentChunk(*metadata.instrument));
   }
+  appendTexts(file.trailer, metadata.texts);
 
   ByteBuffer chunks;
   appendChunk(chunks, "fmt ", buildFormatChunk(content));

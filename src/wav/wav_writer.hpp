@@ -1,5 +1,5 @@
-// Writes the bytes of a WAV file: fmt, data, then cue, smpl and inst; fact ahead of data where
-// samples are not integers.
+// Writes the bytes of a WAV file: fmt, data, then cue, smpl and inst, then texts; fact ahead of
+// data where samples are not integers.
 #pragma once
 
 #include <cstdint>
@@ -19,6 +19,7 @@ struct WavMetadata {
   std::vector<SampleLoop> loops;    ///< of the smpl chunk
   std::uint32_t unityNote = 0;      ///< MIDI note
   std::uint32_t pitchFraction = 0;  ///< in 2^32ths of a semitone above the note
+  WavTexts texts = {};              ///< behind the chunks above
 };
 
 /// Everything of a WAV file but its samples. A sample takes as many bytes as its bits need.

@@ -213,7 +213,7 @@ TEST_F(Program, WritesItsLogInJson) {
   in.write("b.wav", aiff({comm({.bits = 64}), ssnd({})}));
   fs::create_symlink("gone", in / "c.wav");
   in.write("d.aif", aiff({comm({.frames = 1}), inst(AiffInstrument{60, 5, 0, 0, 0, 0, 0, {}, {}}),
-                          ssnd({1, 2})}));
+                          ssnd({1, 2}), aiffChunk("bext", {1})}));
   const auto withoutTimes = [](const Outcome& outcome) {
     return std::regex_replace(outcome.output, std::regex(R"(,"seconds":[-.e\d]+\})"), "}");
   };
@@ -229,7 +229,7 @@ TEST_F(Program, WritesItsLogInJson) {
       R"(.aif","outputBytes":"2e2f61ffe280ae2e616966",)"
       R"("direction":"wav-to-aiff","format":"aiff","bits":16,"channels":1,"sampleRate":44100,)"
       R"("loopCount":0,"markerCount":0,"cuePointCount":0,"frames":1,"bytes":56,"warnings":)"
-      R"([{"code":"incomplete-frame","values":[],"text":"Incomplete last frame discarded."}]})"
+      R"([{"code":"incomplete-frame","values":[],"text":"Incomplete last frame discarded."}],"leftOut":[]})"
       "\n"
       R"({"schema":1,"input":"./b.wav","direction":"aiff-to-wav","warnings":[],"error":)"
       R"({"code":"bit-depth","values":[64],"text":"Unsupported format: 64-bit"}})"
@@ -241,7 +241,8 @@ TEST_F(Program, WritesItsLogInJson) {
       R"({"schema":1,"input":"./d.aif","output":"./d.wav","direction":"aiff-to-wav","format":"wav",)"
       R"("bits":16,"channels":1,"sampleRate":44100,"rootKey":60,"fineTune":5,"loopCount":0,)"
       R"("markerCount":0,"cuePointCount":0,"frames":1,"bytes":)" +
-          std::to_string(fs::file_size(in / "d.wav")) + ",\"warnings\":[]}\n");
+          std::to_string(fs::file_size(in / "d.wav")) +
+          ",\"warnings\":[],\"leftOut\":[\"bext\"]}\n");
   const Outcome again = run({"--json", "--overwrite", "--skip-existing", "./d.aif", "d.wav"});
   EXPECT_EQ(withoutTimes(again),
             R"({"schema":1,"input":"./d.aif","output":"./d.wav","direction":"aiff-to-wav",)"
@@ -335,6 +336,46 @@ TEST_F(Program, ADryRunSaysWhatTheRunWouldDoAndTouchesNothing) {
     EXPECT_EQ(dry.status, real.status);
     EXPECT_NE(state(), before);
     fs::permissions(folder / "shut", fs::perms::owner_all);
+  }
+}
+
+TEST_F(Program, KeepsNamesAndTextsAndNamesWhatIsLeftOut) {
+  const ByteBuffer lists =
+      join({list("adtl", {cueText("labl", 7, "Verse")}),
+            list("INFO", {wavChunk("INAM", text("Title"))}), wavChunk("bext", {1})});
+  in.write("a.wav", wav({fmt({}), data({1, 2}), cue({{7, 1}}), lists}));
+  const std::string plain = "a.wav => a.aif  [16-bit, mono, 44100 Hz, 1 marker]\n";
+  const struct {
+    std::vector<std::string> arguments;
+    std::string log, kept;
+    int status = 0;
+  } cases[] = {
+      {{}, plain, "Cue 7"},
+      {{"--dry-run"}, plain + "   Left out: chunks 'LIST adtl', 'LIST INFO', 'bext'.\n", ""},
+      {{"--keep", "names"},
+       plain + "   ⚠\uFE0E Left out: chunks 'LIST INFO', 'bext'.\n",
+       "Verse",
+       3},
+      {{"--keep=NAMES,texts"}, plain + "   ⚠\uFE0E Left out: chunks 'bext'.\n", "VerseTitle", 3},
+      {{"--keep", "texts", "--keep", "names", "--dry-run"},
+       plain + "   ⚠\uFE0E Left out: chunks 'bext'.\n",
+       "",
+       3},
+      {{"--keep", "tunes"}, "", "", 2},
+  };
+  for (const auto& c : cases) {
+    std::vector<std::string> arguments = c.arguments;
+    arguments.insert(arguments.end(), {"--strict", "--verify", "a.wav"});
+    fs::remove(in / "a.aif");
+    const Outcome outcome = run(arguments);
+    EXPECT_EQ(outcome.output, c.log);
+    EXPECT_EQ(outcome.status, c.status) << outcome.errors;
+    std::string found;
+    const ByteBuffer output = c.kept.empty() ? ByteBuffer() : readFile(in / "a.aif");
+    for (const std::string name : {"Cue 7", "Verse", "Title"})
+      if (std::search(output.begin(), output.end(), name.begin(), name.end()) != output.end())
+        found += name;
+    EXPECT_EQ(found, c.kept);
   }
 }
 

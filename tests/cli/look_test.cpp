@@ -111,6 +111,7 @@ b.aifc
               ⚠︎ The SSND chunk contains less data than declared – 8 instead of 9 frames used.
               ⚠︎ Release loop: the associated markers are missing – skipped.
               ⚠︎ A gain of 200 dB does not fit into the WAV inst chunk – clamped.
+              Left out: chunks 'NAME', '(c) ', 'COMT', 'A?BC'.
 
 c.wav
   Format      neither WAV nor AIFF

@@ -34,6 +34,7 @@ inline std::optional<ByteBuffer> convert(ConversionPlan (*planner)(ByteView,
   assert(lastProgress == 1.0);
   assert(output.bytes.size() == plan.outputSize());
   assert(!proveConversion(content, output.bytes, {Producer::thisProgram, options}, {}).areThere());
+  assert(plan.leftOut.size() <= 1000);
   return output.bytes;
 }
 

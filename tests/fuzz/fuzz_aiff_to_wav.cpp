@@ -39,6 +39,7 @@ void check(ByteView content, const ConversionOptions& options) {
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+  fuzz::convert(planAIFFToWAV, {data, size}, {.keepNames = true, .keepTexts = true});
   for (const bool anyEncoding : {false, true})
     check({data, size}, {.anyEncoding = anyEncoding});
   return 0;

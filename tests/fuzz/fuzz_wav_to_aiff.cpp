@@ -51,6 +51,7 @@ void check(ByteView content, const ConversionOptions& options) {
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+  fuzz::convert(planWAVToAIFF, {data, size}, {.keepNames = true, .keepTexts = true});
   for (const bool anyEncoding : {false, true})
     check({data, size}, {.anyEncoding = anyEncoding});
   return 0;

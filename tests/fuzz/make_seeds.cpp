@@ -59,6 +59,15 @@ int main(int count, char** arguments) {
   write(folder / "wav", bytes("'RIFX' 00000000 'WAVE' 'fmt ' 00000010 0001 0001 0000AC44 00000000 "
                               "0002 0010 'data' 00000004 00010203 'cue ' 0000001C 00000001 "
                               "00000007 00000000 'data' 00000000 00000000 00000001"));
+  const ByteBuffer names =
+      list("adtl", {cueText("labl", 1, "x\xE4"),
+                    cueText("labl", 7,
+                            "Gr\xC3\xBC\xC3\x9F"
+                            "e"),
+                    cueText("note", 1, "why"), cueText("ltxt", 2, std::string(17, 'r'))});
+  const ByteBuffer texts = list("INFO", {wavChunk("INAM", text("title")), wavChunk("ICMT", {1})});
+  write(folder / "wav", wav({fmt({}), test::data(samples), smpl(60, 0, {{7, 0, 1, 2, 0}}), names,
+                             cue({{1, 3}, {2, 1}, {3, 6}}), texts, wavChunk("id3 ", {1})}));
 
   const ByteBuffer markers = mark({{1, 0, "start"}, {2, 4, "end"}, {3, 2, ""}, {-1, 9, "x"}});
   const ByteBuffer loops = inst(AiffInstrument{60, 10, 0, 127, 1, 127, 200, {1, 1, 2}, {2, 1, 3}});
@@ -69,7 +78,13 @@ int main(int count, char** arguments) {
                            "raw ", "42ni", "23ni"}) {
     const int bits = type == std::string_view("raw ") ? 8 : 20;
     const Common common{.channels = 2, .frames = 6, .bits = bits, .compression = type};
-    write(folder / "aiff", aiff({comm(common), markers, loops, ssnd(samples, 2)}, "AIFC"));
+    const ByteBuffer notes = comt({{1, "why"}, {0, "free"}, {3, "\xE4"}});
+    write(folder / "aiff", aiff({comm({1, 5, 16}), markers, loops, notes, ssnd(samples),
+                                 aiffChunk("NAME", text("title")), aiffChunk("ANNO", text("\x8A")),
+                                 aiffChunk("ID3 ", {1})}));
+    for (const char* type : {"NONE", "twos", "in24", "in32", "sowt", "fl32"}) {
+      const Common common{.channels = 2, .frames = 6, .bits = 20, .compression = type};
+      write(folder / "aiff", aiff({comm(common), markers, loops, ssnd(samples, 2)}, "AIFC"));
+    }
+    return 0;
   }
-  return 0;
-}

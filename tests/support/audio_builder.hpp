@@ -129,6 +129,15 @@ inline ByteBuffer cue(const std::vector<CuePoint>& points) {
   return wavChunk("cue ", body);
 }
 
+/// A labl or note chunk, or one of the texts of a file.
+inline ByteBuffer cueText(std::string_view id, std::uint32_t cueID, std::string_view characters) {
+  return wavChunk(id, join({le(cueID, 4), text(characters), {0}}));
+}
+
+inline ByteBuffer list(std::string_view type, std::initializer_list<ByteBuffer> chunks) {
+  return wavChunk("LIST", join({text(type), join(chunks)}));
+}
+
 inline ByteBuffer inst(const InstrumentChunk& i) {
   return wavChunk("inst", {i.unshiftedNote, static_cast<std::uint8_t>(i.fineTune),
                            static_cast<std::uint8_t>(i.gain), i.lowNote, i.highNote, i.lowVelocity,
@@ -169,6 +178,14 @@ inline ByteBuffer mark(const std::vector<AiffMarker>& markers) {
     body = join({body, be(marker.id, 2), be(marker.position, 4), be(marker.name.size(), 1),
                  text(marker.name), ByteBuffer(marker.name.size() % 2 == 0 ? 1 : 0)});
   return aiffChunk("MARK", body);
+}
+
+inline ByteBuffer comt(const std::vector<AiffComment>& comments) {
+  ByteBuffer body = be(comments.size(), 2);
+  for (const AiffComment& comment : comments)
+    body = join({body, be(0xBAD, 4), be(comment.marker, 2), be(comment.text.size(), 2),
+                 text(comment.text), ByteBuffer(comment.text.size() % 2)});
+  return aiffChunk("COMT", body);
 }
 
 inline ByteBuffer inst(const AiffInstrument& i) {

@@ -1,0 +1,82 @@
+#include "convert/left_out.hpp"
+
+#include <algorithm>
+#include <initializer_list>
+
+#include "aiff/aiff_texts.hpp"
+#include "vocabulary/chunks.hpp"
+#include "vocabulary/screen_text.hpp"
+#include "wav/wav_format.hpp"
+#include "wav/wav_texts.hpp"
+
+namespace corvana {
+namespace {
+
+bool isOneOf(std::string_view id, std::initializer_list<std::string_view> ids) {
+  return std::find(ids.begin(), ids.end(), id) != ids.end();
+}
+
+bool onlyFillsSpace(std::string_view id) {
+  return isOneOf(id, {"JUNK", "junk", "PAD ", "FLLR"});
+}
+
+void addLeftOutOfList(ByteView list, ByteOrder order, const ConversionOptions& options,
+                      LeftOut& leftOut) {
+  if (list.size() <= wav_layout::listTypeSize) return;
+  const std::string_view type = Fields(list, order).id(0);
+  const bool hasNames = type == "adtl";
+  if (hasNames ? !options.keepNames : type != "INFO" || !options.keepTexts)
+    return leftOut.add("LIST " + std::string(type));
+  const auto visit = [&](const Chunk& chunk) {
+    // Of a stretch, the length is lost.
+    const bool isKept = hasNames ? isOneOf(chunk.id, {"labl", "note"})
+                                 : isOneOf(chunk.id, {"INAM", "IART", "ICOP", "ICMT"});
+    if (!isKept && !chunk.body.empty()) leftOut.add(chunk.id);
+  };
+  walkChunks(list, order, visit, wav_layout::listTypeSize);
+}
+
+}  // namespace
+
+void LeftOut::add(std::string_view id) {
+  if (ids_.size() == maxLeftOut) return;
+  const std::string readable = readableID(std::string(id));
+  if (seen_.insert(readable).second) ids_.push_back(readable);
+}
+
+void addLeftOutOfWav(ByteView file, const ConversionOptions& options, LeftOut& leftOut) {
+  const ByteOrder order = orderOfWav(file);
+  walkChunks(file, order, [&](const Chunk& chunk) {
+    if (isOneOf(chunk.id, {"fmt ", "data", "smpl", "inst", "cue ", "fact"}) ||
+        onlyFillsSpace(chunk.id))
+      return;
+    if (chunk.id == "LIST") return addLeftOutOfList(chunk.body, order, options, leftOut);
+    if (!options.keepTexts || !isID3(chunk.id)) leftOut.add(chunk.id);
+  });
+}
+
+void addLeftOutOfAiff(ByteView file, const ConversionOptions& options, LeftOut& leftOut) {
+  const auto isLost = [&](const AiffCommentView& comment) {
+    return !comment.text.empty() && !(comment.marker == 0 ? options.keepTexts : options.keepNames);
+  };
+  walkChunks(file, ByteOrder::big, [&](const Chunk& chunk) {
+    if (isOneOf(chunk.id, {"COMM", "SSND", "MARK", "INST", "FVER"}) || onlyFillsSpace(chunk.id))
+      return;
+    if (chunk.id == "COMT") {
+      const auto comments = parseCommentChunk(chunk.body);
+      if (std::any_of(comments.begin(), comments.end(), isLost)) leftOut.add(chunk.id);
+      return;
+    }
+    if (!options.keepTexts || !(isTextOfAiff(chunk.id) || chunk.id == "ID3 "))
+      leftOut.add(chunk.id);
+  });
+}
+
+void setLeftOut(const LeftOut& leftOut, const ConversionOptions& options, ConversionPlan& plan) {
+  if (options.reversible) return;  // the capsule holds everything
+  plan.leftOut = leftOut.ids();
+  if (options.keepsMore() && !plan.leftOut.empty())
+    addWarning(plan.warnings, leftOutWarning(plan.leftOut));
+}
+
+}  // namespace corvana

@@ -1,0 +1,40 @@
+// Which chunks of an input its output has nothing of.
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <unordered_set>
+#include <vector>
+
+#include "convert/conversion_plan.hpp"
+#include "vocabulary/bytes.hpp"
+#include "vocabulary/conversion_options.hpp"
+
+namespace corvana {
+
+/// Most IDs that are named of a file.
+inline constexpr std::size_t maxLeftOut = 1'000;
+
+/// Collects IDs, each once, in the order in which they come.
+class LeftOut {
+ public:
+  /// "LIST INFO" and "LIST adtl" for a whole list, else four characters, in a list or not.
+  void add(std::string_view id);
+  const std::vector<std::string>& ids() const { return ids_; }  ///< readable, at most maxLeftOut
+
+ private:
+  std::vector<std::string> ids_;
+  std::unordered_set<std::string> seen_;
+};
+
+/// Adds what conversions have no place for: neither chunks that only fill space, nor those that
+/// only say once more how long the sound is, or which version a format has. `file` is the complete
+/// content of a WAV file.
+void addLeftOutOfWav(ByteView file, const ConversionOptions& options, LeftOut& leftOut);
+/// The same of an AIFF or AIFF-C file.
+void addLeftOutOfAiff(ByteView file, const ConversionOptions& options, LeftOut& leftOut);
+
+/// Puts it into the plan, with a warning where names or texts are kept.
+void setLeftOut(const LeftOut& leftOut, const ConversionOptions& options, ConversionPlan& plan);
+
+}  // namespace corvana
