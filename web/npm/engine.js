@@ -27,7 +27,7 @@ export function outOfMemory(language) {
 
 const module = await WebAssembly.compile(Uint8Array.from(atob(wasm), (c) => c.charCodeAt(0)));
 const encoder = new TextEncoder();
-const decoder = new TextDecoder();
+const decoder = new TextDecoder("utf-8", { ignoreBOM: true });
 
 /**
  * The functions of the module. Those that give `boolean` have put down a text, or had no memory.

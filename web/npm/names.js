@@ -46,8 +46,14 @@ export function outputName(inputName, format) {
  */
 export function freeOutputName(inputName, format, mayTake) {
   const engine = anyEngine();
+  // It may itself ask for names.
+  const outer = engine.mayTake;
   engine.mayTake = mayTake;
-  return engine.answer(() => engine.exports.freeOutputName(Number(format === "wav")), inputName);
+  try {
+    return engine.answer(() => engine.exports.freeOutputName(Number(format === "wav")), inputName);
+  } finally {
+    engine.mayTake = outer;
+  }
 }
 
 /**

@@ -30,6 +30,7 @@ export class SampledFile {
   /** @type {Engine | null} */
   #engine = idle.pop() ?? new Engine();
   #size;
+  #isPlanned = false;
 
   /** Room for so many bytes. Use `open`. */
   constructor(/** @type {number} */ size, language = english) {
@@ -97,6 +98,7 @@ export class SampledFile {
   plan({ language } = {}) {
     const engine = this.#open(language);
     const { error, bytes, ...plan } = JSON.parse(engine.answer(engine.exports.plan));
+    this.#isPlanned = !error;
     if (error) throw new ConversionError(error.code, error.text, error.values);
     return { ...plan, outputSize: bytes };
   }
@@ -106,6 +108,8 @@ export class SampledFile {
    * @returns {Generator<Uint8Array<ArrayBuffer>, void>}
    */
   *blocks() {
+    if (!this.#isPlanned) throw new TypeError("There is no plan.");
+    this.#isPlanned = false;
     for (;;) {
       const engine = this.#open();
       const at = engine.exports.nextBlock();
@@ -186,13 +190,23 @@ export async function open(content, { onProgress, signal, language } = {}) {
   }
 }
 
+/** @param {ArrayBufferView | ArrayBuffer} content */
+function bytesOf(content) {
+  if (ArrayBuffer.isView(content))
+    return new Uint8Array(content.buffer, content.byteOffset, content.byteLength);
+  // What is something else would be read as an empty file, or one of so many zeros.
+  if (Object.prototype.toString.call(content) !== "[object ArrayBuffer]")
+    throw new TypeError("Neither an ArrayBuffer nor a view of one.");
+  return new Uint8Array(content);
+}
+
 /**
  * The same at once, of bytes.
  * @param {Uint8Array | ArrayBuffer} content
  * @param {Language} [language]
  */
 export function openBytes(content, language) {
-  const bytes = content instanceof Uint8Array ? content : new Uint8Array(content);
+  const bytes = bytesOf(content);
   const file = new SampledFile(bytes.length, language);
   file.put(0, bytes);
   return file;
