@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <limits>
 
 namespace corvana {
 namespace {
@@ -73,13 +74,16 @@ auto withSample(const SoundFormat& format, const Use& use) {
 
 template <typename Sample>
 Extent extentOf(const std::uint8_t* bytes, std::size_t sampleBytes, std::size_t count) {
-  auto lowest = Sample::read(bytes);
-  auto highest = lowest;
-  for (std::size_t i = 1; i < count; ++i) {
+  // What is no number compares as neither, and is left out.
+  using Limits = std::numeric_limits<typename Sample::Value>;
+  auto lowest = Limits::max();
+  auto highest = Limits::lowest();
+  for (std::size_t i = 0; i < count; ++i) {
     const auto value = Sample::read(bytes + i * sampleBytes);
     lowest = value < lowest ? value : lowest;
     highest = value > highest ? value : highest;
   }
+  if (highest < lowest) return {};
   return {Sample::inFullScale(lowest), Sample::inFullScale(highest)};
 }
 

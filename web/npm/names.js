@@ -46,8 +46,14 @@ export function outputName(inputName, format) {
  */
 export function freeOutputName(inputName, format, mayTake) {
   const engine = anyEngine();
+  // It may itself ask for names.
+  const outer = engine.mayTake;
   engine.mayTake = mayTake;
-  return engine.answer(() => engine.exports.freeOutputName(Number(format === "wav")), inputName);
+  try {
+    return engine.answer(() => engine.exports.freeOutputName(Number(format === "wav")), inputName);
+  } finally {
+    engine.mayTake = outer;
+  }
 }
 
 /**
@@ -59,7 +65,7 @@ export function freeOutputName(inputName, format, mayTake) {
 export function convertedLines(inputName, outputName, { summary, warnings }) {
   const engine = anyEngine();
   const texts = [inputName, outputName, summary, ...warnings.map((warning) => warning.text)];
-  return engine.answer(engine.exports.convertedLines, ...texts).split("\n");
+  return JSON.parse(engine.answer(engine.exports.convertedLines, ...texts));
 }
 
 /** What it says of a file that could not be converted. */

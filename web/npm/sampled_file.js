@@ -19,6 +19,7 @@ const idle = [];
 
 /** An engine for something short that needs no file. */
 export function anyEngine(language = english) {
+  if (idle[0]?.isBroken) idle.pop();
   const engine = idle[0] ?? new Engine();
   if (idle.length === 0) idle.push(engine);
   engine.language = language;
@@ -30,6 +31,7 @@ export class SampledFile {
   /** @type {Engine | null} */
   #engine = idle.pop() ?? new Engine();
   #size;
+  #isPlanned = false;
 
   /** Room for so many bytes. Use `open`. */
   constructor(/** @type {number} */ size, language = english) {
@@ -97,6 +99,7 @@ export class SampledFile {
   plan({ language } = {}) {
     const engine = this.#open(language);
     const { error, bytes, ...plan } = JSON.parse(engine.answer(engine.exports.plan));
+    this.#isPlanned = !error;
     if (error) throw new ConversionError(error.code, error.text, error.values);
     return { ...plan, outputSize: bytes };
   }
@@ -106,9 +109,11 @@ export class SampledFile {
    * @returns {Generator<Uint8Array<ArrayBuffer>, void>}
    */
   *blocks() {
+    if (!this.#isPlanned) throw new TypeError("There is no plan.");
+    this.#isPlanned = false;
     for (;;) {
       const engine = this.#open();
-      const at = engine.exports.nextBlock();
+      const at = engine.call(engine.exports.nextBlock);
       const size = engine.exports.blockSize();
       if (size === 0) return;
       if (at === 0) throw outOfMemory(engine.language);
@@ -118,12 +123,15 @@ export class SampledFile {
 
   /**
    * The picture of `count` frames from `first` on, all channels in one: the lowest and the highest
-   * value of each of `columns` stretches, -1 to 1. Null where no waveform can be drawn.
+   * value of each of `columns` stretches, in parts of full scale. Null where no waveform can be
+   * drawn.
    * @param {number} first
    * @param {number} count
    * @param {number} columns
    */
   waveform(first, count, columns) {
+    if (![first, count, columns].every((number) => Number.isSafeInteger(number) && number >= 0))
+      throw new RangeError("Frames and columns are whole numbers from 0 on.");
     const layout = this.layout();
     if (!layout) return null;
     const begin = Math.min(first * layout.frameBytes, layout.dataSize);
@@ -139,19 +147,20 @@ export class SampledFile {
    * @param {number} columns
    */
   waveformAt(offset, size, layout, columns) {
-    const { exports } = this.#open();
+    const engine = this.#open();
     const format = [layout.channels, layout.sampleBytes].concat(
       [layout.isFloatingPoint, layout.isBigEndian, layout.isUnsigned].map(Number),
     );
-    const at = exports.waveform(offset, size, ...format, columns) >>> 0;
-    return at === 0 ? null : new Float32Array(exports.memory.buffer, at, 2 * columns).slice();
+    const { waveform, memory } = engine.exports;
+    const at = engine.call(() => waveform(offset, size, ...format, columns)) >>> 0;
+    return at === 0 ? null : new Float32Array(memory.buffer, at, 2 * columns).slice();
   }
 
   /** Gives the memory back. Nothing else may be called then. */
   close() {
     const engine = this.#engine;
     this.#engine = null;
-    if (!engine?.isSmall() || idle.length > 0) return;
+    if (!engine?.isReusable() || idle.length > 0) return;
     engine.exports.release();
     idle.push(engine);
   }
@@ -168,8 +177,12 @@ export class SampledFile {
  * @param {Language} [options.language] of the error
  */
 export async function open(content, { onProgress, signal, language } = {}) {
-  if (!(content instanceof Blob)) return openBytes(content, language);
   signal?.throwIfAborted();
+  if (!(content instanceof Blob)) {
+    const file = openBytes(content, language);
+    onProgress?.(1);
+    return file;
+  }
   const file = new SampledFile(content.size, language);
   const sliceSize = 8 * 2 ** 20;
   try {
@@ -177,13 +190,24 @@ export async function open(content, { onProgress, signal, language } = {}) {
       const slice = await content.slice(at, at + sliceSize).arrayBuffer();
       signal?.throwIfAborted();
       file.put(at, new Uint8Array(slice));
-      onProgress?.(Math.min((at + sliceSize) / content.size, 1));
+      if (at + sliceSize < content.size) onProgress?.((at + sliceSize) / content.size);
     }
+    onProgress?.(1);
     return file;
   } catch (error) {
     file.close();
     throw error;
   }
+}
+
+/** @param {ArrayBufferView | ArrayBuffer} content */
+function bytesOf(content) {
+  if (ArrayBuffer.isView(content))
+    return new Uint8Array(content.buffer, content.byteOffset, content.byteLength);
+  // What is something else would be read as an empty file, or one of so many zeros.
+  if (Object.prototype.toString.call(content) !== "[object ArrayBuffer]")
+    throw new TypeError("Neither an ArrayBuffer nor a view of one.");
+  return new Uint8Array(content);
 }
 
 /**
@@ -192,7 +216,7 @@ export async function open(content, { onProgress, signal, language } = {}) {
  * @param {Language} [language]
  */
 export function openBytes(content, language) {
-  const bytes = content instanceof Uint8Array ? content : new Uint8Array(content);
+  const bytes = bytesOf(content);
   const file = new SampledFile(bytes.length, language);
   file.put(0, bytes);
   return file;

@@ -123,7 +123,7 @@ const colourOf = (kind) => palette()[`loop-${Math.min(kind, 2) + 1}`];
  * @param {CanvasRenderingContext2D} context @param {number} kind @param {Box} box */
 function shade(context, kind, { x, y, width, height }) {
   const left = Math.max(x, 0);
-  const right = Math.min(x + width, context.canvas.width);
+  const right = Math.min(x + width, context.canvas.width / context.getTransform().a);
   context.fillStyle = colourOf(kind);
   context.globalAlpha = kind > 1 ? 0.08 : 0.16;
   context.fillRect(left, y, right - left, height);

@@ -33,6 +33,8 @@ let searches = 0;
 let foundNothing = false;
 /** How far the ZIP file is; null where none is made. @type {number | null} */
 let zipping = null;
+/** What has gone wrong with no file in particular, until the next attempt. @type {string | null} */
+let trouble = null;
 let frame = 0;
 
 /** Shows status and counts at the next frame. */
@@ -129,7 +131,10 @@ function showOutputs() {
   );
   byId("replace-option").hidden = !folder;
   const note = byId("outputs-note");
-  if (folder) {
+  if (trouble !== null) {
+    setText(note, localised("Writing failed: %@", [trouble]));
+    note.dataset.shown = "";
+  } else if (folder) {
     const parts = withNames(localised("Outputs are written into “%@”."), [folder.name]);
     if (note.dataset.shown !== languageCode() + folder.name) note.replaceChildren(...parts);
     note.dataset.shown = languageCode() + folder.name;
@@ -195,6 +200,7 @@ button("clear").addEventListener("click", () => {
 
 button("save-all").addEventListener("click", async () => {
   zipping = 0;
+  trouble = null;
   show();
   try {
     const answer = await helper.ask(
@@ -214,6 +220,7 @@ button("save-all").addEventListener("click", async () => {
 });
 
 button("choose-output").addEventListener("click", async () => {
+  trouble = null;
   try {
     const folder = await chooseFolder();
     if (folder) session.writeInto(folder);
@@ -225,9 +232,9 @@ button("choose-output").addEventListener("click", async () => {
 
 /** What concerns no file in particular. @param {unknown} error */
 function report(error) {
-  const reason = error instanceof Error ? error.message || error.name : String(error);
-  byId("outputs-note").textContent = localised("Writing failed: %@", [reason]);
-  announce(localised("Writing failed: %@", [reason]));
+  trouble = error instanceof Error ? error.message || error.name : String(error);
+  announce(localised("Writing failed: %@", [trouble]));
+  show();
 }
 
 for (const option of /** @type {const} */ (["subfolder", "replace"])) {

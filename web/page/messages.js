@@ -26,7 +26,6 @@
  * @property {FileSystemDirectoryHandle} folder
  * @property {string} directory that of the input
  * @property {boolean} subfolder
- * @property {number} listing lists that were made under another number count no longer
  */
 
 /**
@@ -36,7 +35,7 @@
  *   | { type: "zip", id: number, items: import("./zip.js").Item[] }
  *   | { type: "stretch", id: number, file: File, layout: SampleLayout, first: number,
  *       count: number, columns: number }
- *   | { type: "name", id: number, name: string }
+ *   | { type: "name", id: number, name: string, mayReplace: boolean }
  *   | { type: "stop" }} Order
  */
 
@@ -44,12 +43,12 @@
  * @typedef {{ texts: Texts } | { action: "read" | "convert" | "create" | "write", reason: string }} Trouble */
 
 /**
- * From the worker. `existing`: names in `directory`, null where they are known already.
+ * From the worker. `refused`: the last answer, where it is taken in the folder.
  * @typedef {{ type: "ready" }
  *   | { type: "begun", id: number }
  *   | { type: "progress", id: number, fraction: number }
  *   | { type: "question", id: number, format: "aiff" | "wav", directory: string,
- *       existing: string[] | null }
+ *       refused: string | null }
  *   | { type: "converted", id: number, sound: Sound, conversions: Record<string, Conversion>,
  *       blob: Blob | null }
  *   | { type: "written", id: number }

@@ -1,39 +1,8 @@
 // Outputs in a folder that the user has chosen. Nothing stays of one that does not get complete.
-import { outputSubfolder } from "./corvana/index.js";
-import { joined } from "./entries.js";
-
-/** @typedef {import("./messages.js").Target} Target */
-
-/** What has been listed, and for which number of Target. */
-const known = { listing: -1, directories: new Set() };
-
-/**
- * Where an output goes below the chosen folder, and the names there; null where they have been
- * listed before.
- * @param {Target} target @param {"aiff" | "wav"} format
- */
-export async function listed({ folder, directory, subfolder, listing }, format) {
-  const path = subfolder ? joined(directory, outputSubfolder(format)) : directory;
-  if (known.listing !== listing) {
-    known.listing = listing;
-    known.directories.clear();
-  }
-  if (known.directories.has(path)) return { directory: path, existing: null };
-  known.directories.add(path);
-  /** @type {string[]} */
-  const existing = [];
-  try {
-    for await (const name of (await folderAt(folder, path, false)).keys()) existing.push(name);
-  } catch (error) {
-    if (nameOf(error) !== "NotFoundError") throw error;
-  }
-  return { directory: path, existing };
-}
-
-/** @param {FileSystemDirectoryHandle} folder @param {string} path @param {boolean} create */
-async function folderAt(folder, path, create) {
+/** @param {FileSystemDirectoryHandle} folder @param {string} path */
+async function folderAt(folder, path) {
   for (const name of path.split("/"))
-    if (name) folder = await folder.getDirectoryHandle(name, { create });
+    if (name) folder = await folder.getDirectoryHandle(name, { create: true });
   return folder;
 }
 
@@ -53,18 +22,25 @@ export class OutputFile {
     this.isNew = isNew;
   }
 
-  /** @param {FileSystemDirectoryHandle} root @param {string} directory @param {string} name */
-  static async create(root, directory, name) {
-    const folder = await folderAt(root, directory, true);
-    const isNew = await folder.getFileHandle(name).then(
-      () => false,
-      (error) => {
-        if (nameOf(error) !== "NotFoundError") throw error;
-        return true;
-      },
-    );
+  /**
+   * Null where the name is taken: the folder itself is asked at the last moment, since others may
+   * write into it as well.
+   * @param {FileSystemDirectoryHandle} root @param {string} directory @param {string} name
+   * @param {boolean} mayReplace
+   */
+  static async create(root, directory, name, mayReplace) {
+    const folder = await folderAt(root, directory);
+    const there = await folder.getFileHandle(name).catch(nameOf);
+    if (there === "TypeMismatchError") return null; // a folder
+    const isNew = there === "NotFoundError";
+    if (!isNew && !mayReplace) return null;
     const file = await folder.getFileHandle(name, { create: true });
-    return new OutputFile(folder, name, await file.createWritable(), isNew);
+    try {
+      return new OutputFile(folder, name, await file.createWritable(), isNew);
+    } catch (error) {
+      if (isNew) await folder.removeEntry(name).catch(() => {});
+      throw error;
+    }
   }
 
   /** @param {Uint8Array<ArrayBuffer>} block */

@@ -6,12 +6,17 @@ const folded = (path) => path.normalize("NFC").toLowerCase();
 
 /** @typedef {"aiff" | "wav"} Format */
 
+/** The run of an output that is in no folder so far. Nothing takes its name from it. */
+export const inMemory = 0;
+
 export class OutputNames {
   #inputs = new Set();
-  /** @type {Map<string, number>} the run of each output */
+  /** Names of inputs, wherever they lie: of a chosen folder nobody tells whether it is theirs. */
+  #inputNames = new Set();
+  /** @type {Map<string, number>} the run of each output, `inMemory` of those that are kept */
   #outputs = new Map();
-  /** @type {Map<string, Set<string>>} what is there already, by folder */
-  #existing = new Map();
+  /** What the chosen folder holds already, as far as it is known. */
+  #refused = new Set();
 
   /**
    * @param {(name: string, format: Format, mayTake: (name: string) => boolean) => string} freeName
@@ -23,17 +28,27 @@ export class OutputNames {
 
   /** @param {string} path */
   addInput(path) {
-    this.#inputs.add(folded(path));
+    const parts = folded(path).split("/");
+    this.#inputNames.add(parts.at(-1));
+    // The folders it lies in are taken as well.
+    for (let length = parts.length; length > 0; --length)
+      this.#inputs.add(parts.slice(0, length).join("/"));
   }
 
-  /** What the chosen folder holds below `directory`. @param {string} directory @param {string[]} names */
-  setExisting(directory, names) {
-    this.#existing.set(folded(directory), new Set(names.map(folded)));
+  /** Whether an output may replace a file of this name. @param {string} name */
+  mayReplace(name) {
+    return !this.#inputNames.has(folded(name));
+  }
+
+  /** The chosen folder has something of this name that stays. @param {string} path */
+  refuse(path) {
+    this.#outputs.delete(folded(path));
+    this.#refused.add(folded(path));
   }
 
   /** Another folder is chosen, or what is in it may have changed. */
-  forgetExisting() {
-    this.#existing.clear();
+  forgetRefused() {
+    this.#refused.clear();
   }
 
   /**
@@ -41,16 +56,15 @@ export class OutputNames {
    * @param {string} directory where it goes
    * @param {string} inputName
    * @param {Format} format
-   * @param {{ replace: boolean, run: number }} how with `replace`, what is there already does not
-   *   count, nor do outputs of earlier runs
+   * @param {{ replace: boolean, run: number }} how with `replace`, outputs of earlier runs do not
+   *   count
    */
   take(directory, inputName, format, { replace, run }) {
-    const existing = this.#existing.get(folded(directory));
     const name = this.freeName(inputName, format, (wanted) => {
       const path = folded(joined(directory, wanted));
-      if (this.#inputs.has(path)) return false;
-      if (replace) return this.#outputs.get(path) !== run;
-      return !this.#outputs.has(path) && !existing?.has(folded(wanted));
+      if (this.#inputs.has(path) || this.#refused.has(path)) return false;
+      const holder = this.#outputs.get(path);
+      return holder === undefined || (replace && holder !== inMemory && holder !== run);
     });
     this.#outputs.set(folded(joined(directory, name)), run);
     return name;
@@ -63,7 +77,8 @@ export class OutputNames {
 
   clear() {
     this.#inputs.clear();
+    this.#inputNames.clear();
     this.#outputs.clear();
-    this.#existing.clear();
+    this.#refused.clear();
   }
 }

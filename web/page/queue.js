@@ -13,7 +13,7 @@
  *   ends the job
  * @property {(job: Job) => void} began
  * @property {(job: Job, fraction: number) => void} progress
- * @property {(job: Job, question: Question) => string} name of the job's output
+ * @property {(job: Job, question: Question) => { name: string, mayReplace: boolean }} name of the job's output
  * @property {(job: Job, ending: Ending) => void} ended
  * @property {() => void} idle after the last job
  */
@@ -120,8 +120,8 @@ export class Queue {
     } else if (report.type === "progress") {
       this.listener.progress(taken.job, report.fraction);
     } else if (report.type === "question") {
-      const name = this.listener.name(taken.job, report);
-      this.#worker?.postMessage({ type: "name", id: report.id, name });
+      const answer = this.listener.name(taken.job, report);
+      this.#worker?.postMessage({ type: "name", id: report.id, ...answer });
     } else if (report.type !== "zipped" && report.type !== "drawn") {
       if (report.type === "failed" && report.isBroken) this.#restart();
       this.#end(report);

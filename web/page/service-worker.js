@@ -6,8 +6,10 @@ const version = "VERSION";
 const files = ["FILES"];
 const policy = "POLICY";
 
-const cacheName = `corvana ${version}`;
 const scope = /** @type {any} */ (self);
+// All pages of a host share their caches: another copy may lie beside this one.
+const prefix = `corvana ${scope.registration.scope} `;
+const cacheName = prefix + version;
 
 scope.addEventListener("install", (/** @type {any} */ event) => event.waitUntil(fetchAll()));
 scope.addEventListener("activate", (/** @type {any} */ event) => event.waitUntil(removeOld()));
@@ -22,14 +24,15 @@ async function fetchAll() {
 
 async function removeOld() {
   const names = await caches.keys();
-  const old = names.filter((name) => name.startsWith("corvana ") && name !== cacheName);
+  const old = names.filter((name) => name.startsWith(prefix) && name !== cacheName);
   await Promise.all(old.map((name) => caches.delete(name)));
 }
 
 /** @param {Request} request */
 async function answer(request) {
   const cache = await caches.open(cacheName);
-  const kept = await cache.match(request, { ignoreSearch: true });
+  const address = request.url.replace(/\/index\.html(?=[?#]|$)/, "/");
+  const kept = await cache.match(address, { ignoreSearch: true });
   if (!kept) return fetch(request);
   // The page's own policy, for its workers as well.
   const headers = new Headers(kept.headers);

@@ -1,7 +1,7 @@
 // The files of the list and what becomes of them. Knows nothing of how they are shown.
 import { freeOutputName, outputSubfolder } from "./corvana/index.js";
 import { joined } from "./entries.js";
-import { OutputNames } from "./output_names.js";
+import { OutputNames, inMemory } from "./output_names.js";
 import { Queue } from "./queue.js";
 import { inEveryLanguage, localised } from "./texts.js";
 
@@ -69,7 +69,6 @@ export class Session {
   options = { subfolder: false, replace: false };
   /** @type {FileSystemDirectoryHandle | null} */
   folder = null;
-  #listing = 0;
   #names = new OutputNames(freeOutputName);
   /** @type {Queue<Job>} */
   #queue;
@@ -139,8 +138,7 @@ export class Session {
     if (!this.run.isRunning) {
       this.run = { ...emptyRun(), number: this.run.number + 1, isRunning: true };
       // What is in the folder may have changed since the last run.
-      ++this.#listing;
-      this.#names.forgetExisting();
+      this.#names.forgetRefused();
     }
     this.run.total += jobs.length;
     this.#queue.add(jobs, first);
@@ -162,8 +160,7 @@ export class Session {
   /** Outputs go there from now on, those in memory as well. @param {FileSystemDirectoryHandle} folder */
   writeInto(folder) {
     this.folder = folder;
-    ++this.#listing;
-    this.#names.forgetExisting();
+    this.#names.forgetRefused();
     this.#start(this.#writings(this.rows), true);
   }
 
@@ -197,7 +194,6 @@ export class Session {
       folder,
       directory: row.directory,
       subfolder: this.options.subfolder,
-      listing: this.#listing,
     };
     if (kind === "convert") {
       const file = await /** @type {() => Promise<File>} */ (row.open)();
@@ -230,14 +226,14 @@ export class Session {
   }
 
   /** @param {Job} job @param {Question} question */
-  #nameFor(job, { directory, existing, format }) {
-    if (existing) this.#names.setExisting(directory, existing);
-    if (job.row.output) this.#release(job.row.output);
+  #nameFor(job, { directory, refused, format }) {
+    if (refused) this.#names.refuse(joined(directory, refused));
+    else if (job.row.output) this.#release(job.row.output);
     const { replace } = this.options;
     const how = { replace, run: this.run.number };
     const name = this.#names.take(directory, job.row.name, format, how);
     job.target = { directory, name };
-    return name;
+    return { name, mayReplace: replace && this.#names.mayReplace(name) };
   }
 
   /** @param {{ directory: string, name: string }} output */
@@ -253,7 +249,7 @@ export class Session {
     output.directory = this.options.subfolder
       ? joined(row.directory, outputSubfolder(format))
       : row.directory;
-    const how = { replace: false, run: this.run.number };
+    const how = { replace: false, run: inMemory };
     output.name = this.#names.take(output.directory, row.name, format, how);
   }
 

@@ -1,7 +1,8 @@
 // Where files are read, converted and written: the page itself only shows what comes of it. One
 // order after another; a stop ends the present one after its block.
-import { ConversionError, open, waveformOf } from "./corvana/index.js";
-import { OutputFile, listed } from "./output_file.js";
+import { ConversionError, open, outputSubfolder, waveformOf } from "./corvana/index.js";
+import { joined } from "./entries.js";
+import { OutputFile } from "./output_file.js";
 import { catalogue, inEveryLanguage, localised } from "./texts.js";
 import { coarse, overviewColumns } from "./waveform.js";
 import { zipOf } from "./zip.js";
@@ -22,7 +23,7 @@ const [readPart, writtenPart] = [0.4, 0.9];
 let stopping = new AbortController();
 /** @type {Promise<void>} */
 let last = Promise.resolve();
-/** @type {Map<number, (name: string) => void>} */
+/** @type {Map<number, (answer: { name: string, mayReplace: boolean }) => void>} */
 const questions = new Map();
 
 /** @param {Report} report @param {Transferable[]} [handedOver] */
@@ -34,11 +35,11 @@ tell({ type: "ready" });
 /** @param {Order} order */
 function take(order) {
   if (order.type === "name") {
-    questions.get(order.id)?.(order.name);
+    questions.get(order.id)?.(order);
     questions.delete(order.id);
   } else if (order.type === "stop") {
     stopping.abort();
-    for (const answer of questions.values()) answer("");
+    for (const answer of questions.values()) answer({ name: "", mayReplace: false });
     stopping = new AbortController();
   } else {
     const { signal } = stopping;
@@ -250,15 +251,24 @@ async function copy(blocks, output, signal, onProgress) {
  * @param {AbortSignal} signal
  */
 async function openOutput(id, format, target, signal) {
-  const { directory, existing } = await orFailure("create", listed(target, format));
-  signal.throwIfAborted();
-  /** @type {string} */
-  const name = await new Promise((resolve) => {
-    questions.set(id, resolve);
-    tell({ type: "question", id, format, directory, existing });
-  });
-  signal.throwIfAborted();
-  return orFailure("create", OutputFile.create(target.folder, directory, name));
+  const { folder, subfolder } = target;
+  const directory = subfolder
+    ? joined(target.directory, outputSubfolder(format))
+    : target.directory;
+  /** @type {string | null} */
+  let refused = null;
+  for (;;) {
+    /** @type {{ name: string, mayReplace: boolean }} */
+    const { name, mayReplace } = await new Promise((resolve) => {
+      questions.set(id, resolve);
+      tell({ type: "question", id, format, directory, refused });
+    });
+    signal.throwIfAborted();
+    const creation = OutputFile.create(folder, directory, name, mayReplace);
+    const output = await orFailure("create", creation);
+    if (output) return output;
+    refused = name;
+  }
 }
 
 /** @template Value @param {"create" | "write"} action @param {Promise<Value>} work */
