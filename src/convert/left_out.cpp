@@ -21,7 +21,7 @@ bool onlyFillsSpace(std::string_view id) {
 }
 
 void addLeftOutOfList(ByteView list, ByteOrder order, const ConversionOptions& options,
-                      LeftOut& leftOut) {
+                      LeftOutChunks& leftOut) {
   if (list.size() <= wav_layout::listTypeSize) return;
   const std::string_view type = Fields(list, order).id(0);
   const bool hasNames = type == "adtl";
@@ -38,13 +38,13 @@ void addLeftOutOfList(ByteView list, ByteOrder order, const ConversionOptions& o
 
 }  // namespace
 
-void LeftOut::add(std::string_view id) {
+void LeftOutChunks::add(std::string_view id) {
   if (ids_.size() == maxLeftOut) return;
   const std::string readable = readableID(std::string(id));
   if (seen_.insert(readable).second) ids_.push_back(readable);
 }
 
-void addLeftOutOfWav(ByteView file, const ConversionOptions& options, LeftOut& leftOut) {
+void addLeftOutOfWav(ByteView file, const ConversionOptions& options, LeftOutChunks& leftOut) {
   const ByteOrder order = orderOfWav(file);
   walkChunks(file, order, [&](const Chunk& chunk) {
     if (isOneOf(chunk.id, {"fmt ", "data", "smpl", "inst", "cue ", "fact"}) ||
@@ -55,7 +55,7 @@ void addLeftOutOfWav(ByteView file, const ConversionOptions& options, LeftOut& l
   });
 }
 
-void addLeftOutOfAiff(ByteView file, const ConversionOptions& options, LeftOut& leftOut) {
+void addLeftOutOfAiff(ByteView file, const ConversionOptions& options, LeftOutChunks& leftOut) {
   const auto isLost = [&](const AiffCommentView& comment) {
     return !comment.text.empty() && !(comment.marker == 0 ? options.keepTexts : options.keepNames);
   };
@@ -72,7 +72,8 @@ void addLeftOutOfAiff(ByteView file, const ConversionOptions& options, LeftOut& 
   });
 }
 
-void setLeftOut(const LeftOut& leftOut, const ConversionOptions& options, ConversionPlan& plan) {
+void setLeftOut(const LeftOutChunks& leftOut, const ConversionOptions& options,
+                ConversionPlan& plan) {
   if (options.reversible) return;  // the capsule holds everything
   plan.leftOut = leftOut.ids();
   if (options.keepsMore() && !plan.leftOut.empty())

@@ -16,7 +16,7 @@ namespace corvana {
 inline constexpr std::size_t maxLeftOut = 1'000;
 
 /// Collects IDs, each once, in the order in which they come.
-class LeftOut {
+class LeftOutChunks {
  public:
   /// "LIST INFO" and "LIST adtl" for a whole list, else four characters, in a list or not.
   void add(std::string_view id);
@@ -30,11 +30,12 @@ class LeftOut {
 /// Adds what conversions have no place for: neither chunks that only fill space, nor those that
 /// only say once more how long the sound is, or which version a format has. `file` is the complete
 /// content of a WAV file.
-void addLeftOutOfWav(ByteView file, const ConversionOptions& options, LeftOut& leftOut);
+void addLeftOutOfWav(ByteView file, const ConversionOptions& options, LeftOutChunks& leftOut);
 /// The same of an AIFF or AIFF-C file.
-void addLeftOutOfAiff(ByteView file, const ConversionOptions& options, LeftOut& leftOut);
+void addLeftOutOfAiff(ByteView file, const ConversionOptions& options, LeftOutChunks& leftOut);
 
 /// Puts it into the plan, with a warning where names or texts are kept.
-void setLeftOut(const LeftOut& leftOut, const ConversionOptions& options, ConversionPlan& plan);
+void setLeftOut(const LeftOutChunks& leftOut, const ConversionOptions& options,
+                ConversionPlan& plan);
 
 }  // namespace corvana

@@ -15,7 +15,7 @@ constexpr Counterparts comments = {"ICMT", "ANNO"};
 template <typename Text, std::string (*decode)(ByteView)>
 class TextMapper {
  public:
-  TextMapper(TextRoom& room, std::vector<Text>& mapped, LeftOut& leftOut)
+  TextMapper(TextRoom& room, std::vector<Text>& mapped, LeftOutChunks& leftOut)
       : room_(room), mapped_(mapped), leftOut_(leftOut) {}
 
   void add(std::string_view from, std::string_view to, ByteView text) {
@@ -39,11 +39,11 @@ class TextMapper {
  private:
   TextRoom& room_;
   std::vector<Text>& mapped_;
-  LeftOut& leftOut_;
+  LeftOutChunks& leftOut_;
 };
 
 void mapTag(std::string_view id, ByteView tag, TextRoom& room, ByteBuffer& mapped,
-            LeftOut& leftOut) {
+            LeftOutChunks& leftOut) {
   if (tag.empty()) return;
   if (!room.take(tag.size())) return leftOut.add(id);
   mapped.assign(tag.begin(), tag.end());
@@ -51,7 +51,7 @@ void mapTag(std::string_view id, ByteView tag, TextRoom& room, ByteBuffer& mappe
 
 }  // namespace
 
-void mapTexts(const WavTextViews& wav, AiffTexts& aiff, LeftOut& leftOut) {
+void mapTexts(const WavTextViews& wav, AiffTexts& aiff, LeftOutChunks& leftOut) {
   TextRoom room;
   TextMapper<AiffText, decodeWavText> mapper(room, aiff.texts, leftOut);
   for (const Counterparts& text : singleTexts)
@@ -62,7 +62,7 @@ void mapTexts(const WavTextViews& wav, AiffTexts& aiff, LeftOut& leftOut) {
   mapTag("id3 ", wav.id3, room, aiff.id3, leftOut);
 }
 
-void mapTexts(const AiffTextViews& aiff, WavTexts& wav, LeftOut& leftOut) {
+void mapTexts(const AiffTextViews& aiff, WavTexts& wav, LeftOutChunks& leftOut) {
   TextRoom room;
   TextMapper<InfoText, decodeAiffText> mapper(room, wav.info, leftOut);
   for (const Counterparts& text : singleTexts)

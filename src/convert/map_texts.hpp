@@ -30,8 +30,8 @@ inline bool isEmptyText(ByteView text) {
 
 /// Adds texts and tag. Of a text that AIFF has once, the last one counts. What there is no room for
 /// is left out.
-void mapTexts(const WavTextViews& wav, AiffTexts& aiff, LeftOut& leftOut);
+void mapTexts(const WavTextViews& wav, AiffTexts& aiff, LeftOutChunks& leftOut);
 /// The same the other way round. Comments that belong to a marker are not texts of the file.
-void mapTexts(const AiffTextViews& aiff, WavTexts& wav, LeftOut& leftOut);
+void mapTexts(const AiffTextViews& aiff, WavTexts& wav, LeftOutChunks& leftOut);
 
 }  // namespace corvana

@@ -74,7 +74,7 @@ ConversionPlan planAIFFToWAV(ByteView file, const ConversionOptions& options) {
                      .encoding = info.encoding};
   const AiffTextViews texts = options.keepsMore() ? findAiffTexts(file) : AiffTextViews();
   content.metadata = mapLoopsAndMarkers(info, content.frameCount, options, plan.warnings, texts);
-  LeftOut leftOut;
+  LeftOutChunks leftOut;
   addLeftOutOfAiff(file, options, leftOut);
   if (texts.hasFurtherComments) leftOut.add("COMT");
   if (options.keepTexts) mapTexts(texts, content.metadata.texts, leftOut);

@@ -71,7 +71,7 @@ ConversionPlan planWAVToAIFF(ByteView file, const ConversionOptions& options) {
                       .instrument = metadata.instrument,
                       .encoding = info.encoding,
                       .texts = {.comments = std::move(metadata.comments)}};
-  LeftOut leftOut;
+  LeftOutChunks leftOut;
   addLeftOutOfWav(file, options, leftOut);
   if (options.keepTexts) mapTexts(texts, content.texts, leftOut);
   setLeftOut(leftOut, options, plan);

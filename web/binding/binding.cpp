@@ -232,6 +232,7 @@ CORVANA_EXPORT(plan) bool plan() {
       addOutput(object, plan.makesWAV(), plan.summary, plan.samples.frameCount, plan.outputSize());
       object["summary"] = makeSummary(plan.summary, language);
       object["warnings"] = jsonOf(plan.warnings, language);
+      object["leftOut"] = plan.leftOut;
       file.framesDone = 0;
       file.next = OpenFile::Next::header;
     } catch (const ConversionError& error) {

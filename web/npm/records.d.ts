@@ -32,6 +32,8 @@ export interface Conversion {
   /** Bytes. */
   outputSize: number;
   warnings: Warning[];
+  /** Chunks that the output has nothing of: their IDs, each once; "LIST INFO" for a list. */
+  leftOut: string[];
 }
 
 /** A loop that is not switched off. */
@@ -134,7 +136,7 @@ export interface FileInfo {
   }[];
   /** What a conversion would say. */
   conversion:
-    | { direction: Conversion["direction"]; summary: string; warnings: Warning[] }
+    | Pick<Conversion, "direction" | "summary" | "warnings" | "leftOut">
     | { error: { code: string; values: (number | string)[]; text: string } };
 }
 

@@ -82,7 +82,8 @@ for (const place of [library, ...given]) {
         const whole = { ...conversion, summary, outputSize: expected.bytes };
         log.push(...corvana.convertedLines(name, free, whole));
       }
-      const plain = commandLine.say(code, "--dry-run", place);
+      // A rehearsal also names the chunks that are left out.
+      const plain = commandLine.say(code, "--dry-run", place).replace(/^ {3}(?!⚠).*\n/gm, "");
       assert.ok(plain === log.map((line) => `${line}\n`).join(""), firstDifference(plain, log));
     });
 
