@@ -71,6 +71,53 @@ class Program : public testing::Test {
 
 const std::string summary = "  [16-bit, mono, 44100 Hz]\n";
 
+TEST_F(Program, GivesFewerLoopsAndKeysFromNamesOnRequest) {
+  const ByteBuffer sound = data(ByteBuffer(8));
+  in.write("loops.wav",
+           wav({fmt({}), sound, smpl(60, 0, {{0, 0, 9, 9, 0}, {0, 0, 1, 2, 3}, {0, 0, 0, 3, 0}})}));
+  in.write("loops.aiff",
+           aiff({comm({.frames = 4}), mark({{1, 0, ""}, {2, 3, ""}}),
+                 inst(AiffInstrument{.sustainLoop = {1, 7, 8}, .releaseLoop = {1, 1, 2}}),
+                 ssnd(ByteBuffer(8))}));
+  in.write("Bass A2.wav", wav({fmt({}), sound}));
+  in.write("C4.aif", aiff({comm({.frames = 4}), ssnd(ByteBuffer(8))}));
+  const struct {
+    std::vector<std::string> options;
+    const char *input, *log;  ///< behind the names
+  } cases[] = {
+      {{"--no-loops"}, "loops.wav", "root key 60]"},
+      {{"--first-loop-only"},
+       "loops.wav",
+       "root key 60, 1 loop, 2 markers]\n"
+       "   ⚠︎ Loop 1 is invalid (start 9, end 9) – skipped.\n"
+       "   ⚠︎ Loop 2: a play count of 3"},
+      {{"--no-loops"}, "loops.aiff", "root key 0, 2 cue points]\n"},
+      {{"--first-loop-only"}, "loops.aiff", "root key 0, 1 loop]\n   ⚠︎ Sustain loop: the"},
+      {{"--root-from-name"},
+       "Bass A2.wav",
+       "root key 45]\n   ⚠︎ Root key 45 is taken from the file's"},
+      {{"--root-from-name", "--middle-c", "C3"}, "C4.aif", "root key 72]\n   ⚠︎ Root key 72"},
+      {{"--root-from-name"}, "loops.wav", "root key 60, 2 loops"},
+  };
+  for (const auto& c : cases) {
+    std::vector<std::string> arguments = {"--verify", "--quiet", "--output", "out", c.input};
+    arguments.insert(arguments.end(), c.options.begin(), c.options.end());
+    EXPECT_NE(run(arguments).output.find(c.log), std::string::npos)
+        << c.options[0] << ' ' << run(arguments).output;
+  }
+  EXPECT_EQ(run({"--no-loops", "--first-loop-only", "loops.wav"}).status, 2);
+}
+
+TEST_F(Program, ConvertsBackToTheLastByteOnRequest) {
+  const ByteBuffer original = wav({fmt({}), wavChunk("bext", bytes("'x'")), data(ByteBuffer(8)),
+                                   smpl(60, 0, {{0, 2, 0, 3, 7}})});
+  in.write("a.wav", original);
+  ASSERT_EQ(run({"--reversible", "--verify", "a.wav"}).status, 0);
+  const Outcome back = run({"--reversible", "--verify", "--json", "--output", "back", "a.aif"});
+  EXPECT_NE(back.output.find(R"("restored":true)"), std::string::npos) << back.output;
+  EXPECT_EQ(readFile(in / "back/a.wav"), original);
+}
+
 TEST_F(Program, ConvertsAnyEncodingOnRequest) {
   in.write("f.wav", wav({fmt({3, 1, 44100, 4, 32}), data({1, 0, 0xC0, 0x7F})}));
   in.write("x.wav", bytes("'RIFX' 00000024 'WAVE' 'fmt ' 00000010 0001 0001 0000AC44 00015888 0002 "

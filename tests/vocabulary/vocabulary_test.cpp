@@ -2,6 +2,7 @@
 #include <limits>
 
 #include "vocabulary/messages.hpp"
+#include "vocabulary/note_name.hpp"
 #include "vocabulary/screen_text.hpp"
 #include "vocabulary/text_format.hpp"
 #include "vocabulary/unicode.hpp"
@@ -63,6 +64,29 @@ TEST(ScreenText, ReadableTextDrivesNoTerminal) {
   for (const auto& [text, readable] : cases)
     EXPECT_EQ(readableText(text), readable);
   EXPECT_EQ(readableLine("\na\n🎹\x1b\n"), bad + "a" + bad + "🎹" + bad + bad);
+}
+
+TEST(NoteName, IsFoundInNamesOfFiles) {
+  constexpr std::uint8_t none = 255;
+  const struct {
+    const char* name;
+    int note;  ///< with note 60 called C4
+  } cases[] = {
+      {"Piano C#3.wav", 49}, {"bass_a2.aif", 45},
+      {"Bb-1 soft.wav", 10}, {"Cb4", 59},
+      {"C-1.wav", 0},        {"G9", 127},
+      {"A9.wav", none},      {"C3 to D3.wav", 50},
+      {"60_Pad.wav", 60},    {"Pad 61", 61},
+      {"60 C3.wav", 48},     {"Take 20.wav", none},
+      {"Pad 109.wav", none}, {"Kick 060.wav", none},
+      {"B01.wav", none},     {"Abc3.wav", none},
+      {"éC3.wav", none},     {"H3.wav", none},
+      {"a 61 b.wav", none},  {"Loop-C3.wav", 48},
+      {".wav", none},        {"", none},
+  };
+  for (const auto& [name, note] : cases)
+    EXPECT_EQ(noteInFileName(name, 4).value_or(none), note) << name;
+  EXPECT_EQ(noteInFileName("C3", 3), 60);
 }
 
 TEST(Summary, NamesWhatIsThere) {
