@@ -25,6 +25,7 @@ TEST(Waveform, ReadsEveryWayOfStoringSamples) {
       {{.kind = integer, .sampleBytes = 4}, {0, 0, 0, 0xC0, 0, 0, 0, 0x20}, -0.5, 0.25},
       {{.kind = floating, .sampleBytes = 4}, {0, 0, 0, 0x3F, 0, 0, 0, 0xBF}, -0.5, 0.5},
       {{.kind = floating, .sampleBytes = 4, .order = big}, {0x3F, 0, 0, 0, 0, 0, 0, 0}, 0, 0.5},
+      {{.kind = floating, .sampleBytes = 4, .order = big}, {0x7F, 0xC0, 0, 0, 0, 0, 0, 0}, 0, 0},
   };
   for (const auto& [format, bytes, lowest, highest] : rows) {
     SCOPED_TRACE(testing::Message()

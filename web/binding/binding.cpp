@@ -8,7 +8,7 @@
 #include <algorithm>
 #include <cstdint>
 #include <cstdlib>
-#include <new>
+#include <exception>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -131,7 +131,7 @@ ByteView OpenFile::nextBlock() {
   }
 }
 
-/// The texts that JavaScript has put down, with a zero between them.
+/// The texts that JavaScript has put down, between them a byte that UTF-8 does not have.
 std::vector<std::string> takeTexts() {
   std::vector<std::string> texts(1);
   for (const char letter : std::exchange(text, {}))
@@ -148,7 +148,7 @@ bool done(const Action& action) {
   try {
     action();
     return true;
-  } catch (const std::bad_alloc&) {
+  } catch (const std::exception&) {  // bad_alloc, or length_error for what no memory could hold
     return false;
   }
 }
@@ -225,6 +225,7 @@ CORVANA_EXPORT(plan) bool plan() {
   return done([] {
     Json object;
     file.plan.reset();
+    file.next = OpenFile::Next::nothing;
     try {
       const ConversionPlan& plan = file.plan.emplace(planConversion(file.content()));
       object["direction"] = directionCode(plan.makesWAV());
@@ -235,7 +236,6 @@ CORVANA_EXPORT(plan) bool plan() {
       file.next = OpenFile::Next::header;
     } catch (const ConversionError& error) {
       object["error"] = jsonOf(failureOf(error, language));
-      file.next = OpenFile::Next::nothing;
     }
     text = textOf(object);
   });
@@ -307,14 +307,13 @@ CORVANA_EXPORT(freeOutputName) bool nameForOutput(bool isAIFF) {
   });
 }
 
-/// Of input name, output name, summary and warnings: the log's lines, a line feed between them.
+/// Of input name, output name, summary and warnings: the log's lines, as a list in JSON.
 CORVANA_EXPORT(convertedLines) bool linesOfConverted() {
   return done([] {
     std::vector<std::string> texts = takeTexts();
     texts.resize(std::max<std::size_t>(texts.size(), 3));
     const std::vector<std::string> warnings(texts.begin() + 3, texts.end());
-    for (const std::string& line : convertedLines(texts[0], texts[1], texts[2], warnings))
-      text.append(text.empty() ? "" : "\n").append(line);
+    text = textOf(convertedLines(texts[0], texts[1], texts[2], warnings));
   });
 }
 

@@ -25,7 +25,15 @@ export function outOfMemory(language) {
   return new ConversionError("out-of-memory", localised("Not enough memory.", language));
 }
 
-const module = await WebAssembly.compile(Uint8Array.from(atob(wasm), (c) => c.charCodeAt(0)));
+/** @type {WebAssembly.Module | undefined} */
+let module;
+
+/** Compiled when it is first needed; every instance is of the same one. */
+function theModule() {
+  module ??= new WebAssembly.Module(Uint8Array.from(atob(wasm), (c) => c.charCodeAt(0)));
+  return module;
+}
+
 const encoder = new TextEncoder();
 const decoder = new TextDecoder("utf-8", { ignoreBOM: true });
 
@@ -63,7 +71,9 @@ export class Engine {
     this.language = english;
     /** @type {(name: string) => boolean} */
     this.mayTake = () => true;
-    const instance = new WebAssembly.Instance(module, {
+    /** Whether a call has ended otherwise than it should, so that its memory may be in disorder. */
+    this.isBroken = false;
+    const instance = new WebAssembly.Instance(theModule(), {
       corvana: {
         localised: (/** @type {number} */ key) =>
           this.putText(localised(this.#textOf(key), this.language)),
@@ -125,12 +135,26 @@ export class Engine {
    */
   answer(call, ...texts) {
     if (texts.length > 0) this.putText(...texts);
-    if (!call()) throw outOfMemory(this.language);
+    if (!this.call(call)) throw outOfMemory(this.language);
     return this.text();
   }
 
-  /** Whether its memory, which never shrinks, is worth keeping for another file. */
-  isSmall() {
-    return this.exports.memory.buffer.byteLength <= 64 * 2 ** 20;
+  /**
+   * What a function of the module gives.
+   * @template Value
+   * @param {() => Value} call
+   */
+  call(call) {
+    try {
+      return call();
+    } catch (error) {
+      this.isBroken = true;
+      throw error;
+    }
+  }
+
+  /** Whether it can hold another file: its memory never shrinks. */
+  isReusable() {
+    return !this.isBroken && this.exports.memory.buffer.byteLength <= 64 * 2 ** 20;
   }
 }

@@ -65,7 +65,7 @@ export function convert(bytes, options) {
 
 /**
  * The picture of a stretch of whole frames that was cut out of a file, for zooming: the lowest and
- * the highest value of each of `columns` parts, -1 to 1. Null where there is none.
+ * the highest value of each of `columns` parts, in parts of full scale. Null where there is none.
  * @param {Uint8Array} frames
  * @param {SampleLayout} layout
  * @param {number} columns

@@ -65,7 +65,7 @@ export function freeOutputName(inputName, format, mayTake) {
 export function convertedLines(inputName, outputName, { summary, warnings }) {
   const engine = anyEngine();
   const texts = [inputName, outputName, summary, ...warnings.map((warning) => warning.text)];
-  return engine.answer(engine.exports.convertedLines, ...texts).split("\n");
+  return JSON.parse(engine.answer(engine.exports.convertedLines, ...texts));
 }
 
 /** What it says of a file that could not be converted. */

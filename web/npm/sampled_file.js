@@ -19,6 +19,7 @@ const idle = [];
 
 /** An engine for something short that needs no file. */
 export function anyEngine(language = english) {
+  if (idle[0]?.isBroken) idle.pop();
   const engine = idle[0] ?? new Engine();
   if (idle.length === 0) idle.push(engine);
   engine.language = language;
@@ -112,7 +113,7 @@ export class SampledFile {
     this.#isPlanned = false;
     for (;;) {
       const engine = this.#open();
-      const at = engine.exports.nextBlock();
+      const at = engine.call(engine.exports.nextBlock);
       const size = engine.exports.blockSize();
       if (size === 0) return;
       if (at === 0) throw outOfMemory(engine.language);
@@ -122,12 +123,15 @@ export class SampledFile {
 
   /**
    * The picture of `count` frames from `first` on, all channels in one: the lowest and the highest
-   * value of each of `columns` stretches, -1 to 1. Null where no waveform can be drawn.
+   * value of each of `columns` stretches, in parts of full scale. Null where no waveform can be
+   * drawn.
    * @param {number} first
    * @param {number} count
    * @param {number} columns
    */
   waveform(first, count, columns) {
+    if (![first, count, columns].every((number) => Number.isSafeInteger(number) && number >= 0))
+      throw new RangeError("Frames and columns are whole numbers from 0 on.");
     const layout = this.layout();
     if (!layout) return null;
     const begin = Math.min(first * layout.frameBytes, layout.dataSize);
@@ -143,19 +147,20 @@ export class SampledFile {
    * @param {number} columns
    */
   waveformAt(offset, size, layout, columns) {
-    const { exports } = this.#open();
+    const engine = this.#open();
     const format = [layout.channels, layout.sampleBytes].concat(
       [layout.isFloatingPoint, layout.isBigEndian, layout.isUnsigned].map(Number),
     );
-    const at = exports.waveform(offset, size, ...format, columns) >>> 0;
-    return at === 0 ? null : new Float32Array(exports.memory.buffer, at, 2 * columns).slice();
+    const { waveform, memory } = engine.exports;
+    const at = engine.call(() => waveform(offset, size, ...format, columns)) >>> 0;
+    return at === 0 ? null : new Float32Array(memory.buffer, at, 2 * columns).slice();
   }
 
   /** Gives the memory back. Nothing else may be called then. */
   close() {
     const engine = this.#engine;
     this.#engine = null;
-    if (!engine?.isSmall() || idle.length > 0) return;
+    if (!engine?.isReusable() || idle.length > 0) return;
     engine.exports.release();
     idle.push(engine);
   }
@@ -172,8 +177,12 @@ export class SampledFile {
  * @param {Language} [options.language] of the error
  */
 export async function open(content, { onProgress, signal, language } = {}) {
-  if (!(content instanceof Blob)) return openBytes(content, language);
   signal?.throwIfAborted();
+  if (!(content instanceof Blob)) {
+    const file = openBytes(content, language);
+    onProgress?.(1);
+    return file;
+  }
   const file = new SampledFile(content.size, language);
   const sliceSize = 8 * 2 ** 20;
   try {
@@ -181,8 +190,9 @@ export async function open(content, { onProgress, signal, language } = {}) {
       const slice = await content.slice(at, at + sliceSize).arrayBuffer();
       signal?.throwIfAborted();
       file.put(at, new Uint8Array(slice));
-      onProgress?.(Math.min((at + sliceSize) / content.size, 1));
+      if (at + sliceSize < content.size) onProgress?.((at + sliceSize) / content.size);
     }
+    onProgress?.(1);
     return file;
   } catch (error) {
     file.close();

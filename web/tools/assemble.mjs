@@ -48,9 +48,7 @@ function notices() {
     "/usr/share/doc/nlohmann-json3-dev/copyright",
     "/usr/share/emscripten/system/lib/libc/musl/COPYRIGHT",
   ];
-  const texts = parts
-    .filter((file) => fs.existsSync(file))
-    .map((file) => fs.readFileSync(file, "utf8"));
+  const texts = parts.map((file) => fs.readFileSync(file, "utf8"));
   return `corvana.wasm contains JSON for Modern C++ and the C library musl.\n\n${texts.join("\n\n")}`;
 }
 
