@@ -45,9 +45,11 @@ export class List {
     onColours(() => this.#redraw());
     onLanguage(() => {
       for (const viewer of this.#viewers.values()) viewer.showTexts();
-      // The next frame has enough to do with the page itself.
-      requestAnimationFrame(() => {
+      // The next frame has enough to do with laying out the page in another language.
+      cancelAnimationFrame(this.#frame);
+      this.#frame = requestAnimationFrame(() => {
         for (const { row } of this.#views.values()) this.#changed.add(row);
+        this.#frame = 0;
         this.#next();
       });
     });
