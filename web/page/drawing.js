@@ -96,12 +96,15 @@ export function drawLarge(canvas, { columns, view, loops, markers }, width, heig
 
   const placed = [];
   context.strokeStyle = colour.marker;
-  for (const { position, label } of markers) {
-    const x = xOf(position, view, width);
-    if (x < 0 || x > width) continue;
+  const visible = markers
+    .map(({ position, label }) => ({ x: xOf(position, view, width), label }))
+    .filter(({ x }) => x >= 0 && x <= width);
+  for (const [at, { x, label }] of visible.entries()) {
+    // Among many, its line would be one of a wall before the wave.
+    const room = Math.max(x - (visible[at - 1]?.x ?? -4), (visible[at + 1]?.x ?? width + 4) - x);
     context.beginPath();
-    context.setLineDash([3, 3]);
-    context.moveTo(x, top);
+    context.setLineDash(room < 4 ? [] : [3, 3]);
+    context.moveTo(x, room < 4 ? height - bottom : top);
     context.lineTo(x, height - bottom + 6);
     context.stroke();
     placed.push({ x, label, width: context.measureText(label).width + 6 });
@@ -202,14 +205,24 @@ function drawWave(context, columns, view, { x, y, width, height }) {
   const perPixel = (columns.values.length / 2 / columns.count) * (view.count / width);
   if (perPixel < 0.7) return drawPoints(context, columns, view, { x, y, width, height });
   const values = extents(columns, view, width);
+  context.save();
+  context.beginPath();
+  context.rect(x, y, width, height);
+  context.clip();
   context.beginPath();
   for (let at = 0; at < width; ++at) {
-    if (Number.isNaN(values[2 * at])) continue;
-    const high = middle + values[2 * at + 1] * scale;
-    const low = middle + values[2 * at] * scale;
-    context.rect(x + at, high, 1, Math.max(low - high, 1));
+    let [foot, top] = [values[2 * at], values[2 * at + 1]];
+    if (Number.isNaN(foot)) continue;
+    // Each reaches to the one before it, so that there are no gaps.
+    if (at > 0 && !Number.isNaN(values[2 * at - 2])) {
+      top = Math.max(top, values[2 * at - 2]);
+      foot = Math.min(foot, values[2 * at - 1]);
+    }
+    const high = middle + top * scale;
+    context.rect(x + at, high, 1, Math.max(middle + foot * scale - high, 1));
   }
   context.fill();
+  context.restore();
 }
 
 /** Fewer values than pixels: lines from one to the next, and points where there is room.
@@ -222,6 +235,10 @@ function drawPoints(context, { first, count, values, scale }, view, { y, width, 
   const end = Math.min(Math.ceil((view.first + view.count - first) / step) + 1, number);
   const xAt = (/** @type {number} */ at) => xOf(first + (at + 0.5) * step, view, width);
   const yAt = (/** @type {number} */ value) => y + (height / 2) * (1 - value * scale);
+  context.save();
+  context.beginPath();
+  context.rect(0, y, width, height);
+  context.clip();
   context.lineJoin = "round";
   context.lineWidth = 1.5;
   context.beginPath();
@@ -232,12 +249,12 @@ function drawPoints(context, { first, count, values, scale }, view, { y, width, 
   context.fill();
   context.globalAlpha = 1;
   context.stroke();
-  context.lineWidth = 1;
-  if ((step / view.count) * width < 7) return;
-  for (let at = begin; at < end; ++at)
+  const hasRoom = (step / view.count) * width >= 7;
+  for (let at = begin; at < end && hasRoom; ++at)
     for (const value of [values[2 * at], values[2 * at + 1]]) {
       context.beginPath();
       context.arc(xAt(at), yAt(value), 2.5, 0, 7);
       context.fill();
     }
+  context.restore();
 }

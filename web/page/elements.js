@@ -17,16 +17,6 @@ export function element(name, attributes = {}, ...content) {
 /** A name that is no text of the page: its direction of writing is its own. @param {string} name */
 export const foreign = (name) => element("bdi", {}, name);
 
-/** Text with names in its places. @param {string} text @param {string[]} names */
-export function withNames(text, names) {
-  let next = 0;
-  return text
-    .split(/(%(?:\d\$)?@)/)
-    .map((part, at) =>
-      at % 2 === 0 ? part : foreign(names[part.length > 2 ? Number(part[1]) - 1 : next++]),
-    );
-}
-
 /** An element of the page. @param {string} id @returns {HTMLElement} */
 export function byId(id) {
   const found = document.getElementById(id);

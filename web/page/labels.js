@@ -1,6 +1,6 @@
 // The texts of the page that do not change but with the language.
-import { version } from "./corvana/index.js";
-import { byId, element } from "./elements.js";
+import { fillText, version } from "./corvana/index.js";
+import { byId, element, foreign } from "./elements.js";
 import { localised, plain } from "./texts.js";
 
 /** @type {Record<string, () => string>} by id */
@@ -22,6 +22,8 @@ const texts = {
   "copy-log": () => localised("Copy Log"),
   clear: () => localised("Clear List"),
   "drop-text": () => localised("Drop to convert"),
+  "clearing-cancel": () => plain(localised("&Cancel")),
+  "clearing-go": () => localised("Discard"),
   "privacy-title": () => localised("Files stay on this machine. How to check"),
   "language-label": () => localised("Language"),
   version: () => localised("Corvana %@", [version]),
@@ -58,3 +60,11 @@ const proofs = () => [
     "No cookies, no third parties. The language and the options are remembered, in this browser only.",
   ),
 ];
+
+/** Text with names in its places. @param {string} text @param {string[]} names */
+export function withNames(text, names) {
+  const marks = names.map((_, at) => `\0${at}\0`);
+  return fillText(text, marks)
+    .split("\0")
+    .map((part, at) => (at % 2 === 0 ? part : foreign(names[Number(part)])));
+}

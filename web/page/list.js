@@ -11,6 +11,8 @@ import { Viewer } from "./viewer.js";
 
 /** What the list may take of a frame, in milliseconds. */
 const slice = 8;
+/** Rows that come and go with the filter in one frame: laying them out takes the time. */
+const mostFiltered = 200;
 
 export class List {
   #list = byId("list");
@@ -26,27 +28,36 @@ export class List {
   #visible = new Set();
   /** @type {Set<RowView>} */
   #undrawn = new Set();
+  #filter = "all";
+  /** @type {Set<RowView>} which the filter has not reached */
+  #unfiltered = new Set();
   #frame = 0;
   #observer = new IntersectionObserver((entries) => this.#see(entries), { rootMargin: "200px" });
   #sizes = new ResizeObserver(() => this.#redraw());
 
-  /** @param {(row: Row) => void} save @param {import("./queue.js").Helper} helper */
-  constructor(save, helper) {
-    this.save = save;
+  /** @param {Record<"save" | "retry", (row: Row) => void>} actions
+   * @param {import("./queue.js").Helper} helper */
+  constructor(actions, helper) {
+    this.actions = actions;
     this.helper = helper;
     this.#list.addEventListener("click", (event) => this.#click(event));
     this.#sizes.observe(this.#list);
     onColours(() => this.#redraw());
     onLanguage(() => {
-      for (const { row } of this.#views.values()) this.#changed.add(row);
       for (const viewer of this.#viewers.values()) viewer.showTexts();
-      this.#next();
+      // The next frame has enough to do with laying out the page in another language.
+      cancelAnimationFrame(this.#frame);
+      this.#frame = requestAnimationFrame(() => {
+        for (const { row } of this.#views.values()) this.#changed.add(row);
+        this.#frame = 0;
+        this.#next();
+      });
     });
   }
 
   /** @param {Row[]} rows */
   add(rows) {
-    this.#new.push(...rows);
+    this.#new = this.#new.concat(rows);
     this.#next();
   }
 
@@ -61,7 +72,7 @@ export class List {
     this.#observer.disconnect();
     for (const collection of [this.#views, this.#viewers, this.#changed, this.#visible])
       collection.clear();
-    this.#undrawn.clear();
+    for (const views of [this.#undrawn, this.#unfiltered]) views.clear();
     this.#new = [];
     this.#list.replaceChildren();
     this.filter("all");
@@ -69,7 +80,14 @@ export class List {
 
   /** @param {string} kept "all", "warned" or "failed" */
   filter(kept) {
-    this.#list.dataset.filter = kept;
+    this.#filter = kept;
+    this.#unfiltered = new Set(this.#views.values());
+    this.#next();
+  }
+
+  /** @param {RowView} view */
+  #sift({ row, element: item }) {
+    item.hidden = this.#filter !== "all" && row.state !== this.#filter;
   }
 
   #next() {
@@ -90,17 +108,25 @@ export class List {
       this.#changed.delete(row);
       this.#update(row);
     }
+    let left = mostFiltered;
+    for (const view of this.#unfiltered) {
+      if (left-- === 0) break;
+      this.#unfiltered.delete(view);
+      this.#sift(view);
+    }
     for (const view of this.#undrawn) {
       if (performance.now() >= end) break;
       this.#undrawn.delete(view);
       this.#draw(view);
     }
-    if (this.#new.length + this.#changed.size + this.#undrawn.size > 0) this.#next();
+    const all = [this.#changed, this.#unfiltered, this.#undrawn];
+    if (this.#new.length > 0 || all.some(({ size }) => size > 0)) this.#next();
   }
 
   /** @param {Row} row */
   #make(row) {
     const view = new RowView(row);
+    this.#sift(view);
     this.#views.set(row.id, view);
     this.#observer.observe(view.element);
     return view.element;
@@ -112,6 +138,7 @@ export class List {
     if (!view) return;
     const hadPicture = view.canvas !== null;
     view.update();
+    this.#sift(view);
     if (!hadPicture && view.canvas && this.#visible.has(view)) this.#undrawn.add(view);
   }
 
@@ -151,7 +178,7 @@ export class List {
     const view = this.#views.get(Number(/** @type {HTMLElement} */ (item)?.dataset.row));
     if (!button || !view) return;
     const action = button.getAttribute("data-action");
-    if (action === "save") this.save(view.row);
+    if (action === "save" || action === "retry") this.actions[action](view.row);
     if (action === "warnings") view.showMoreWarnings();
     if (action === "open") this.#toggle(view);
   }

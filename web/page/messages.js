@@ -43,14 +43,15 @@
  * @typedef {{ texts: Texts } | { action: "read" | "convert" | "create" | "write", reason: string }} Trouble */
 
 /**
- * From the worker. `refused`: the last answer, where it is taken in the folder.
+ * From the worker. `refused`: the last answer, where it is taken in the folder. `isBroken`: the
+ * engine can do no more.
  * @typedef {{ type: "ready" }
  *   | { type: "begun", id: number }
  *   | { type: "progress", id: number, fraction: number }
  *   | { type: "question", id: number, format: "aiff" | "wav", directory: string,
  *       refused: string | null }
  *   | { type: "converted", id: number, sound: Sound, conversions: Record<string, Conversion>,
- *       blob: Blob | null }
+ *       blob: Blob | null, isBroken: boolean }
  *   | { type: "written", id: number }
  *   | { type: "failed", id: number, trouble: Trouble, sound: Sound | null, isBroken: boolean }
  *   | { type: "stopped", id: number }

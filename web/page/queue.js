@@ -1,5 +1,6 @@
 // Hands jobs to a worker, one after another. A worker that dies costs the job it was at; another
 // goes on.
+import { languageCode } from "./texts.js";
 
 /** @typedef {import("./messages.js").Order} Order */
 /** @typedef {import("./messages.js").Report} Report */
@@ -29,7 +30,11 @@ export function startWorker() {
   const address = new URL("worker.js", import.meta.url).href;
   if (navigator.serviceWorker?.controller) return new Worker(address, { type: "module" });
   const text = new Blob([`import ${JSON.stringify(address)};`], { type: "text/javascript" });
-  return new Worker(URL.createObjectURL(text), { type: "module" });
+  const copy = URL.createObjectURL(text);
+  const worker = new Worker(copy, { type: "module" });
+  for (const type of ["message", "error"])
+    worker.addEventListener(type, () => URL.revokeObjectURL(copy), { once: true });
+  return worker;
 }
 
 /** How many orders lie with the worker, so that it never waits for the page. */
@@ -123,7 +128,7 @@ export class Queue {
       const answer = this.listener.name(taken.job, report);
       this.#worker?.postMessage({ type: "name", id: report.id, ...answer });
     } else if (report.type !== "zipped" && report.type !== "drawn") {
-      if (report.type === "failed" && report.isBroken) this.#restart();
+      if ("isBroken" in report && report.isBroken) this.#restart();
       this.#end(report);
     }
   }
@@ -174,14 +179,14 @@ export class Helper {
   /** @type {Worker | null} */
   #worker = null;
   #nextId = 0;
-  /** @type {Map<number, { resolve: (report: Report) => void, reject: (error: Error) => void,
+  /** @type {Map<number, { resolve: (report: Report) => void, reject: (error: unknown) => void,
    *   onProgress: (fraction: number) => void }>} */
   #asked = new Map();
   /** @type {Promise<unknown>} */
   #ready = Promise.resolve();
 
   constructor() {
-    this.#worker = this.#start();
+    this.#start();
   }
 
   /** Settles when the worker is loaded, or cannot be. */
@@ -195,18 +200,19 @@ export class Helper {
    * @param {(fraction: number) => void} [onProgress]
    * @returns {Promise<Report>}
    */
-  async ask(orderOf, onProgress = () => {}) {
-    const worker = (this.#worker ??= this.#start());
-    await this.#ready;
+  ask(orderOf, onProgress = () => {}) {
+    const worker = this.#worker ?? this.#start();
     const id = this.#nextId++;
     return new Promise((resolve, reject) => {
+      // From now on the end of the worker settles it as well.
       this.#asked.set(id, { resolve, reject, onProgress });
-      worker.postMessage(orderOf(id));
+      this.#ready.then(() => worker.postMessage(orderOf(id))).catch(reject);
     });
   }
 
   #start() {
     const worker = startWorker();
+    this.#worker = worker;
     this.#ready = new Promise((resolve, reject) => {
       worker.onmessage = ({ data }) => {
         resolve(null);
@@ -214,13 +220,15 @@ export class Helper {
       };
       worker.onerror = (event) => {
         event.preventDefault();
-        const error = new Error(event.message);
-        this.#worker = null;
-        for (const { reject } of this.#asked.values()) reject(error);
+        worker.terminate();
+        if (worker === this.#worker) this.#worker = null;
+        const error = new Error(event.message || "worker");
+        for (const asked of this.#asked.values()) asked.reject(error);
         this.#asked.clear();
         reject(error);
       };
     });
+    this.#ready.catch(() => {});
     return worker;
   }
 
@@ -231,7 +239,8 @@ export class Helper {
     if (report.type === "progress") asked?.onProgress(report.fraction);
     if (!asked || report.type === "progress" || report.type === "begun") return;
     this.#asked.delete(report.id);
-    if (report.type !== "failed") asked.resolve(report);
-    else asked.reject(new Error("reason" in report.trouble ? report.trouble.reason : ""));
+    if (report.type !== "failed") return asked.resolve(report);
+    const { trouble } = report;
+    asked.reject(new Error("texts" in trouble ? trouble.texts[languageCode()] : trouble.reason));
   }
 }

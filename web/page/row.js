@@ -9,7 +9,7 @@ const firstWarnings = 4;
 const moreWarnings = 500;
 
 /** @param {Row} row */
-export function stateText({ state, fraction }) {
+export function stateText({ state, fraction, output }) {
   switch (state) {
     case "waiting":
       return localised("Waiting");
@@ -20,7 +20,7 @@ export function stateText({ state, fraction }) {
     case "warned":
       return localised("Converted, with warnings");
     case "failed":
-      return localised("Failed");
+      return output?.blob ? localised("Not written") : localised("Failed");
     case "stopped":
       return localised("Stopped");
     default:
@@ -34,9 +34,15 @@ export class RowView {
   #state = element("span", { class: "state" });
   #facts = element("span", { class: "facts" });
   #result = element("p", { class: "result" });
+  #name;
   #warnings = element("div", { class: "warnings" });
+  #more = element("button", { type: "button", class: "more", "data-action": "warnings" });
   #bar = element("span", { class: "fraction" });
   #actions = element("div", { class: "actions" });
+  /** Its buttons stay the same: one of them may have the focus. */
+  #save = element("button", { type: "button", "data-action": "save" }, icon("save"), "");
+  #retry = element("button", { type: "button", "data-action": "retry" });
+  #written = element("span", { class: "written" });
   #shown = "";
   #mostWarnings = firstWarnings;
   /** @type {HTMLCanvasElement | null} */
@@ -47,6 +53,7 @@ export class RowView {
   /** @param {Row} row */
   constructor(row) {
     this.row = row;
+    this.#name = element("h3", { tabindex: "-1" }, foreign(row.name));
     this.element = element(
       "li",
       { class: "row", id: `row-${row.id}`, "data-row": `${row.id}` },
@@ -54,10 +61,11 @@ export class RowView {
       element(
         "div",
         { class: "what" },
-        element("h3", {}, foreign(row.name)),
+        this.#name,
         element("p", { class: "about" }, this.#state, this.#facts),
         this.#result,
         this.#warnings,
+        this.#more,
       ),
       this.#actions,
       this.#bar,
@@ -80,6 +88,7 @@ export class RowView {
       path,
       !!output?.blob,
       failure?.en,
+      row.retry,
       this.#mostWarnings,
     ].join();
     if (shown === this.#shown) return;
@@ -114,7 +123,7 @@ export class RowView {
       parts.push(
         element("span", { class: "arrow", "aria-hidden": "true" }, "→ "),
         element("span", { class: "spoken" }, `${localised("Output:")} `),
-        element("strong", {}, foreign(path)),
+        element("strong", { title: path }, foreign(path)),
         ` ${conversions[languageCode()].summary}`,
       );
     }
@@ -125,20 +134,25 @@ export class RowView {
   #showWarnings() {
     const warnings = this.row.conversions?.[languageCode()].warnings ?? [];
     const shown = warnings.slice(0, this.#mostWarnings);
-    /** @type {HTMLElement[]} */
-    const items = shown.map(({ text }) => element("p", {}, text));
-    if (shown.length < warnings.length) {
-      const count = warnings.length - shown.length;
-      const more = element("button", { type: "button", class: "more", "data-action": "warnings" });
-      more.textContent = localisedCount("%ld further warning.", "%ld further warnings.", count);
-      items.push(more);
-    }
-    this.#warnings.replaceChildren(...items);
+    this.#warnings.replaceChildren(...shown.map(({ text }) => element("p", {}, text)));
+    const count = warnings.length - shown.length;
+    this.#more.textContent = localisedCount("%ld further warning.", "%ld further warnings.", count);
+    this.#offer(this.#more, count > 0);
   }
 
   showMoreWarnings() {
+    const shown = this.#warnings.children.length;
     this.#mostWarnings += moreWarnings;
     this.update();
+    const next = /** @type {HTMLElement | undefined} */ (this.#warnings.children[shown]);
+    next?.setAttribute("tabindex", "-1");
+    next?.focus();
+  }
+
+  /** Before it goes, the focus goes to the row's name. @param {HTMLElement} button @param {boolean} isShown */
+  #offer(button, isShown) {
+    if (!isShown && document.activeElement === button) this.#name.focus();
+    button.hidden = !isShown;
   }
 
   #showPicture() {
@@ -164,20 +178,19 @@ export class RowView {
   }
 
   #showActions() {
-    const { output } = this.row;
-    const parts = [];
+    const { output, retry } = this.row;
+    if (!output && !retry && !this.#actions.hasChildNodes()) return;
     if (output?.blob) {
-      const label = localised("Save %@", [output.name]);
-      const save = element("button", {
-        type: "button",
-        "data-action": "save",
-        "aria-label": label,
-      });
-      save.append(icon("save"), localised("Save"));
-      parts.push(save);
-    } else if (output) {
-      parts.push(element("span", { class: "written" }, localised("Written")));
+      this.#save.setAttribute("aria-label", localised("Save %@", [output.name]));
+      this.#save.lastChild?.replaceWith(localised("Save"));
     }
-    this.#actions.replaceChildren(...parts);
+    this.#retry.textContent = localised("Try Again");
+    this.#retry.setAttribute("aria-label", localised("Try Again: %@", [this.row.name]));
+    this.#written.textContent = localised("Written");
+    this.#offer(this.#save, !!output?.blob);
+    this.#offer(this.#retry, retry !== null);
+    this.#written.hidden = !output || !!output.blob;
+    if (!this.#actions.hasChildNodes())
+      this.#actions.append(this.#save, this.#retry, this.#written);
   }
 }

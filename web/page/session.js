@@ -28,12 +28,14 @@ import { inEveryLanguage, localised } from "./texts.js";
  * @property {Record<string, Conversion> | null} conversions by language
  * @property {Texts | null} failure why it is not converted, or its output not written
  * @property {Output | null} output
+ * @property {Job["kind"] | null} retry what can be tried again
  */
 /**
  * @typedef {object} Output
  * @property {string} directory
  * @property {string} name
  * @property {Blob | null} blob null where it is in the chosen folder
+ * @property {boolean} isSaved it is no longer in this page alone
  */
 /** @typedef {{ row: Row, kind: "convert" | "write", target: { directory: string, name: string } | null }} Job */
 
@@ -42,7 +44,7 @@ import { inEveryLanguage, localised } from "./texts.js";
  * @property {(rows: Row[]) => void} added
  * @property {(row: Row) => void} changed
  * @property {() => void} progressed the status has changed
- * @property {() => void} started
+ * @property {(kind: Job["kind"]) => void} started
  * @property {() => void} ended
  */
 
@@ -52,10 +54,13 @@ const emptyRun = () => ({
   total: 0,
   finished: 0,
   fraction: 0,
-  converted: 0,
+  /** Files that were to be converted, whatever came of them. */
+  processed: 0,
   warned: 0,
   failed: 0,
+  /** Outputs that were in memory. */
   written: 0,
+  unwritten: 0,
   stopped: 0,
   isRunning: false,
   /** @type {Job | null} */
@@ -70,6 +75,8 @@ export class Session {
   /** @type {FileSystemDirectoryHandle | null} */
   folder = null;
   #names = new OutputNames(freeOutputName);
+  /** @type {Set<Row>} whose outputs are on their way from memory to the folder */
+  #toWrite = new Set();
   /** @type {Queue<Job>} */
   #queue;
 
@@ -91,7 +98,7 @@ export class Session {
     const counts = { all: this.rows.length, warned: 0, failed: 0, kept: 0 };
     for (const { state, output } of this.rows) {
       if (state === "warned") ++counts.warned;
-      if (state === "failed" || state === "left") ++counts.failed;
+      if (state === "failed") ++counts.failed;
       if (output?.blob) ++counts.kept;
     }
     return counts;
@@ -99,6 +106,11 @@ export class Session {
 
   get isBusy() {
     return this.#queue.isBusy;
+  }
+
+  /** The outputs that are in this page and nowhere else. */
+  get unsaved() {
+    return this.rows.flatMap(({ output }) => (output?.blob && !output.isSaved ? [output] : []));
   }
 
   /** Converts files at once. @param {Found} found */
@@ -126,7 +138,7 @@ export class Session {
 
   /** @param {Pick<Row, "directory" | "name" | "open" | "state" | "failure">} parts */
   #addRow(parts) {
-    const rest = { fraction: 0, sound: null, conversions: null, output: null };
+    const rest = { fraction: 0, sound: null, conversions: null, output: null, retry: null };
     const row = { ...parts, ...rest, id: this.rows.length };
     this.rows.push(row);
     return row;
@@ -141,13 +153,27 @@ export class Session {
       this.#names.forgetRefused();
     }
     this.run.total += jobs.length;
+    for (const { row, kind } of jobs) {
+      row.retry = null;
+      if (kind === "write") this.#toWrite.add(row);
+    }
     this.#queue.add(jobs, first);
-    if (this.run.finished === 0) this.listener.started();
+    if (this.run.finished === 0) this.listener.started(jobs[0].kind);
     this.listener.progressed();
   }
 
   stop() {
     this.#queue.stop();
+  }
+
+  /** Once more what has failed for a reason that may be gone, or was stopped. @param {Row} row */
+  retry(row) {
+    const kind = row.retry;
+    if (!kind) return;
+    row.failure = null;
+    row.state = kind === "convert" ? "waiting" : convertedState(row);
+    this.#start([{ row, kind, target: null }]);
+    this.#changed(row);
   }
 
   /** Only while nothing runs. */
@@ -167,8 +193,13 @@ export class Session {
   /** @param {Row[]} rows @returns {Job[]} */
   #writings(rows) {
     return rows
-      .filter((row) => row.output?.blob)
+      .filter((row) => row.output?.blob && !this.#toWrite.has(row))
       .map((row) => ({ row, kind: "write", target: null }));
+  }
+
+  /** Whether the tree cannot change, since outputs are being written. */
+  get isWriting() {
+    return this.folder !== null && this.isBusy;
   }
 
   /** @param {boolean} subfolder */
@@ -185,6 +216,13 @@ export class Session {
     return this.rows.flatMap(({ output }) =>
       output?.blob ? [{ path: joined(output.directory, output.name), blob: output.blob }] : [],
     );
+  }
+
+  /** They are in the user's hands now. @param {{ blob: Blob }[]} items */
+  saved(items) {
+    const blobs = new Set(items.map(({ blob }) => blob));
+    for (const { output } of this.rows)
+      if (output?.blob && blobs.has(output.blob)) output.isSaved = true;
   }
 
   /** @param {Job} job @param {number} id @returns {Promise<import("./messages.js").Order>} */
@@ -261,18 +299,24 @@ export class Session {
     run.fraction = 0;
     if (ending.type === "stopped") ++run.stopped;
     else ++run.finished;
+    if (ending.type !== "stopped" && kind === "convert") ++run.processed;
+    this.#toWrite.delete(row);
     if (ending.type === "converted") {
       row.sound = ending.sound;
       row.conversions = ending.conversions;
-      row.state = ending.conversions.en.warnings.length > 0 ? "warned" : "converted";
-      row.output = { ...(target ?? { directory: "", name: "" }), blob: ending.blob };
+      row.state = convertedState(row);
+      row.output = {
+        ...(target ?? { directory: "", name: "" }),
+        blob: ending.blob,
+        isSaved: false,
+      };
       if (ending.blob) this.#keep(row);
-      ++run.converted;
       if (row.state === "warned") ++run.warned;
       if (ending.blob && this.folder) this.#start(this.#writings([row]), true);
     } else if (ending.type === "written") {
-      row.output = { .../** @type {NonNullable<typeof target>} */ (target), blob: null };
-      row.state = row.conversions?.en.warnings.length ? "warned" : "converted";
+      const place = /** @type {NonNullable<typeof target>} */ (target);
+      row.output = { ...place, blob: null, isSaved: true };
+      row.state = convertedState(row);
       row.failure = null;
       ++run.written;
     } else {
@@ -282,9 +326,14 @@ export class Session {
         row.sound ??= ending.sound;
         row.state = "failed";
         row.failure = failureTexts(job, ending.trouble);
-        ++run.failed;
-      } else if (kind === "convert") {
-        row.state = "stopped";
+        const { trouble } = ending;
+        if ("action" in trouble && ["create", "write"].includes(trouble.action)) ++run.unwritten;
+        else ++run.failed;
+        // What the engine says of a file, it would say again.
+        if ("action" in trouble) row.retry = kind;
+      } else {
+        row.retry = kind;
+        if (kind === "convert") row.state = "stopped";
       }
     }
     row.fraction = 0;
@@ -309,15 +358,21 @@ export class Session {
 const reasonOf = (reason) =>
   reason instanceof Error ? reason.message || reason.name : String(reason);
 
+/** @param {Row} row @returns {State} */
+const convertedState = ({ conversions }) =>
+  conversions?.en.warnings.length ? "warned" : "converted";
+
 /** @param {Job} job @param {Trouble} trouble @returns {Texts} */
 function failureTexts({ row, target }, trouble) {
   if ("texts" in trouble) return trouble.texts;
   const { action, reason } = trouble;
   const input = joined(row.directory, row.name);
-  const output = target ? joined(target.directory, target.name) : input;
+  const output = target && joined(target.directory, target.name);
   return inEveryLanguage(() => {
-    if (action === "create") return localised("Cannot create '%1$@': %2$@", [output, reason]);
-    if (action === "write") return localised("Cannot write '%1$@': %2$@", [output, reason]);
+    if (action === "create" && output)
+      return localised("Cannot create '%1$@': %2$@", [output, reason]);
+    if (action === "write" && output)
+      return localised("Cannot write '%1$@': %2$@", [output, reason]);
     if (action === "read") return localised("Cannot read '%1$@': %2$@", [input, reason]);
     return localised("The conversion has broken off: %@", [reason]);
   });

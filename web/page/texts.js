@@ -31,9 +31,11 @@ export function localised(text, values) {
   return values ? engine.fillText(found, values.map(String)) : found;
 }
 
-/** @param {string} singular @param {string} plural @param {number} count */
-export function localisedCount(singular, plural, count) {
-  return engine.localisedCount(singular, plural, count, current.catalogue ?? grouping);
+/** @param {string} singular @param {string} plural @param {number} count
+ * @param {string[]} [values] for its places besides the count */
+export function localisedCount(singular, plural, count, values) {
+  const found = engine.localisedCount(singular, plural, count, current.catalogue ?? grouping);
+  return values ? engine.fillText(found, values) : found;
 }
 
 /**

@@ -26,7 +26,14 @@ export class Viewer {
   #canvas = element("canvas");
   #stage = element("div", { class: "stage", tabindex: "0", role: "group" }, this.#canvas);
   #slider = element("input", { type: "range", min: "0", max: `${steps}`, step: "any" });
-  #tools = element("div", { class: "viewer-tools" });
+  #zoomIn = button("", () => this.#zoom(0.5));
+  #zoomOut = button("", () => this.#zoom(2));
+  #showAll = button("", () => this.#go({ first: 0, count: this.frames }));
+  #tools = element(
+    "div",
+    { class: "viewer-tools" },
+    ...[this.#zoomIn, this.#zoomOut, this.#showAll],
+  );
   #places = element("p", { class: "places figures" });
   #lists = element("div", { class: "marks" });
   #hint = element("p", { class: "hint" });
@@ -85,20 +92,11 @@ export class Viewer {
     this.#hint.textContent = localised(
       "Keys: + and − zoom, arrows scroll, Home and End go to the ends. The mouse wheel zooms when the waveform is selected, or with Ctrl.",
     );
-    this.#tools.replaceChildren(
-      this.#button(localised("Zoom In"), () => this.#zoom(0.5)),
-      this.#button(localised("Zoom Out"), () => this.#zoom(2)),
-      this.#button(localised("Show All"), () => this.#go({ first: 0, count: this.frames })),
-    );
+    this.#zoomIn.textContent = localised("Zoom In");
+    this.#zoomOut.textContent = localised("Zoom Out");
+    this.#showAll.textContent = localised("Show All");
     this.#showLists();
     this.draw();
-  }
-
-  /** @param {string} text @param {() => void} action */
-  #button(text, action) {
-    const button = element("button", { type: "button" }, text);
-    button.addEventListener("click", action);
-    return button;
   }
 
   #showLists() {
@@ -127,9 +125,11 @@ export class Viewer {
     const { start, end } = loop;
     if (start === null || end === null)
       return element("tr", {}, cell(loopName(loop)), cell(loopType(loop)), cell("–"), cell("–"));
-    const show = this.#button(loopName(loop), () => this.#go(around(start, end + 1, this.frames)));
-    show.className = "more";
     const frames = `${figure(start)} – ${figure(end)}`;
+    if (end < start)
+      return element("tr", {}, cell(loopName(loop)), cell(loopType(loop)), cell(frames), cell("–"));
+    const show = button(loopName(loop), () => this.#go(around(start, end + 1, this.frames)));
+    show.className = "more";
     const length = placeText(this.sound, end - start + 1);
     return element("tr", {}, cell(show), cell(loopType(loop)), cell(frames), cell(length));
   }
@@ -138,7 +138,7 @@ export class Viewer {
   #markerRow(marker) {
     const { position } = marker;
     const count = Math.max(this.frames / 50, 64);
-    const show = this.#button("", () => this.#go({ first: position - count / 2, count }));
+    const show = button("", () => this.#go({ first: position - count / 2, count }));
     show.append(foreign(markerName(this.sound, marker)));
     show.className = "more";
     return element("tr", {}, cell(show), cell(placeText(this.sound, position)));
@@ -303,6 +303,13 @@ export class Viewer {
     }
     this.draw();
   }
+}
+
+/** @param {string} text @param {() => void} action */
+function button(text, action) {
+  const made = element("button", { type: "button" }, text);
+  made.addEventListener("click", action);
+  return made;
 }
 
 /** @param {string | Node} content */

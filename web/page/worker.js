@@ -40,6 +40,7 @@ function take(order) {
   } else if (order.type === "stop") {
     stopping.abort();
     for (const answer of questions.values()) answer({ name: "", mayReplace: false });
+    questions.clear();
     stopping = new AbortController();
   } else {
     const { signal } = stopping;
@@ -117,11 +118,17 @@ async function convert(id, file, target, signal) {
     await copy(sampled.blocks(), output, signal, (size) =>
       progress(readPart + ((writtenPart - readPart) * size) / outputSize),
     );
-    sound.overview = await overviewOf(sampled, sound.frames, signal, (fraction) =>
-      progress(writtenPart + (1 - writtenPart) * fraction),
-    );
     const blob = output instanceof KeptOutput ? output.blob() : null;
-    tellSound({ type: "converted", id, sound, conversions, blob });
+    let isEngineBroken = false;
+    try {
+      sound.overview = await overviewOf(sampled, sound.frames, signal, (fraction) =>
+        progress(writtenPart + (1 - writtenPart) * fraction),
+      );
+    } catch (error) {
+      // The output is there all the same.
+      isEngineBroken = isBroken(error);
+    }
+    tellSound({ type: "converted", id, sound, conversions, blob, isBroken: isEngineBroken });
   } finally {
     sampled.close();
   }

@@ -21,6 +21,9 @@ const examples = path.join(folder, "Examples");
 commandLine.makeExamples(examples);
 const broken = path.join(folder, "Broken.wav");
 fs.writeFileSync(broken, "RIFF");
+const empty = path.join(folder, "Empty");
+fs.mkdirSync(empty);
+fs.writeFileSync(path.join(folder, "page.txt"), "");
 const long = path.join(folder, "Long.wav");
 fs.writeFileSync(long, "RIFF");
 fs.truncateSync(long, 2 * 2 ** 30);
@@ -178,7 +181,7 @@ test("a chosen folder gets the same files, in subfolders, replaced or under othe
   await page.context().close();
 });
 
-test("2,000 files never keep the page from answering; leaving asks while they run", async () => {
+test("2,000 files never keep the page from answering; leaving asks until they are saved", async () => {
   const page = await visit();
   /** @type {string[]} */
   const dialogs = [];
@@ -192,11 +195,21 @@ test("2,000 files never keep the page from answering; leaving asks while they ru
   await page.waitForFunction(() => !document.getElementById("stop")?.hidden, null, { polling: 20 });
   await page.close({ runBeforeUnload: true });
   await ended(page);
+  for (const code of ["de", "en"]) {
+    await page.locator("select").selectOption(code);
+    await page.waitForTimeout(2000);
+  }
   const { traceEvents } = JSON.parse((await browser.stopTracing()).toString());
   await rows(page, 2000);
-  assert.deepEqual(dialogs, ["beforeunload"]);
+  await page.close({ runBeforeUnload: true });
+  await page.waitForTimeout(200);
+  assert.deepEqual(dialogs, ["beforeunload", "beforeunload"]);
+  await Promise.all([page.waitForEvent("download"), button(page, "Save All as ZIP").click()]);
+  await page.waitForFunction(
+    () => !(/** @type {any} */ (document.getElementById("save-all")).disabled),
+  );
   await Promise.all([page.waitForEvent("close"), page.close({ runBeforeUnload: true })]);
-  assert.equal(dialogs.length, 1, "leaving afterwards does not ask");
+  assert.equal(dialogs.length, 2, "leaving afterwards does not ask");
 
   // What is asserted is the processor's time of each task: how long it takes by the clock depends on
   // what else runs on this machine's processors, with other people's builds half a second.
@@ -292,6 +305,35 @@ test("nothing leaves the page, whatever it does", async () => {
   await page.context().close();
 });
 
+test("what is not written can be tried again; what is left out is said", async () => {
+  const page = await visit({}, (page) =>
+    page.addInitScript(() => {
+      Object.assign(window, { showDirectoryPicker: () => navigator.storage.getDirectory() });
+    }),
+  );
+  const status = page.getByRole("region", { name: "Progress" }).getByRole("paragraph").first();
+  await drop(page, [path.join(folder, "page.txt"), path.join(examples, "Bass/Round Bass A1.wav")]);
+  await page.getByRole("status").getByText("1 file left out").waitFor({ state: "attached" });
+  await rows(page, 2);
+  await drop(page, [empty]);
+  await status.getByText("No WAV or AIFF files found.").waitFor();
+  // A file where a folder is to be.
+  await page.evaluate(async () => {
+    await (await navigator.storage.getDirectory()).getFileHandle("AIFF", { create: true });
+  });
+  await page.getByRole("checkbox", { name: "subfolder" }).check();
+  await button(page, "Write into Folder…").click();
+  await page.getByRole("status").getByText("1 file could not be written.").waitFor();
+  await page.evaluate(async () => (await navigator.storage.getDirectory()).removeEntry("AIFF"));
+  await button(page, "Try Again: Round Bass A1.wav").press("Enter");
+  await page.getByText("Done – 1 file written.").first().waitFor();
+  assert.deepEqual(Object.keys(await writtenFiles(page)), ["AIFF/Round Bass A1.aif"]);
+  assert.equal(await page.locator("h3:focus").textContent(), "Round Bass A1.wav");
+  await button(page, "Clear List").click();
+  await page.getByRole("heading", { name: "Drop WAV" }).waitFor();
+  await page.context().close();
+});
+
 test("a file larger than the memory is refused by name", async () => {
   const large = path.join(folder, "Large.wav");
   fs.writeFileSync(large, "");
@@ -342,6 +384,10 @@ for (const [device, { code, ...options }] of Object.entries(devices))
       await look("running");
       await named("Stop").click();
       await named("Clear List").click();
+      await look("clearing");
+      await named("Cancel").press("Escape");
+      await named("Clear List").click();
+      await named("Discard").click();
       await drop(page, [examples, broken]);
       const shown = await rows(page, 9);
       for (const [index, record] of commandLine.records(code, "info", "--json", examples).entries())
