@@ -185,10 +185,10 @@ ConvertLine::ConvertLine() : app(description, "corvana-cli") {
          "--any-encoding", batch.conversion.anyEncoding,
          "Floating point, µ-law and A-law as they are, into AIFF-C or WAV; reads RIFX as well")
       ->group(got);
-  const auto addLoopChoice = [&](const char* name, LoopChoice choice, const char* description) {
+  const auto addLoopChoice = [&](const char* name, LoopChoice choice, const char* help) {
     return app
         .add_flag_callback(
-            name, [&batch, choice] { batch.conversion.loops = choice; }, description)
+            name, [&batch, choice] { batch.conversion.loops = choice; }, help)
         ->option_text(" ")
         ->group(got);
   };

@@ -114,9 +114,11 @@ PromisedChunk promisedCueTexts(const std::vector<NumberedText>& labels,
                                const std::vector<NumberedText>& notes) {
   ByteBuffer list = {'a', 'd', 't', 'l'};
   const auto append = [&](std::string_view id, const NumberedText& entry) {
+    const ByteBuffer text = wavBytes(entry.second);
     ByteBuffer body;
+    body.reserve(sizeof(std::uint32_t) + text.size());
     appendInteger(body, static_cast<std::uint32_t>(entry.first), ByteOrder::little);
-    appendBytes(body, wavBytes(entry.second));
+    appendBytes(body, text);
     appendInner(list, id, body);
   };
   for (const NumberedText& label : labels)
