@@ -47,9 +47,12 @@ ByteView part(ByteView file, std::uint64_t offset, std::uint64_t size) {
 }
 
 Evidence evidenceOf(ByteView file, const AiffInfo& info) {
+  // Written are whole numbers only.
+  if (info.sampleRate != std::floor(info.sampleRate))
+    throw ConversionError::unsupported(UnsupportedKind::sampleRate, {info.sampleRate});
   AiffContent content{.channels = info.channels,
                       .sampleSize = info.sampleSize,
-                      .sampleRate = static_cast<std::uint32_t>(std::lround(info.sampleRate)),
+                      .sampleRate = static_cast<std::uint32_t>(info.sampleRate),
                       .frameCount = info.frameCount,
                       .markers = info.markers,
                       .instrument = info.instrument,

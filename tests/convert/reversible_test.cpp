@@ -89,12 +89,12 @@ TEST(Reversible, EditsWin) {
     std::string_view pattern;
     std::ptrdiff_t distance;
   } rows[] = {
-      {"sample", 0, "SSND", 16},          {"lost bits", 7, "SSND", 16},
-      {"marker", 0, "MARK", 15},          {"marker's name", 0, "Loop 1", 0},
-      {"base note", 0, "INST", 8},        {"rate", 0, "COMM", 17},
-      {"sample in WAV", 8, "data", 8},    {"gain in WAV", 8, "inst", 10},
-      {"capsule", 0, "Crvn", 30},         {"capsule's version", 0, "Crvn", 4},
-      {"capsule in WAV", 8, "crvn", 100},
+      {"sample", 0, "SSND", 16},           {"lost bits", 7, "SSND", 16},
+      {"marker", 0, "MARK", 15},           {"marker's name", 0, "Loop 1", 0},
+      {"base note", 0, "INST", 8},         {"rate", 0, "COMM", 17},
+      {"rate, a fraction", 0, "COMM", 22}, {"sample in WAV", 8, "data", 8},
+      {"gain in WAV", 8, "inst", 10},      {"capsule", 0, "Crvn", 30},
+      {"capsule's version", 0, "Crvn", 4}, {"capsule in WAV", 8, "crvn", 100},
   };
   for (const auto& [what, original, pattern, distance] : rows) {
     SCOPED_TRACE(what);
