@@ -11,6 +11,11 @@
 namespace corvana {
 namespace {
 
+/// A name ends at its first zero.
+std::string shownName(const AiffMarker& marker) {
+  return marker.name.substr(0, marker.name.find('\0'));
+}
+
 /// Where loops find their markers: the last one of an ID counts, and none lies behind the sound.
 using Positions = std::map<std::int16_t, std::uint32_t>;
 
@@ -44,7 +49,7 @@ void promiseNames(const AiffInfo& aiff, ByteView input, const std::vector<AiffLo
     const std::uint32_t id = static_cast<std::uint32_t>(wav.cuePoints.size()) + 1;
     wav.cuePoints.push_back(
         {id, std::min(marker.position, static_cast<std::uint32_t>(wav.frames))});
-    const std::string name(marker.name.c_str());
+    const std::string name = shownName(marker);
     if (!name.empty() && name != anyway) labels.emplace_back(id, name);
     for (const ByteView comment : comments[marker.id])
       if (room.holds(comment.size())) notes.emplace_back(id, decodeAiffText(comment));
@@ -59,7 +64,7 @@ void promiseNames(const AiffInfo& aiff, ByteView input, const std::vector<AiffLo
       const AiffMarker& marker = aiff.markers[lastOfID.at(id)];
       if (!idsOfLoops.emplace(id, 0).second) continue;
       const std::string anyway = "Loop " + std::to_string(i + 1) + (isEnd ? " End" : " Start");
-      const std::string name(marker.name.c_str());
+      const std::string name = shownName(marker);
       if ((!name.empty() && name != anyway) || comments.contains(id))
         idsOfLoops[id] = promisePoint(marker, anyway);
     }
