@@ -10,8 +10,8 @@
 
 namespace corvana::fuzz {
 
-/// The output; absent when the input cannot be converted. Progress only rises, and to 1. It is
-/// proved to be as promised.
+/// The output; absent when the input cannot be converted. Progress only rises, and to 1. What is
+/// not an original restored is proved to be as promised.
 inline std::optional<ByteBuffer> convert(ConversionPlan (*planner)(ByteView,
                                                                    const ConversionOptions&),
                                          ByteView content, const ConversionOptions& options = {}) {
@@ -33,7 +33,8 @@ inline std::optional<ByteBuffer> convert(ConversionPlan (*planner)(ByteView,
   });
   assert(lastProgress == 1.0);
   assert(output.bytes.size() == plan.outputSize());
-  assert(!proveConversion(content, output.bytes, {Producer::thisProgram, options}, {}).areThere());
+  const ProofTerms terms{Producer::thisProgram, options};
+  assert(plan.summary.isRestored || !proveConversion(content, output.bytes, terms, {}).areThere());
   assert(plan.leftOut.size() <= 1000);
   return output.bytes;
 }

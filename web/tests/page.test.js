@@ -114,6 +114,7 @@ test("a dropped folder: its log, its rows, its ZIP", async () => {
   const texts = await rows(page, records.length);
 
   await button(page, "Copy Log").click();
+  await button(page, "Copied").waitFor();
   const log = await page.evaluate(() => navigator.clipboard.readText());
   assert.equal(log.trimEnd(), expected.logs[0].trimEnd());
 
