@@ -14,6 +14,8 @@ namespace corvana {
 /// orders of bytes are read as well. Fails with a ConversionError, also for a sample rate that is
 /// not below `rateLimit` (Hz).
 AiffInfo parseAiff(ByteView file, bool anyEncoding = false, double rateLimit = 4'000'000'000.0);
+/// A rate in the place of `anyEncoding` would be taken for true.
+AiffInfo parseAiff(ByteView file, double rateLimit) = delete;
 
 /// The COMM chunk. Fields as in AiffInfo.
 struct CommonChunk {
