@@ -3,9 +3,11 @@
 
 #include <filesystem>
 #include <optional>
+#include <string_view>
 
 #include "platform/files.hpp"
 #include "vocabulary/conversion_options.hpp"
+#include "vocabulary/note_name.hpp"
 
 namespace corvana {
 
@@ -45,5 +47,12 @@ struct BatchOptions {
   /// What the batch does to those of the files that it reads.
   AccessTime accessTime() const { return preserveTimes ? AccessTime::stays : AccessTime::changes; }
 };
+
+/// Of the conversion of a file of this name; `middleC` is BatchOptions::rootKeysByMiddleC.
+inline ConversionOptions optionsForFile(ConversionOptions options, std::optional<int> middleC,
+                                        std::string_view name) {
+  if (middleC) options.rootKey = noteInFileName(name, *middleC);
+  return options;
+}
 
 }  // namespace corvana

@@ -23,7 +23,6 @@
 #include "verify/difference_texts.hpp"
 #include "vocabulary/errors.hpp"
 #include "vocabulary/file_names.hpp"
-#include "vocabulary/note_name.hpp"
 #include "vocabulary/text_format.hpp"
 
 namespace corvana {
@@ -281,10 +280,7 @@ std::unique_ptr<const InputFile> BatchConversion::open(const AudioFile& file,
 
 ConversionOptions BatchConversion::optionsFor(const AudioFile& file) const {
   const BatchOptions& options = names_.options;
-  ConversionOptions conversion = options.conversion;
-  if (options.rootKeysByMiddleC)
-    conversion.rootKey = noteInFileName(file.name(), *options.rootKeysByMiddleC);
-  return conversion;
+  return optionsForFile(options.conversion, options.rootKeysByMiddleC, file.name());
 }
 
 bool BatchConversion::isAIFF(const InputFile& file) const {

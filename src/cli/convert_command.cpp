@@ -180,49 +180,12 @@ ConvertLine::ConvertLine() : app(description, "corvana-cli") {
       ->type_name("N")
       ->group(what);
 
-  const std::string got = "What outputs get";
-  app.add_flag(
-         "--any-encoding", batch.conversion.anyEncoding,
-         "Floating point, µ-law and A-law as they are, into AIFF-C or WAV; reads RIFX as well")
-      ->group(got);
-  const auto addLoopChoice = [&](const char* name, LoopChoice choice, const char* help) {
-    return app
-        .add_flag_callback(
-            name, [&batch, choice] { batch.conversion.loops = choice; }, help)
-        ->option_text(" ")
-        ->group(got);
-  };
-  addLoopChoice("--no-loops", LoopChoice::none, "No loops, for devices that refuse them")
-      ->excludes(addLoopChoice("--first-loop-only", LoopChoice::first,
-                               "One loop at most, the first that can be used"));
-  app.add_flag("--reversible", batch.conversion.reversible,
-               "Store what it takes to convert back to the last byte; and convert back so")
-      ->group(got);
-  CLI::Option* const fromName =
-      app.add_flag("--root-from-name", rootFromName,
-                   "Give files without a key the one in their name, with a warning")
-          ->group(got);
-  addChoice<int>(app, "--middle-c", middleC, {{"C3", 3}, {"C4", 4}, {"C5", 5}},
-                 "What such names call note 60, C4 by default")
-      ->needs(fromName)
-      ->group(got);
-
-  enum class Kept { names, texts };
-  app.add_option_function<std::vector<Kept>>(
-         "--keep",
-         [&batch](const std::vector<Kept>& kinds) {
-           for (const Kept kind : kinds)
-             (kind == Kept::names ? batch.conversion.keepNames : batch.conversion.keepTexts) = true;
-         },
-         "Keep the names of markers and loops, or the texts of the file, or both")
-      ->transform(CLI::CheckedTransformer(
-                      std::map<std::string, Kept>{{"names", Kept::names}, {"texts", Kept::texts}},
-                      CLI::ignore_case)
-                      .description(""))
-      ->delimiter(',')
-      ->allow_extra_args(false)
-      ->type_name("names|texts")
-      ->group(got);
+  const std::string standard = app.option_defaults()->get_group();
+  app.option_defaults()->group("What outputs get");
+  addEncodingOption(app, choices);
+  CLI::Option* const fromName = addContentOptions(app, choices);
+  addMiddleC(app, choices.middleC, "What such names call note 60, C4 by default")->needs(fromName);
+  app.option_defaults()->group(standard);
 
   const std::string said = "What is said";
   app.add_flag("--dry-run", batch.dryRun, "Only write the log of what would be done")->group(said);
@@ -234,7 +197,8 @@ ConvertLine::ConvertLine() : app(description, "corvana-cli") {
       ->group(said);
   app.add_option("PATH", paths, "Files and folders to convert")->type_name("")->option_text("...");
   app.callback([this, listOption] {
-    if (rootFromName) options.batch.rootKeysByMiddleC = middleC;
+    options.batch.conversion = choices.options;
+    options.batch.rootKeysByMiddleC = choices.rootKeysByMiddleC();
     if (paths.empty() && listOption->empty()) throw CLI::RequiredError("PATH or --files-from");
   });
 }

@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "cli/conversion_choices.hpp"
 #include "cli/terminal_view.hpp"
 
 namespace corvana {
@@ -20,8 +21,7 @@ struct ConvertLine {
   std::optional<std::string> list;  ///< file with further paths
   bool endWithNul = false;          ///< the paths of the list
   bool strict = false;
-  bool rootFromName = false;
-  int middleC = 4;  ///< octave of note 60 in names of files
+  ConversionChoices choices;
 };
 
 /// Takes the arguments behind the program's name and gives the exit status.

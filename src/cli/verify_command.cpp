@@ -28,13 +28,19 @@ constexpr const char* description =
 constexpr const char* footer =
     "One of the files is WAV, the other AIFF or AIFF-C. Every difference is a line on standard\n"
     "output, up to 1000 of them and then their number. Chunks may come in any order, and chunks\n"
-    "that corvana-cli does not write are no differences.\n"
+    "that corvana-cli does not write are no differences. Every encoding is compared.\n"
+    "\n"
+    "What was converted with --no-loops, --first-loop-only, --keep or --root-from-name is judged\n"
+    "by the same options. With --reversible OUTPUT has to give INPUT back to the last byte as\n"
+    "well, or to be the original that INPUT carries.\n"
     "\n"
     "Exit status: 0 no differences; 1 differences, or a file that cannot be read; 2 wrong usage.\n"
     "\n"
     "Examples:\n"
     "  corvana-cli verify piano.wav piano.aif          what was made of a WAV file\n"
     "  corvana-cli verify piano.aif piano.wav          what was made of an AIFF file\n"
+    "  corvana-cli verify --keep names,texts --reversible piano.wav piano.aif\n"
+    "                                                  what was made with these options\n"
     "  corvana-cli verify --json piano.wav piano.aif | jq -r '.differences[].code'\n"
     "                                                  what kinds of differences there are\n"
     "  corvana-cli --verify piano.wav                  converts, and proves it at once\n";
@@ -47,6 +53,8 @@ class NamedFile {
         content_(openFolderOf(file_).folder(), std::string(file_.name()), path) {}
 
   const InputFile& content() const { return content_; }
+
+  std::string_view name() const { return file_.name(); }
 
   /// Fails with a FileError that names the file, where it is neither WAV nor AIFF as well.
   bool isAIFF() const {
@@ -102,8 +110,9 @@ Verdict verify(const VerifyLine& line) {
                                 "WAV, the other AIFF."),
                       line.output);
     object["direction"] = directionCode(fromAIFF);
-    const Differences differences = verifyFiles(input.content(), output.content(),
-                                                {Producer::anyProgram, {.anyEncoding = true}}, {});
+    ProofTerms terms{Producer::anyProgram, line.choices.forFile(input.name())};
+    terms.options.anyEncoding = true;
+    const Differences differences = verifyFiles(input.content(), output.content(), terms, {});
     return verdictOf(differences, object, line.json);
   } catch (const ConversionError& error) {
     object["error"] = errorObject(error, systemLanguage());
@@ -121,6 +130,8 @@ Verdict verify(const VerifyLine& line) {
 VerifyLine::VerifyLine() : app(description, "corvana-cli verify") {
   app.footer(footer);
   app.add_flag("--json", json, "One JSON object with all differences");
+  CLI::Option* const fromName = addContentOptions(app, choices);
+  addMiddleC(app, choices.middleC, "What such names call note 60, C4 by default")->needs(fromName);
   app.add_option("INPUT", input, "The file that was converted")->required()->type_name("");
   app.add_option("OUTPUT", output, "What it was converted into")->required()->type_name("");
 }

@@ -5,6 +5,8 @@
 #include <string>
 #include <vector>
 
+#include "cli/conversion_choices.hpp"
+
 namespace corvana {
 
 /// The command line of "verify", and what it says once it is parsed.
@@ -15,6 +17,7 @@ struct VerifyLine {
   std::string input;
   std::string output;
   bool json = false;
+  ConversionChoices choices;
 };
 
 /// Takes the arguments behind "verify" and gives the exit status.

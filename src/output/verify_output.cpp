@@ -73,18 +73,18 @@ Differences withBytes(const InputFile& input, const InputFile& output, const Pro
   });
 }
 
-Differences proveOutput(const InputFile& input, const InputFile& output,
-                        const ConversionOptions& options, const ProgressHandler& progress) {
-  if (const auto plan = restoringPlanOf(input, options))
-    return withBytes(input, output, [&](ByteView inputBytes, ByteView outputBytes) {
-      Differences differences;
-      compareWithPlan(*plan, inputBytes, outputBytes, differences);
-      return differences;
-    });
-  Differences differences = verifyFiles(input, output, {.options = options}, progress);
-  if (options.reversible && !differences.areThere())
-    differences = withBytes(input, output, proveWayBack);
-  return differences;
+Differences proveByTheRules(const InputFile& input, const InputFile& output,
+                            const ProofTerms& terms, const ProgressHandler& progress) {
+  std::uint64_t inputGivenBack = 0;
+  std::uint64_t outputGivenBack = 0;
+  const auto onProgress = [&](const ProofProgress& reached) {
+    inputGivenBack = input.giveBack(inputGivenBack, reached.inputOffset);
+    outputGivenBack = output.giveBack(outputGivenBack, reached.outputOffset);
+    if (progress) progress(reached.fraction);
+  };
+  return withBytes(input, output, [&](ByteView inputBytes, ByteView outputBytes) {
+    return proveConversion(inputBytes, outputBytes, terms, onProgress);
+  });
 }
 
 }  // namespace
@@ -99,23 +99,23 @@ OutputProof verifyOutput(const InputFile& input, const OutputTarget& output,
     failReading(error.code().value(), output.url());
   }
   const InputFile file(made ? *made : output.folder, output.name, output.url());
-  OutputProof proof{proveOutput(input, file, options, progress)};
+  OutputProof proof{verifyFiles(input, file, {.options = options}, progress)};
   if (output.times) proof.timesError = file.setTimes(*output.times);
   return proof;
 }
 
 Differences verifyFiles(const InputFile& input, const InputFile& output, const ProofTerms& terms,
                         const ProgressHandler& progress) {
-  std::uint64_t inputGivenBack = 0;
-  std::uint64_t outputGivenBack = 0;
-  const auto onProgress = [&](const ProofProgress& reached) {
-    inputGivenBack = input.giveBack(inputGivenBack, reached.inputOffset);
-    outputGivenBack = output.giveBack(outputGivenBack, reached.outputOffset);
-    if (progress) progress(reached.fraction);
-  };
-  return withBytes(input, output, [&](ByteView inputBytes, ByteView outputBytes) {
-    return proveConversion(inputBytes, outputBytes, terms, onProgress);
-  });
+  if (const auto plan = restoringPlanOf(input, terms.options))
+    return withBytes(input, output, [&](ByteView inputBytes, ByteView outputBytes) {
+      Differences differences;
+      compareWithPlan(*plan, inputBytes, outputBytes, differences);
+      return differences;
+    });
+  Differences differences = proveByTheRules(input, output, terms, progress);
+  if (terms.options.reversible && !differences.areThere())
+    differences = withBytes(input, output, proveWayBack);
+  return differences;
 }
 
 }  // namespace corvana

@@ -18,8 +18,9 @@ struct OutputProof {
 OutputProof verifyOutput(const InputFile& input, const OutputTarget& output,
                          const ConversionOptions& options, const ProgressHandler& progress);
 
-/// The same for two files of whatever origin, both open. Fails with a FileError, or with a
-/// ConversionError where the input cannot be read.
+/// The same for two files of whatever origin, both open. A reversible output is converted back as
+/// well; where the input carries its original, the output has to be that. Fails with a FileError,
+/// or with a ConversionError where the input cannot be read.
 Differences verifyFiles(const InputFile& input, const InputFile& output, const ProofTerms& terms,
                         const ProgressHandler& progress);
 

@@ -183,13 +183,23 @@ std::vector<PromisedChunk> promisedTextsOfWav(ByteView aiff) {
   return chunks;
 }
 
+namespace {
+
+/// What tells chunks of one ID apart: the type of a list.
+std::string kindOf(std::string_view id, ByteView body) {
+  return std::string(id) +
+         (id == "LIST" ? std::string(Fields(body, ByteOrder::little).id(0)) : std::string());
+}
+
+}  // namespace
+
 void compareTexts(ByteView output, ByteOrder order, const std::vector<PromisedChunk>& promised,
                   Differences& differences) {
   std::map<std::string, std::deque<const PromisedChunk*>, std::less<>> missing;
   for (const PromisedChunk& chunk : promised)
-    missing[chunk.id].push_back(&chunk);
+    missing[kindOf(chunk.id, chunk.body)].push_back(&chunk);
   walkChunks(output, order, [&](const Chunk& chunk) {
-    const auto next = missing.find(chunk.id);
+    const auto next = missing.find(kindOf(chunk.id, chunk.body));
     if (next == missing.end() || next->second.empty()) return;
     const ByteBuffer& expected = next->second.front()->body;
     next->second.pop_front();
@@ -199,14 +209,14 @@ void compareTexts(ByteView output, ByteOrder order, const std::vector<PromisedCh
     if (found == chunk.body.end() || other == expected.end()) return;
     const auto offset = static_cast<std::size_t>(found - chunk.body.begin());
     differences.add({.kind = DifferenceKind::chunkText,
-                     .chunk = next->first,
+                     .chunk = std::string(chunk.id),
                      .found = std::int64_t{*found},
                      .expected = std::int64_t{*other},
                      .offset = chunk.bodyOffset + offset});
   });
-  for (const auto& [id, chunks] : missing)
-    for (std::size_t i = 0; i < chunks.size(); ++i)
-      differences.add({.kind = DifferenceKind::chunkMissing, .chunk = id});
+  for (const auto& [kind, chunks] : missing)
+    for (const PromisedChunk* chunk : chunks)
+      differences.add({.kind = DifferenceKind::chunkMissing, .chunk = chunk->id});
 }
 
 }  // namespace corvana

@@ -83,27 +83,42 @@ TEST_F(Program, GivesFewerLoopsAndKeysFromNamesOnRequest) {
   in.write("C4.aif", aiff({comm({.frames = 4}), ssnd(ByteBuffer(8))}));
   const struct {
     std::vector<std::string> options;
-    const char *input, *log;  ///< behind the names
+    const char *input, *output, *log;  ///< behind the names
+    int statusWithout = 1;             ///< where the proof knows nothing of the options
   } cases[] = {
-      {{"--no-loops"}, "loops.wav", "root key 60]"},
+      {{"--no-loops"}, "loops.wav", "out/loops.aif", "root key 60]"},
       {{"--first-loop-only"},
        "loops.wav",
+       "out/loops.aif",
        "root key 60, 1 loop, 2 markers]\n"
        "   ⚠︎ Loop 1 is invalid (start 9, end 9) – skipped.\n"
        "   ⚠︎ Loop 2: a play count of 3"},
-      {{"--no-loops"}, "loops.aiff", "root key 0, 2 cue points]\n"},
-      {{"--first-loop-only"}, "loops.aiff", "root key 0, 1 loop]\n   ⚠︎ Sustain loop: the"},
+      {{"--no-loops"}, "loops.aiff", "out/loops.wav", "root key 0, 2 cue points]\n"},
+      {{"--first-loop-only"},
+       "loops.aiff",
+       "out/loops.wav",
+       "root key 0, 1 loop]\n   ⚠︎ Sustain loop: the",
+       0},
       {{"--root-from-name"},
        "Bass A2.wav",
+       "out/Bass A2.aif",
        "root key 45]\n   ⚠︎ Root key 45 is taken from the file's"},
-      {{"--root-from-name", "--middle-c", "C3"}, "C4.aif", "root key 72]\n   ⚠︎ Root key 72"},
-      {{"--root-from-name"}, "loops.wav", "root key 60, 2 loops"},
+      {{"--root-from-name", "--middle-c", "C3"},
+       "C4.aif",
+       "out/C4.wav",
+       "root key 72]\n   ⚠︎ Root key 72"},
+      {{"--root-from-name"}, "loops.wav", "out/loops.aif", "root key 60, 2 loops", 0},
   };
   for (const auto& c : cases) {
-    std::vector<std::string> arguments = {"--verify", "--quiet", "--output", "out", c.input};
+    std::vector<std::string> arguments = {"--overwrite", "--quiet", "--output", "out", c.input};
     arguments.insert(arguments.end(), c.options.begin(), c.options.end());
+    arguments.emplace_back("--verify");
     EXPECT_NE(run(arguments).output.find(c.log), std::string::npos)
         << c.options[0] << ' ' << run(arguments).output;
+    arguments = {"verify", c.input, c.output};
+    EXPECT_EQ(run(arguments).status, c.statusWithout) << c.options[0];
+    arguments.insert(arguments.end(), c.options.begin(), c.options.end());
+    EXPECT_EQ(run(arguments).status, 0) << c.options[0];
   }
   EXPECT_EQ(run({"--no-loops", "--first-loop-only", "loops.wav"}).status, 2);
 }
@@ -116,6 +131,11 @@ TEST_F(Program, ConvertsBackToTheLastByteOnRequest) {
   const Outcome back = run({"--reversible", "--verify", "--json", "--output", "back", "a.aif"});
   EXPECT_NE(back.output.find(R"("restored":true)"), std::string::npos) << back.output;
   EXPECT_EQ(readFile(in / "back/a.wav"), original);
+  EXPECT_EQ(run({"verify", "a.aif", "back/a.wav"}).status, 1);
+  EXPECT_EQ(run({"verify", "--reversible", "a.aif", "back/a.wav"}).status, 0);
+  EXPECT_EQ(run({"verify", "--reversible", "a.wav", "a.aif"}).status, 0);
+  ASSERT_EQ(run({"--overwrite", "--strict", "a.wav"}).status, 3);
+  EXPECT_NE(run({"verify", "--reversible", "a.wav", "a.aif"}).output, "") << "not reversible";
 }
 
 TEST_F(Program, ConvertsAnyEncodingOnRequest) {
@@ -423,6 +443,10 @@ TEST_F(Program, KeepsNamesAndTextsAndNamesWhatIsLeftOut) {
       if (std::search(output.begin(), output.end(), name.begin(), name.end()) != output.end())
         found += name;
     EXPECT_EQ(found, c.kept);
+    if (c.kept.empty()) continue;
+    arguments = c.arguments;
+    arguments.insert(arguments.begin(), {"verify", "a.wav", "a.aif"});
+    EXPECT_EQ(run(arguments).status, 0);
   }
 }
 

@@ -227,6 +227,9 @@ TEST(Texts, EveryByteOfThemIsProved) {
     EXPECT_TRUE(
         proveConversion(input, convert(input).file, {Producer::anyProgram, both}, {}).areThere());
   }
+  const ByteBuffer output = convert(inputs[1], names).file;
+  const ByteBuffer another = wav({list("INFO", {}), {output.begin() + 12, output.end()}});
+  EXPECT_FALSE(proveConversion(inputs[1], another, {Producer::anyProgram, names}, {}).areThere());
 }
 
 TEST(Texts, HostileFilesCostNoMoreThanTheyHold) {
