@@ -126,15 +126,16 @@ void appendCapsule(ByteBuffer& trailer, const Capsule& capsule, bool isWAV) {
   appendChunk(trailer, aiffChunk, content, ByteOrder::big);
 }
 
-std::optional<Capsule> findCapsule(ByteView file, bool isWAV, bool& isThere) {
-  std::optional<ByteView> found;
+std::optional<Capsule> findCapsule(ByteView file, bool isWAV,
+                                   std::optional<std::uint64_t>& offset) {
+  ByteView found;
   walkChunks(file, isWAV ? ByteOrder::little : ByteOrder::big, [&](const Chunk& chunk) {
-    if (isWAV && chunk.id == wavChunk) found = chunk.body;
-    if (!isWAV && chunk.id == aiffChunk && Fields(chunk.body, order).id(0) == signature)
-      found = chunk.body.subspan(signature.size());
+    const bool isSigned = Fields(chunk.body, order).id(0) == signature;
+    if (isWAV ? chunk.id != wavChunk : chunk.id != aiffChunk || !isSigned) return;
+    found = isWAV ? chunk.body : chunk.body.subspan(signature.size());
+    offset = chunk.bodyOffset;
   });
-  isThere = found.has_value();
-  return found ? read(*found) : std::nullopt;
+  return offset ? read(found) : std::nullopt;
 }
 
 }  // namespace corvana

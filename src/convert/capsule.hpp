@@ -36,7 +36,8 @@ struct Capsule {
 void appendCapsule(ByteBuffer& trailer, const Capsule& capsule, bool isWAV);
 
 /// What the last such chunk of a file says, referring to the file's bytes. Absent without one that
-/// is whole and contradicts itself nowhere. `isThere` tells whether there is one at all.
-std::optional<Capsule> findCapsule(ByteView file, bool isWAV, bool& isThere);
+/// is whole and contradicts itself nowhere. `offset` is that of the chunk's body, absent where
+/// there is no such chunk at all.
+std::optional<Capsule> findCapsule(ByteView file, bool isWAV, std::optional<std::uint64_t>& offset);
 
 }  // namespace corvana

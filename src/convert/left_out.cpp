@@ -44,23 +44,26 @@ void LeftOutChunks::add(std::string_view id) {
   if (seen_.insert(readable).second) ids_.push_back(readable);
 }
 
-void addLeftOutOfWav(ByteView file, const ConversionOptions& options, LeftOutChunks& leftOut) {
+void addLeftOutOfWav(ByteView file, const ConversionOptions& options, LeftOutChunks& leftOut,
+                     std::uint64_t known) {
   const ByteOrder order = orderOfWav(file);
   walkChunks(file, order, [&](const Chunk& chunk) {
     if (isOneOf(chunk.id, {"fmt ", "data", "smpl", "inst", "cue ", "fact"}) ||
-        onlyFillsSpace(chunk.id))
+        onlyFillsSpace(chunk.id) || chunk.bodyOffset == known)
       return;
     if (chunk.id == "LIST") return addLeftOutOfList(chunk.body, order, options, leftOut);
     if (!options.keepTexts || !isID3(chunk.id)) leftOut.add(chunk.id);
   });
 }
 
-void addLeftOutOfAiff(ByteView file, const ConversionOptions& options, LeftOutChunks& leftOut) {
+void addLeftOutOfAiff(ByteView file, const ConversionOptions& options, LeftOutChunks& leftOut,
+                      std::uint64_t known) {
   const auto isLost = [&](const AiffCommentView& comment) {
     return !comment.text.empty() && !(comment.marker == 0 ? options.keepTexts : options.keepNames);
   };
   walkChunks(file, ByteOrder::big, [&](const Chunk& chunk) {
-    if (isOneOf(chunk.id, {"COMM", "SSND", "MARK", "INST", "FVER"}) || onlyFillsSpace(chunk.id))
+    if (isOneOf(chunk.id, {"COMM", "SSND", "MARK", "INST", "FVER"}) || onlyFillsSpace(chunk.id) ||
+        chunk.bodyOffset == known)
       return;
     if (chunk.id == "COMT") {
       const auto comments = parseCommentChunk(chunk.body);
@@ -74,9 +77,10 @@ void addLeftOutOfAiff(ByteView file, const ConversionOptions& options, LeftOutCh
 
 void setLeftOut(const LeftOutChunks& leftOut, const ConversionOptions& options,
                 ConversionPlan& plan) {
-  if (options.reversible) return;  // the capsule holds everything
+  const bool isRestored = plan.summary.isRestored;
+  if (options.reversible && !isRestored) return;  // the capsule holds everything
   plan.leftOut = leftOut.ids();
-  if (options.keepsMore() && !plan.leftOut.empty())
+  if ((options.keepsMore() || isRestored) && !plan.leftOut.empty())
     addWarning(plan.warnings, leftOutWarning(plan.leftOut));
 }
 

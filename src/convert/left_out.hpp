@@ -1,6 +1,7 @@
 // Which chunks of an input its output has nothing of.
 #pragma once
 
+#include <cstdint>
 #include <string>
 #include <string_view>
 #include <unordered_set>
@@ -28,13 +29,15 @@ class LeftOutChunks {
 };
 
 /// Adds what conversions have no place for: neither chunks that only fill space, nor those that
-/// only say once more how long the sound is, or which version a format has. `file` is the complete
-/// content of a WAV file.
-void addLeftOutOfWav(ByteView file, const ConversionOptions& options, LeftOutChunks& leftOut);
+/// only say once more how long the sound is, or which version a format has, nor the one whose body
+/// is at `known`. `file` is the complete content of a WAV file.
+void addLeftOutOfWav(ByteView file, const ConversionOptions& options, LeftOutChunks& leftOut,
+                     std::uint64_t known = 0);
 /// The same of an AIFF or AIFF-C file.
-void addLeftOutOfAiff(ByteView file, const ConversionOptions& options, LeftOutChunks& leftOut);
+void addLeftOutOfAiff(ByteView file, const ConversionOptions& options, LeftOutChunks& leftOut,
+                      std::uint64_t known = 0);
 
-/// Puts it into the plan, with a warning where names or texts are kept.
+/// Puts it into the plan, with a warning where names or texts are kept, or an original comes back.
 void setLeftOut(const LeftOutChunks& leftOut, const ConversionOptions& options,
                 ConversionPlan& plan);
 

@@ -10,6 +10,7 @@
 #include "convert/capsule.hpp"
 #include "convert/carry_out.hpp"
 #include "convert/crc64.hpp"
+#include "convert/left_out.hpp"
 #include "vocabulary/chunks.hpp"
 #include "vocabulary/errors.hpp"
 #include "wav/wav_reader.hpp"
@@ -179,19 +180,33 @@ std::optional<ConversionPlan> planOf(const Capsule& capsule, ByteView file, bool
   return plan;
 }
 
+/// What has been added to the file since, so that the original has nothing of it.
+void setAdded(ByteView file, bool isWAV, const Capsule& capsule, std::uint64_t capsuleOffset,
+              ConversionPlan& plan) {
+  // Names and texts that were kept are as they were written.
+  const ConversionOptions options{
+      .reversible = true, .keepNames = capsule.keepsNames, .keepTexts = capsule.keepsTexts};
+  LeftOutChunks added;
+  (isWAV ? addLeftOutOfWav : addLeftOutOfAiff)(file, options, added, capsuleOffset);
+  setLeftOut(added, options, plan);
+}
+
 }  // namespace
 
 std::optional<ConversionPlan> planRestoring(ByteView file, bool isWAV, Warnings& warnings) {
-  bool isThere = false;
-  const std::optional<Capsule> capsule = findCapsule(file, isWAV, isThere);
-  if (!isThere) return std::nullopt;
+  std::optional<std::uint64_t> offset;
+  const std::optional<Capsule> capsule = findCapsule(file, isWAV, offset);
+  if (!offset) return std::nullopt;
   std::optional<ConversionPlan> plan;
   try {
     if (capsule) plan = planOf(*capsule, file, isWAV);
   } catch (const ConversionError&) {
     plan.reset();
   }
-  if (!plan) addWarning(warnings, WarningKind::editedSince);
+  if (plan)
+    setAdded(file, isWAV, *capsule, *offset, *plan);
+  else
+    addWarning(warnings, WarningKind::editedSince);
   return plan;
 }
 

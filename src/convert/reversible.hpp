@@ -11,8 +11,9 @@
 namespace corvana {
 
 /// The plan that makes the original of a file that was converted reversibly: all its samples are
-/// read for that. Absent where the file carries no original; with a warning where it does, but its
-/// samples or sampler data are no longer those that were written, or the capsule is damaged.
+/// read for that. What others have added to the file is left out and named. Absent where the file
+/// carries no original; with a warning where it does, but its samples or sampler data are no longer
+/// those that were written, or the capsule is damaged.
 std::optional<ConversionPlan> planRestoring(ByteView file, bool isWAV, Warnings& warnings);
 
 /// Adds the capsule to a plan that was made of `file` with these options; `original` are the

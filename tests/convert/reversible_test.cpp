@@ -20,6 +20,7 @@ struct Outcome {
   ByteBuffer file;
   Summary summary;
   Warnings warnings;
+  std::vector<std::string> leftOut;
   bool wasEdited() const {
     return std::any_of(warnings.begin(), warnings.end(), [](const Warning& warning) {
       return warning.kind == WarningKind::editedSince;
@@ -27,9 +28,11 @@ struct Outcome {
   }
 };
 
-Outcome reversibly(const ByteBuffer& input) {
-  const ConversionPlan plan = planConversion(input, {.reversible = true});
-  return {carryOutInMemory(plan, input), plan.summary, plan.warnings};
+Outcome reversibly(const ByteBuffer& input, const ConversionOptions& options = {}) {
+  ConversionOptions reversible = options;
+  reversible.reversible = true;
+  const ConversionPlan plan = planConversion(input, reversible);
+  return {carryOutInMemory(plan, input), plan.summary, plan.warnings, plan.leftOut};
 }
 
 const ByteBuffer sampler =
@@ -105,6 +108,44 @@ TEST(Reversible, EditsWin) {
     EXPECT_FALSE(back.summary.isRestored);
     // By the ordinary rules, and the way back from there leads to the edited file.
     EXPECT_EQ(reversibly(back.file).file, changed);
+  }
+}
+
+TEST(Reversible, NamesWhatOthersHaveAdded) {
+  using IDs = std::vector<std::string>;
+  const ConversionOptions both{.keepNames = true, .keepTexts = true};
+  const ByteBuffer floating = wav({fmt({.tag = 3, .blockAlign = 4, .bits = 32}), data(eight)});
+  const ByteBuffer foreign = join({aiffChunk("APPL", text("Else")), aiffChunk("JUNK", {1})});
+  const struct {
+    const char* what;
+    ByteBuffer original;
+    ConversionOptions options;
+    ByteBuffer added;
+    IDs leftOut;
+  } rows[] = {
+      {"nothing, AIFF-C", floating, {.anyEncoding = true}, {}, {}},
+      {"nothing, AIFF", originals[0].second, {}, {}, {}},
+      {"nothing, names and texts", originals[8].second, both, {}, {}},
+      {"in AIFF",
+       originals[0].second,
+       {},
+       join({foreign, aiffChunk("NAME", {65})}),
+       {"APPL", "NAME"}},
+      {"in WAV, names and texts", originals[8].second, both, wavChunk("bext", {}), {"bext"}},
+      {"in WAV",
+       originals[8].second,
+       {.keepNames = true},
+       join({list("INFO", {wavChunk("INAM", {65})}), wavChunk("crv2", {1})}),
+       {"LIST INFO", "crv2"}},
+  };
+  for (const auto& [what, original, options, added, leftOut] : rows) {
+    SCOPED_TRACE(what);
+    const Outcome there = reversibly(original, options);
+    EXPECT_EQ(there.leftOut, IDs());
+    const Outcome back = reversibly(join({there.file, added}));
+    EXPECT_EQ(back.file, original);
+    EXPECT_EQ(back.leftOut, leftOut);
+    EXPECT_EQ(back.warnings.size(), leftOut.empty() ? 0U : 1U);
   }
 }
 
