@@ -43,9 +43,12 @@ void setConverted(LogEntry& entry, const AudioFile& file, ConversionResult resul
   entry.leftOut = std::move(result.leftOut);
 }
 
-/// In a dry run, what a log leaves out is told as well, unless a warning does.
-void addLeftOut(LogEntry& entry, const ConversionOptions& options) {
-  if (!entry.leftOut.empty() && !options.keepsMore())
+/// A dry run, and a log of more than the ordinary rules, name the chunks that are left out, unless
+/// a warning does.
+void addLeftOut(LogEntry& entry, const BatchOptions& options) {
+  const bool isOrdinary = options.conversion == ConversionOptions() && !options.rootKeysByMiddleC;
+  if (isOrdinary && !options.dryRun) return;
+  if (!entry.leftOut.empty() && !nameLeftOut(entry.warnings))
     entry.lines.push_back("   " + leftOutText(entry.leftOut, systemLanguage()));
 }
 
@@ -254,7 +257,7 @@ void BatchConversion::convert(InputFolder& folder, Input& input, Current& curren
       ConversionPlan plan = planOf(input, current.file);
       names_.outputs.rehearse(output, plan);
       setConverted(current.entry, current.file, resultOf(std::move(plan), output));
-      return addLeftOut(current.entry, options.conversion);
+      return addLeftOut(current.entry, options);
     }
     try {
       convertInto(output, input, current);
@@ -375,6 +378,7 @@ void BatchConversion::convertInto(const OutputTarget& output, Input& input, Curr
       return setDifferent(current.entry, current.file, output, proof.differences);
   }
   setConverted(current.entry, current.file, std::move(result));
+  addLeftOut(current.entry, options);
 }
 
 }  // namespace

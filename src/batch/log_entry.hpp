@@ -23,7 +23,8 @@ enum class Outcome {
 /// What the log says of one finished file, or of a batch without files: lines for people, records
 /// for programs. A line holds the names and texts of files as they are, line feeds included.
 struct LogEntry {
-  /// What became of the file; then one for each warning, and in a dry run one for `leftOut`.
+  /// What became of the file; then one for each warning, and one for `leftOut` in a dry run or
+  /// where the conversion has options.
   std::vector<std::string> lines;
   std::optional<Outcome> outcome = {};  ///< none for a batch without files
   std::string input = {};               ///< path, as given or found

@@ -22,12 +22,17 @@ constexpr const char* footer =
     "Folders are searched as in a conversion. Long lists are cut (\"… and 12 more\"); with --json\n"
     "they go on to 65536 entries, texts to 1000, and the counts beside them speak of all.\n"
     "\n"
+    "Options of a conversion show what it would say with them, and change nothing else that is\n"
+    "shown. What note 60 is called counts for --root-from-name as well.\n"
+    "\n"
     "Exit status: 0 every file was read; 1 a file or folder could not be read, a path does not\n"
     "exist, or nothing was found; 2 wrong usage.\n"
     "\n"
     "Examples:\n"
     "  corvana-cli info piano.wav                  one file\n"
     "  corvana-cli info --middle-c C3 Samples/     a whole folder, note 60 called C3\n"
+    "  corvana-cli info --keep names,texts Samples/\n"
+    "                                              what a conversion would then leave out\n"
     "  corvana-cli info --json Samples/ | jq -r 'select(.loopCount == 0) | .input'\n"
     "                                              the files without a loop\n"
     "  corvana-cli info --json Samples/ | jq -r 'select(.conversion.error) | .input'\n"
@@ -46,8 +51,9 @@ Json infoObject(const std::string& path, const FileDescription& file, const Pros
 InfoLine::InfoLine() : app(description, "corvana-cli info") {
   app.footer(footer);
   addLookOptions(app, options);
-  addChoice<int>(app, "--middle-c", middleC, {{"C3", 3}, {"C4", 4}, {"C5", 5}},
-                 "What note 60 is called, C4 by default");
+  addMiddleC(app, choices.middleC, "What note 60 is called, C4 by default");
+  addEncodingOption(app, choices);
+  addContentOptions(app, choices);
 }
 
 int runInfo(const std::vector<std::string>& arguments) {
@@ -58,12 +64,13 @@ int runInfo(const std::vector<std::string>& arguments) {
   bool isFirst = true;
   return lookAtFiles(line.options, [&](const std::string& path, ByteView content) -> Look {
     const FileDescription file = describeFile(content);
-    const Prospect prospect = prospectOf(content);
-    if (line.options.json) return {lineOf(infoObject(path, file, prospect, line.middleC))};
+    const Prospect prospect = prospectOf(content, line.choices.forFile(audioFileAt(path).name()));
+    const int middleC = line.choices.middleC;
+    if (line.options.json) return {lineOf(infoObject(path, file, prospect, middleC))};
     const std::string gap = isFirst ? "" : "\n";
     isFirst = false;
     const std::string name = onTerminal ? readableLine(path) : path;
-    return {gap + name + "\n" + infoText(file, prospect, line.middleC, systemLanguage())};
+    return {gap + name + "\n" + infoText(file, prospect, middleC, systemLanguage())};
   });
 }
 

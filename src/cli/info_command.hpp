@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "cli/conversion_choices.hpp"
 #include "cli/look_at_files.hpp"
 
 namespace corvana {
@@ -15,7 +16,7 @@ struct InfoLine {
 
   CLI::App app;
   LookOptions options;
-  int middleC = 4;  ///< the octave that note 60 is the C of
+  ConversionChoices choices;  ///< its middleC for everything that is shown as well
 };
 
 /// Takes the arguments behind "info" and gives the exit status.

@@ -278,7 +278,8 @@ class InfoWriter {
       lines.push_back("⚠\uFE0E " + warningText(warning, language_));
     }
     cut(lines, plan.warnings.size(), lines.size() - 1);
-    if (!plan.leftOut.empty()) lines.push_back(leftOutText(plan.leftOut, language_));
+    if (!plan.leftOut.empty() && !nameLeftOut(plan.warnings))
+      lines.push_back(leftOutText(plan.leftOut, language_));
     add(translatable("Conversion"), lines);
   }
 

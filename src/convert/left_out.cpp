@@ -36,6 +36,20 @@ void addLeftOutOfList(ByteView list, ByteOrder order, const ConversionOptions& o
   walkChunks(list, order, visit, wav_layout::listTypeSize);
 }
 
+/// Of the tags that are kept, the last one is.
+class KeptTag {
+ public:
+  explicit KeptTag(LeftOutChunks& leftOut) : leftOut_(leftOut) {}
+  void add(const Chunk& chunk) {
+    if (isThere_) leftOut_.add(chunk.id);
+    isThere_ = isThere_ || !chunk.body.empty();
+  }
+
+ private:
+  LeftOutChunks& leftOut_;
+  bool isThere_ = false;
+};
+
 }  // namespace
 
 void LeftOutChunks::add(std::string_view id) {
@@ -47,12 +61,14 @@ void LeftOutChunks::add(std::string_view id) {
 void addLeftOutOfWav(ByteView file, const ConversionOptions& options, LeftOutChunks& leftOut,
                      std::uint64_t known) {
   const ByteOrder order = orderOfWav(file);
+  KeptTag tag(leftOut);
   walkChunks(file, order, [&](const Chunk& chunk) {
     if (isOneOf(chunk.id, {"fmt ", "data", "smpl", "inst", "cue ", "fact"}) ||
         onlyFillsSpace(chunk.id) || chunk.bodyOffset == known)
       return;
     if (chunk.id == "LIST") return addLeftOutOfList(chunk.body, order, options, leftOut);
-    if (!options.keepTexts || !isID3(chunk.id)) leftOut.add(chunk.id);
+    if (options.keepTexts && isID3(chunk.id)) return tag.add(chunk);
+    leftOut.add(chunk.id);
   });
 }
 
@@ -61,6 +77,7 @@ void addLeftOutOfAiff(ByteView file, const ConversionOptions& options, LeftOutCh
   const auto isLost = [&](const AiffCommentView& comment) {
     return !comment.text.empty() && !(comment.marker == 0 ? options.keepTexts : options.keepNames);
   };
+  KeptTag tag(leftOut);
   walkChunks(file, ByteOrder::big, [&](const Chunk& chunk) {
     if (isOneOf(chunk.id, {"COMM", "SSND", "MARK", "INST", "FVER"}) || onlyFillsSpace(chunk.id) ||
         chunk.bodyOffset == known)
@@ -70,8 +87,8 @@ void addLeftOutOfAiff(ByteView file, const ConversionOptions& options, LeftOutCh
       if (std::any_of(comments.begin(), comments.end(), isLost)) leftOut.add(chunk.id);
       return;
     }
-    if (!options.keepTexts || !(isTextOfAiff(chunk.id) || chunk.id == "ID3 "))
-      leftOut.add(chunk.id);
+    if (options.keepTexts && chunk.id == "ID3 ") return tag.add(chunk);
+    if (!options.keepTexts || !isTextOfAiff(chunk.id)) leftOut.add(chunk.id);
   });
 }
 

@@ -29,7 +29,8 @@ struct ConversionOptions {
   bool keepNames = false;  ///< of markers, cue points and loops, with the notes on these
   bool keepTexts = false;  ///< of the file as a whole, ID3 tags included
 
-  bool keepsMore() const { return keepNames || keepTexts; }  ///< than the ordinary rules
+  bool operator==(const ConversionOptions&) const = default;  ///< whether all are the same
+  bool keepsMore() const { return keepNames || keepTexts; }   ///< than the ordinary rules
 };
 
 }  // namespace corvana

@@ -1,6 +1,7 @@
 // What a conversion could not carry over exactly, as records.
 #pragma once
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <initializer_list>
@@ -74,6 +75,12 @@ inline void addWarning(Warnings& warnings, Warning warning) {
 inline void addWarning(Warnings& warnings, WarningKind kind,
                        std::initializer_list<MessageValue> values = {}) {
   addWarning(warnings, Warning{kind, values});
+}
+
+/// Whether one of them names the chunks that are left out.
+inline bool nameLeftOut(const Warnings& warnings) {
+  return std::any_of(warnings.begin(), warnings.end(),
+                     [](const Warning& warning) { return warning.kind == WarningKind::leftOut; });
 }
 
 }  // namespace corvana

@@ -121,6 +121,8 @@ TEST_F(Program, GivesFewerLoopsAndKeysFromNamesOnRequest) {
     EXPECT_EQ(run(arguments).status, 0) << c.options[0];
   }
   EXPECT_EQ(run({"--no-loops", "--first-loop-only", "loops.wav"}).status, 2);
+  const Outcome shown = run({"info", "--root-from-name", "--middle-c", "C3", "C4.aif"});
+  EXPECT_NE(shown.output.find("Root key 72"), std::string::npos) << shown.output;
 }
 
 TEST_F(Program, ConvertsBackToTheLastByteOnRequest) {
@@ -149,6 +151,7 @@ TEST_F(Program, ConvertsAnyEncodingOnRequest) {
   EXPECT_NE(outcome.output.find(R"("format":"aiff-c","encoding":"float","bits":32)"),
             std::string::npos);
   EXPECT_NE(outcome.output.find(R"("format":"aiff","bits":16)"), std::string::npos);
+  EXPECT_NE(run({"info", "--any-encoding", "f.wav"}).output.find("=> AIFF  ["), std::string::npos);
   EXPECT_EQ(run({"verify", "f.wav", "f.aif"}).errors, "corvana-cli: No differences.\n");
   EXPECT_EQ(run({"verify", "x.aif", "x.wav"}).output,
             "The output cannot be read: Not a RIFF file.\n");
@@ -418,6 +421,8 @@ TEST_F(Program, KeepsNamesAndTextsAndNamesWhatIsLeftOut) {
     int status = 0;
   } cases[] = {
       {{}, plain, "Cue 7"},
+      {{"--no-loops"}, plain + "   Left out: chunks 'LIST adtl', 'LIST INFO', 'bext'.\n", "Cue 7"},
+      {{"--reversible"}, plain, "Cue 7VerseTitle"},
       {{"--dry-run"}, plain + "   Left out: chunks 'LIST adtl', 'LIST INFO', 'bext'.\n", ""},
       {{"--keep", "names"},
        plain + "   ⚠\uFE0E Left out: chunks 'LIST INFO', 'bext'.\n",

@@ -185,11 +185,13 @@ TEST_F(Verbs, JsonIsValidByItsSchema) {
   fs::create_symlink("gone", in / "e.wav");
   const std::pair<std::string, std::string> runs[] = {
       {"info", "info ."},
+      {"info", "info --any-encoding --keep names,texts --root-from-name --no-loops ."},
       {"check", "check ."},
       {"conversion", "--dry-run --overwrite ."},
       {"conversion", "--subfolder ."},
       {"conversion", "--subfolder --skip-existing ."},
       {"verify", "verify f.wav AIFF/f.aif"},
+      {"verify", "verify --reversible f.wav AIFF/f.aif"},
       {"verify", "verify f.wav f.aif"},
       {"verify", "verify f.wav d.aif"},
       {"verify", "verify '\xFF.wav' d.aif"},

@@ -199,6 +199,8 @@ TEST(Texts, ChunksThatAreLeftOutHaveNames) {
                          wavChunk("bext", {1}), wavChunk("bext", {1})})),
             (IDs{"a?b?", "LIST adtl", "bext"}));
   EXPECT_EQ(leftOut(aiff({aiffSound, aiffChunk("NAME", {1}), comt({})})), IDs{"NAME"});
+  const ByteBuffer tag = wavChunk("id3 ", {1});
+  EXPECT_EQ(leftOut(wav({sound, tag, tag}), texts), IDs{"id3 "}) << "the last one is kept";
 
   ByteBuffer many;
   for (std::uint32_t id = 0x41414141; id < 0x41414141 + 20 * 256; ++id)
