@@ -58,7 +58,7 @@ struct Case {
   const char* name;
   ByteBuffer file;
   std::string kept;
-  std::string warnings = "";
+  std::string warnings = {};
   ConversionOptions options = both;
 };
 
