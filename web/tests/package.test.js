@@ -164,10 +164,8 @@ test("options, as the command line has them, and back again", () => {
     [{ keep: ["name"] }, "RangeError", /keep knows .* not "name"/],
     [{ keep: "names" }, "TypeError", /list/],
     [{ anyEncoding: 1 }, "TypeError", /anyEncoding/],
-    [{ reversible: null }, "TypeError", /reversible/],
     [{ rootKey: "60" }, "TypeError", /rootKey/],
     [{ rootKey: 128 }, "RangeError", /rootKey .* not 128/],
-    [{ rootKey: -1 }, "RangeError", /-1/],
     [{ rootKey: 1.5 }, "RangeError", /1\.5/],
   ];
   for (const [options, name, message] of wrong)
