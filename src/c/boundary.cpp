@@ -11,12 +11,15 @@ namespace {
 
 // Programs that are built rely on these.
 static_assert(sizeof(corvana_status) == sizeof(int));
-static_assert(sizeof(void*) != 8 || (sizeof(corvana_error) == 272 &&      //
-                                     sizeof(corvana_file_info) == 152 &&  //
-                                     sizeof(corvana_loop) == 64 &&        //
-                                     sizeof(corvana_marker) == 64 &&      //
-                                     sizeof(corvana_plan_info) == 56 &&   //
-                                     sizeof(corvana_warning) == 32));
+static_assert(sizeof(void*) != 8 || (sizeof(corvana_error) == 272 &&        //
+                                     sizeof(corvana_file_info) == 152 &&    //
+                                     sizeof(corvana_loop) == 64 &&          //
+                                     sizeof(corvana_marker) == 64 &&        //
+                                     firstSize<corvana_plan_info> == 56 &&  //
+                                     sizeof(corvana_plan_info) == 72 &&     //
+                                     sizeof(corvana_plan_options) == 32 &&  //
+                                     sizeof(corvana_warning) == 32 &&       //
+                                     sizeof(corvana_left_out) == 16));
 
 corvana_status report(corvana_error* error, corvana_status status, const char* code,
                       std::string_view text) noexcept {

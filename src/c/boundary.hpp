@@ -3,16 +3,21 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <cstdint>
 #include <cstring>
+#include <optional>
 
 #include "c/corvana.h"
 #include "vocabulary/bytes.hpp"
 
 namespace corvana {
 
-/// The size of a struct in version 1.0. One that grows keeps it, in a specialisation.
+/// The size of a struct in its first version. One that has grown keeps it, in a specialisation.
 template <typename Record>
 inline constexpr std::size_t firstSize = sizeof(Record);
+template <>
+inline constexpr std::size_t firstSize<corvana_plan_info> = offsetof(corvana_plan_info,
+                                                                     left_out_count);
 
 /// Whether `record` is there and its size may be believed.
 template <typename Record>
@@ -30,6 +35,19 @@ void fill(Record& to, Record record) {
   auto* bytes = reinterpret_cast<std::uint8_t*>(&to);
   std::memcpy(bytes, &record, known);
   std::fill(bytes + known, bytes + record.struct_size, std::uint8_t{0});
+}
+
+/// As much of the caller's record as is known, and zeros for what only the library knows. Absent
+/// where the caller asks for something that is not known.
+template <typename Record>
+std::optional<Record> taken(const Record& from) {
+  const std::size_t known = std::min(from.struct_size, sizeof(Record));
+  const auto* bytes = reinterpret_cast<const std::uint8_t*>(&from);
+  if (std::any_of(bytes + known, bytes + from.struct_size, [](auto byte) { return byte != 0; }))
+    return std::nullopt;
+  Record record{};
+  std::memcpy(&record, bytes, known);
+  return record;
 }
 
 /// Thrown where the caller's function does not want to go on.

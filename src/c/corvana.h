@@ -10,7 +10,7 @@
 // Every struct starts with its size, which the caller sets:
 // `corvana_loop loop = {.struct_size = sizeof loop}`. Later versions add members at the end only,
 // and a library that is older than the header fills those that it does not know with zeros. Sizes
-// below that of version 1.0 and above 4096 are mistakes.
+// below that of a struct's first version and above 4096 are mistakes.
 #ifndef CORVANA_CORVANA_H
 #define CORVANA_CORVANA_H
 
@@ -34,9 +34,9 @@ extern "C" {
 /// What became of a call. New values may come; whatever is not CORVANA_OK has not been done.
 typedef enum corvana_status {
   CORVANA_OK = 0,
-  CORVANA_END = 1,           ///< there is no loop, marker or warning of this index
-  CORVANA_BAD_ARGUMENT = 2,  ///< a null pointer, a wrong struct_size, an input of another size
-                             ///< than the plan's, or too little room
+  CORVANA_END = 1,           ///< there is no loop, marker, warning or chunk of this index
+  CORVANA_BAD_ARGUMENT = 2,  ///< a null pointer, a wrong struct_size, an unknown option, an input
+                             ///< of another size than the plan's, or too little room
   CORVANA_NO_MEMORY = 3,
   CORVANA_UNSUITABLE = 4,      ///< the file is damaged, or of a kind that is not supported
   CORVANA_STOPPED = 5,         ///< the callback has refused to go on
@@ -177,16 +177,52 @@ CORVANA_API corvana_status corvana_file_get_marker(const corvana_file* file, siz
 /// Everything about the output of a conversion but its samples.
 typedef struct corvana_plan corvana_plan;
 
+/// The values of corvana_plan_options::loops.
+enum corvana_loop_choice {
+  CORVANA_LOOPS_ALL = 0,    ///< as many as the output's format holds
+  CORVANA_LOOPS_FIRST = 1,  ///< the first one that can be used; of an AIFF file the sustain loop,
+                            ///< else the release loop
+  CORVANA_LOOPS_NONE = 2
+};
+
+/// The bits of corvana_plan_options::keep.
+enum corvana_keep {
+  CORVANA_KEEP_NAMES = 1,  ///< of markers, cue points and loops, with the notes on these
+  CORVANA_KEEP_TEXTS = 2   ///< of the file as a whole, ID3 tags included
+};
+
+/// What a conversion does beyond the ordinary rules. All zeros but its size: nothing. A value that
+/// is not said here is a bad argument, and so is anything but zeros in members that only the caller
+/// knows.
+typedef struct corvana_plan_options {
+  size_t struct_size;     ///< of the caller's struct, in bytes
+  uint32_t any_encoding;  ///< 1: samples that are not integers, and orders of bytes that only
+                          ///< AIFF-C and RIFX have, are converted as well
+  uint32_t loops;         ///< CORVANA_LOOPS_…, of the input, that the output gets
+  uint32_t has_root_key;  ///< 1: the next one counts
+  uint32_t root_key;      ///< MIDI note, 0 to 127, for an input that has no key of its own: neither
+                          ///< smpl nor inst chunk, no INST chunk
+  uint32_t reversible;    ///< 1: the output carries what it takes to make the input of it again; an
+                          ///< input that does so is made again, unless it has been edited since
+  uint32_t keep;          ///< CORVANA_KEEP_…, any of them joined by |
+} corvana_plan_options;
+
 /// What a conversion will make.
 typedef struct corvana_plan_info {
-  size_t struct_size;      ///< of the caller's struct, in bytes
-  uint32_t format;         ///< of the output
-  uint32_t sample_rate;    ///< of the output, in Hz
-  uint64_t output_size;    ///< bytes, of the whole output
-  uint64_t frames;         ///< that are converted
-  uint64_t warning_count;  ///< that corvana_plan_get_warning gives
-  const char* summary;     ///< "16-bit, stereo, 44100 Hz, root key 60 (+12 ct), 2 loops"
-  size_t summary_size;     ///< bytes
+  size_t struct_size;       ///< of the caller's struct, in bytes
+  uint32_t format;          ///< of the output
+  uint32_t sample_rate;     ///< of the output, in Hz
+  uint64_t output_size;     ///< bytes, of the whole output
+  uint64_t frames;          ///< that are converted
+  uint64_t warning_count;   ///< that corvana_plan_get_warning gives
+  const char* summary;      ///< "16-bit, stereo, 44100 Hz, root key 60 (+12 ct), 2 loops"
+  size_t summary_size;      ///< bytes
+  uint64_t left_out_count;  ///< that corvana_plan_get_left_out gives, at most 1000; since 1.1, as
+                            ///< are the next two
+  uint32_t sample_kind;  ///< CORVANA_SAMPLES_…, of the output: an AIFF file whose samples are no
+                         ///< integers is AIFF-C. A library of version 1.0, which leaves
+                         ///< CORVANA_SAMPLES_UNKNOWN here, makes integers
+  uint32_t is_restored;  ///< 1: the output is what its input was made of, to the last byte
 } corvana_plan_info;
 
 /// Something that the output cannot keep exactly.
@@ -197,10 +233,22 @@ typedef struct corvana_warning {
   size_t text_size;    ///< bytes
 } corvana_warning;
 
+/// A chunk of the input that the output has nothing of. Since 1.1.
+typedef struct corvana_left_out {
+  size_t struct_size;  ///< of the caller's struct, in bytes
+  const char* chunk;   ///< its ID: "bext", "LIST INFO" for a whole list, "IGNR" in a list that is
+                       ///< kept otherwise; "?" stands for what is not ASCII
+} corvana_left_out;
+
 /// Plans to convert the complete content of a WAV file into an AIFF file, or of an AIFF or AIFF-C
 /// file into a WAV file, and gives a handle in `*plan`, which is null after a failure.
 CORVANA_API corvana_status corvana_plan_make(const void* bytes, size_t size, corvana_plan** plan,
                                              corvana_error* error);
+
+/// The same with options, or by the ordinary rules where they are null. Since 1.1.
+CORVANA_API corvana_status corvana_plan_make_with(const void* bytes, size_t size,
+                                                  const corvana_plan_options* options,
+                                                  corvana_plan** plan, corvana_error* error);
 
 /// Null is allowed.
 CORVANA_API void corvana_plan_free(corvana_plan* plan);
@@ -211,6 +259,11 @@ CORVANA_API corvana_status corvana_plan_get_info(const corvana_plan* plan, corva
 /// Fills `*warning` with the warning of an index from 0, or gives CORVANA_END.
 CORVANA_API corvana_status corvana_plan_get_warning(const corvana_plan* plan, size_t index,
                                                     corvana_warning* warning);
+
+/// Fills `*left_out` with the chunk of an index from 0, in the order of the file, each ID once, or
+/// gives CORVANA_END. Since 1.1.
+CORVANA_API corvana_status corvana_plan_get_left_out(const corvana_plan* plan, size_t index,
+                                                     corvana_left_out* left_out);
 
 /// Writes the whole output, corvana_plan_info::output_size bytes, to `output`, which has room for
 /// `capacity` bytes and does not overlap the input. `bytes` is the content that the plan was made

@@ -1,7 +1,9 @@
 // Conversions, for C.
 
 #include <algorithm>
+#include <array>
 #include <new>
+#include <optional>
 #include <string>
 #include <utility>
 #include <vector>
@@ -47,16 +49,57 @@ class CallbackSink : public ByteSink {
   void* user_;
 };
 
+/// Absent where there is a value that nobody has defined.
+std::optional<ConversionOptions> meaningOf(const corvana_plan_options& record) {
+  constexpr std::array choices = {LoopChoice::all, LoopChoice::first, LoopChoice::none};
+  constexpr std::uint32_t keepsAll = CORVANA_KEEP_NAMES | CORVANA_KEEP_TEXTS;
+  const auto isFlag = [](std::uint32_t value) { return value <= 1; };
+  if (!isFlag(record.any_encoding) || !isFlag(record.has_root_key) || !isFlag(record.reversible) ||
+      record.loops >= choices.size() || (record.keep & ~keepsAll) != 0 ||
+      (record.has_root_key == 1 && record.root_key > 127))
+    return std::nullopt;
+  ConversionOptions options;
+  options.anyEncoding = record.any_encoding == 1;
+  options.loops = choices.at(record.loops);
+  if (record.has_root_key == 1) options.rootKey = static_cast<std::uint8_t>(record.root_key);
+  options.reversible = record.reversible == 1;
+  options.keepNames = (record.keep & CORVANA_KEEP_NAMES) != 0;
+  options.keepTexts = (record.keep & CORVANA_KEEP_TEXTS) != 0;
+  return options;
+}
+
+/// The same of the caller's struct, which may be null.
+std::optional<ConversionOptions> optionsOf(const corvana_plan_options* options) {
+  if (options == nullptr) return ConversionOptions();
+  if (!isUsable(options)) return std::nullopt;
+  const auto record = taken(*options);
+  return record ? meaningOf(*record) : std::nullopt;
+}
+
 /// The texts are made here, so that threads that share a plan need not take turns.
-corvana_plan* makePlan(ByteView input) {
+corvana_plan* makePlan(ByteView input, const ConversionOptions& options) {
   const Language english;
-  ConversionPlan plan = planConversion(input);
+  ConversionPlan plan = planConversion(input, options);
   std::string summary = makeSummary(plan.summary, english);
   std::vector<std::string> texts;
   texts.reserve(plan.warnings.size());
   for (const Warning& warning : plan.warnings)
     texts.push_back(warningText(warning, english));
   return new corvana_plan{std::move(plan), input.size(), std::move(summary), std::move(texts)};
+}
+
+std::uint32_t sampleKindOf(SampleEncoding encoding) {
+  switch (encoding) {
+    case SampleEncoding::integer:
+      return CORVANA_SAMPLES_INTEGER;
+    case SampleEncoding::floatingPoint:
+      return CORVANA_SAMPLES_FLOATING_POINT;
+    case SampleEncoding::aLaw:
+      return CORVANA_SAMPLES_A_LAW;
+    case SampleEncoding::muLaw:
+      return CORVANA_SAMPLES_MU_LAW;
+  }
+  return CORVANA_SAMPLES_UNKNOWN;
 }
 
 bool isInputOf(const corvana_plan* plan, const void* bytes, std::size_t size) {
@@ -71,7 +114,21 @@ corvana_status corvana_plan_make(const void* bytes, size_t size, corvana_plan** 
   return guarded(error, [&] {
     if (plan == nullptr || !areThere(bytes, size))
       return badArgument(error, "corvana_plan_make: a pointer is null.");
-    *plan = makePlan(view(bytes, size));
+    *plan = makePlan(view(bytes, size), {});
+    return CORVANA_OK;
+  });
+}
+
+corvana_status corvana_plan_make_with(const void* bytes, size_t size,
+                                      const corvana_plan_options* options, corvana_plan** plan,
+                                      corvana_error* error) {
+  if (plan != nullptr) *plan = nullptr;
+  return guarded(error, [&] {
+    if (plan == nullptr || !areThere(bytes, size))
+      return badArgument(error, "corvana_plan_make_with: a pointer is null.");
+    const auto known = optionsOf(options);
+    if (!known) return badArgument(error, "corvana_plan_make_with: an option is not known.");
+    *plan = makePlan(view(bytes, size), *known);
     return CORVANA_OK;
   });
 }
@@ -90,6 +147,9 @@ corvana_status corvana_plan_get_info(const corvana_plan* plan, corvana_plan_info
   record.warning_count = plan->warningTexts.size();
   record.summary = plan->summary.c_str();
   record.summary_size = plan->summary.size();
+  record.left_out_count = plan->plan.leftOut.size();
+  record.sample_kind = sampleKindOf(plan->plan.summary.encoding);
+  record.is_restored = plan->plan.summary.isRestored;
   fill(*info, record);
   return CORVANA_OK;
 }
@@ -104,6 +164,16 @@ corvana_status corvana_plan_get_warning(const corvana_plan* plan, size_t index,
   record.text = text.c_str();
   record.text_size = text.size();
   fill(*warning, record);
+  return CORVANA_OK;
+}
+
+corvana_status corvana_plan_get_left_out(const corvana_plan* plan, size_t index,
+                                         corvana_left_out* left_out) {
+  if (plan == nullptr || !isUsable(left_out)) return CORVANA_BAD_ARGUMENT;
+  if (index >= plan->plan.leftOut.size()) return CORVANA_END;
+  corvana_left_out record{};
+  record.chunk = plan->plan.leftOut[index].c_str();
+  fill(*left_out, record);
   return CORVANA_OK;
 }
 

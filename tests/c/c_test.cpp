@@ -1,9 +1,14 @@
+#include <array>
+#include <cstddef>
 #include <cstdlib>
 #include <cstring>
 #include <gtest/gtest.h>
 #include <memory>
 #include <new>
+#include <optional>
+#include <set>
 #include <thread>
+#include <utility>
 
 #include "c/corvana.h"
 #include "convert/plan_conversion.hpp"
@@ -102,17 +107,22 @@ int append(void* user, const void* bytes, std::size_t size) {
   return 0;
 }
 
-std::string converted(ByteView input) {
+std::string converted(ByteView input, const corvana_plan_options* options = nullptr) {
   corvana_plan* plan = nullptr;
   auto error = sized<corvana_error>();
-  if (corvana_plan_make(input.data(), input.size(), &plan, &error) != CORVANA_OK)
+  if ((options ? corvana_plan_make_with(input.data(), input.size(), options, &plan, &error)
+               : corvana_plan_make(input.data(), input.size(), &plan, &error)) != CORVANA_OK)
     return spaced(error.code, error.text);
   auto info = sized<corvana_plan_info>();
   EXPECT_EQ(corvana_plan_get_info(plan, &info), CORVANA_OK);
-  std::string result = spaced(info.format, info.frames, std::string(info.summary));
+  std::string result = spaced(info.format, info.frames, info.sample_kind, info.is_restored,
+                              info.left_out_count, std::string(info.summary));
   auto warning = sized<corvana_warning>();
   for (std::size_t i = 0; corvana_plan_get_warning(plan, i, &warning) == CORVANA_OK; ++i)
     result += spaced(warning.code, std::string(warning.text, warning.text_size));
+  auto chunk = sized<corvana_left_out>();
+  for (std::size_t i = 0; corvana_plan_get_left_out(plan, i, &chunk) == CORVANA_OK; ++i)
+    result += spaced(chunk.chunk);
   std::string room(static_cast<std::size_t>(info.output_size), ' '), parts;
   EXPECT_EQ(
       corvana_plan_carry_out(plan, input.data(), input.size(), room.data(), room.size(), &error),
@@ -124,13 +134,19 @@ std::string converted(ByteView input) {
   return result + parts;
 }
 
-std::string convertedByTheEngine(ByteView input) {
+std::string convertedByTheEngine(ByteView input, const ConversionOptions& options = {}) {
   try {
-    const ConversionPlan plan = planConversion(input);
-    std::string result = spaced(plan.content.index() == 0 ? CORVANA_AIFF : CORVANA_WAV,
-                                plan.samples.frameCount, makeSummary(plan.summary, english));
+    const ConversionPlan plan = planConversion(input, options);
+    constexpr std::array kinds = {CORVANA_SAMPLES_INTEGER, CORVANA_SAMPLES_FLOATING_POINT,
+                                  CORVANA_SAMPLES_A_LAW, CORVANA_SAMPLES_MU_LAW};
+    std::string result =
+        spaced(plan.content.index() == 0 ? CORVANA_AIFF : CORVANA_WAV, plan.samples.frameCount,
+               kinds.at(static_cast<std::size_t>(plan.summary.encoding)), plan.summary.isRestored,
+               plan.leftOut.size(), makeSummary(plan.summary, english));
     for (const Warning& warning : plan.warnings)
       result += spaced(warningCode(warning.kind), warningText(warning, english));
+    for (const std::string& chunk : plan.leftOut)
+      result += spaced(chunk);
     const ByteBuffer output = carryOutInMemory(plan, input);
     return result + std::string(output.begin(), output.end());
   } catch (const ConversionError& error) {
@@ -146,6 +162,42 @@ TEST(C, ConvertsWhateverIsLeftOfAFileLikeTheEngine) {
     }
 }
 
+TEST(C, ConvertsByOptionsLikeTheEngine) {
+  struct Grown {
+    corvana_plan_options options;
+    std::uint64_t newer;
+  };
+  const std::size_t size = sizeof(corvana_plan_options), grown = sizeof(Grown);
+  const std::pair<Grown, std::optional<ConversionOptions>> cases[] = {
+      {{{size, 1, CORVANA_LOOPS_FIRST, 0, 200, 0, CORVANA_KEEP_NAMES}, 9},
+       {{.anyEncoding = true, .loops = LoopChoice::first, .keepNames = true}}},
+      {{{size, 1, CORVANA_LOOPS_NONE, 1, 127, 0, CORVANA_KEEP_TEXTS}, 9},
+       {{.anyEncoding = true, .loops = LoopChoice::none, .rootKey = 127, .keepTexts = true}}},
+      {{{grown, 0, 0, 1, 0, 0, 3}, 0}, {{.rootKey = 0, .keepNames = true, .keepTexts = true}}},
+      {{{size, 0, 0, 0, 0, 1, 0}, 9}, {{.reversible = true}}},
+      {{{grown, 0, 0, 0, 0, 0, 0}, 1}, {}},  // a newer option
+      {{{size - 1, 0, 0, 0, 0, 0, 0}, 0}, {}},
+      {{{size, 2, 0, 0, 0, 0, 0}, 0}, {}},
+      {{{size, 0, 3, 0, 0, 0, 0}, 0}, {}},
+      {{{size, 0, 0, 2, 0, 0, 0}, 0}, {}},
+      {{{size, 0, 0, 1, 128, 0, 0}, 0}, {}},
+      {{{size, 0, 0, 0, 0, 2, 0}, 0}, {}},
+      {{{size, 0, 0, 0, 0, 0, 4}, 0}, {}}};
+  const ByteBuffer muLaw = wav({fmt({.tag = 7, .blockAlign = 1, .bits = 8}),
+                                wavChunk("bext", {1, 2}), data(ByteBuffer(40, 9))});
+  const ByteBuffer packed = carryOutInMemory(planConversion(guitar, {.reversible = true}), guitar);
+  std::set<std::string> outputs;
+  for (const auto& [given, meant] : cases)
+    for (const ByteBuffer& input : {guitar, pad, muLaw, packed}) {
+      const std::string expected =
+          meant ? convertedByTheEngine(input, *meant)
+                : "bad-argument corvana_plan_make_with: an option is not known. ";
+      EXPECT_EQ(converted(input, &given.options), expected) << &given - &cases[0].first;
+      outputs.insert(expected);
+    }
+  EXPECT_EQ(outputs.size(), 16U);  // alike are only refusals: of arguments, and twice of µ-law
+}
+
 TEST(C, RefusesBadArguments) {
   const void* in = guitar.data();
   const std::size_t size = guitar.size();
@@ -159,7 +211,9 @@ TEST(C, RefusesBadArguments) {
   auto error = sized<corvana_error>();
   for (const corvana_status status :
        {corvana_file_read(nullptr, 5, &file, &error), corvana_file_read(in, size, nullptr, nullptr),
-        corvana_plan_make(in, size, nullptr, nullptr), corvana_file_get_loop(nullptr, 0, none),
+        corvana_plan_make(in, size, nullptr, nullptr),
+        corvana_plan_make_with(in, size, nullptr, nullptr, nullptr),
+        corvana_file_get_loop(nullptr, 0, none),
         corvana_plan_carry_out(nullptr, in, size, room.data(), 2000, nullptr),
         corvana_plan_carry_out(plan, nullptr, size, room.data(), 2000, nullptr),
         corvana_plan_carry_out(plan, in, size - 1, room.data(), 2000, nullptr),
@@ -190,6 +244,15 @@ TEST(C, FitsOlderAndNewerCallers) {
     EXPECT_EQ(corvana_file_get_loop(file, 0, &grown.loop), CORVANA_BAD_ARGUMENT);
   }
   EXPECT_EQ(spaced(grown.loop.type, grown.newer, grown.behind), "77 0 238 ");
+  corvana_plan* plan = nullptr;
+  ASSERT_EQ(corvana_plan_make_with(pad.data(), pad.size(), nullptr, &plan, nullptr), CORVANA_OK);
+  auto info = sized<corvana_plan_info>();
+  info.struct_size = offsetof(corvana_plan_info, left_out_count);  // of version 1.0
+  EXPECT_EQ(corvana_plan_get_info(plan, &info), CORVANA_OK);
+  EXPECT_EQ(spaced(info.frames, info.sample_kind == 0xEEEEEEEE), "60 1 ");
+  info.struct_size -= 1;
+  EXPECT_EQ(corvana_plan_get_info(plan, &info), CORVANA_BAD_ARGUMENT);
+  corvana_plan_free(plan);
   corvana_file_free(file);
 }
 

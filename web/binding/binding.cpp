@@ -24,6 +24,7 @@
 #include "vocabulary/failure.hpp"
 #include "vocabulary/file_names.hpp"
 #include "vocabulary/messages.hpp"
+#include "vocabulary/note_name.hpp"
 #include "vocabulary/text_format.hpp"
 
 /// A function of the module, for JavaScript.
@@ -142,6 +143,20 @@ std::vector<std::string> takeTexts() {
   return texts;
 }
 
+/// What options.js makes of the options: a bit for each thing, and a MIDI note, or -1 for none.
+ConversionOptions optionsOf(std::uint32_t asked, int rootKey) {
+  const auto isAsked = [asked](std::uint32_t bit) { return (asked & bit) != 0; };
+  ConversionOptions options;
+  options.anyEncoding = isAsked(1);
+  options.reversible = isAsked(2);
+  if (isAsked(4)) options.loops = LoopChoice::first;
+  if (isAsked(8)) options.loops = LoopChoice::none;
+  options.keepNames = isAsked(16);
+  options.keepTexts = isAsked(32);
+  if (rootKey >= 0) options.rootKey = static_cast<std::uint8_t>(rootKey);
+  return options;
+}
+
 /// Whether there was memory enough for it.
 template <typename Action>
 bool done(const Action& action) {
@@ -186,11 +201,11 @@ CORVANA_EXPORT(reserve) std::uint8_t* reserve(std::size_t size) {
 }
 
 /// What the file holds, as `corvana-cli info --json` writes it.
-CORVANA_EXPORT(info) bool info(int middleC) {
+CORVANA_EXPORT(info) bool info(int middleC, std::uint32_t asked, int rootKey) {
   return done([&] {
     Json object = Json::object();
     addDescription(object, file.describe(), middleC);
-    addProspect(object, prospectOf(file.content()), language);
+    addProspect(object, prospectOf(file.content(), optionsOf(asked, rootKey)), language);
     text = textOf(object);
   });
 }
@@ -221,13 +236,14 @@ CORVANA_EXPORT(layout) bool layout() {
 
 /// Plans the conversion and tells what it comes to, or its error. From then on `nextBlock` gives
 /// the output.
-CORVANA_EXPORT(plan) bool plan() {
-  return done([] {
+CORVANA_EXPORT(plan) bool plan(std::uint32_t asked, int rootKey) {
+  return done([&] {
     Json object;
     file.plan.reset();
     file.next = OpenFile::Next::nothing;
     try {
-      const ConversionPlan& plan = file.plan.emplace(planConversion(file.content()));
+      const ConversionPlan& plan =
+          file.plan.emplace(planConversion(file.content(), optionsOf(asked, rootKey)));
       object["direction"] = directionCode(plan.makesWAV());
       addOutput(object, plan.makesWAV(), plan.summary, plan.samples.frameCount, plan.outputSize());
       object["summary"] = makeSummary(plan.summary, language);
@@ -291,6 +307,12 @@ CORVANA_EXPORT(isOutputFolder) bool textIsOutputFolder() {
 
 CORVANA_EXPORT(isPackageName) bool textIsPackageName() {
   return isPackageName(text);
+}
+
+/// The key that the name of a file tells; -1: none.
+CORVANA_EXPORT(rootKeyInName) int keyInName(int middleC) {
+  const auto key = noteInFileName(text, middleC);
+  return key ? *key : -1;
 }
 
 CORVANA_EXPORT(outputSubfolder) bool subfolderForOutput(bool isAIFF) {

@@ -16,19 +16,25 @@ export {
   isPackageName,
   outputName,
   outputSubfolder,
+  rootKeyInName,
 } from "./names.js";
 export { open, SampledFile } from "./sampled_file.js";
 export { version } from "./version.js";
 
 /** @typedef {import("./language.js").Language} Language */
+/** @typedef {import("./options.js").ConversionOptions} ConversionOptions */
 /** @typedef {import("./records.js").Conversion} Conversion */
 /** @typedef {import("./records.js").FileInfo} FileInfo */
+/** @typedef {import("./records.js").OutputFormat} OutputFormat */
 /** @typedef {import("./records.js").SampleLayout} SampleLayout */
+/** @typedef {import("./sampled_file.js").InfoOptions} InfoOptions */
+/** @typedef {import("./sampled_file.js").PlanOptions} PlanOptions */
 
 /**
- * What a WAV or AIFF file holds, whether it can be converted or not. Never fails but for memory.
+ * What a WAV or AIFF file holds, whether it can be converted or not, and what a conversion with
+ * these options would say. Never fails but for memory.
  * @param {Uint8Array | ArrayBuffer} bytes the whole file
- * @param {{ language?: Language, middleC?: number }} [options] `middleC`: octave of note 60, 4
+ * @param {InfoOptions} [options]
  * @returns {FileInfo}
  */
 export function info(bytes, options) {
@@ -44,7 +50,7 @@ export function info(bytes, options) {
  * Converts a WAV file into an AIFF file, or an AIFF file into a WAV file. Throws a ConversionError
  * where that cannot be done. For files that should not be in memory twice there is `open`.
  * @param {Uint8Array | ArrayBuffer} bytes the whole file
- * @param {{ language?: Language }} [options]
+ * @param {PlanOptions} [options]
  * @returns {Conversion & { bytes: Uint8Array<ArrayBuffer> }}
  */
 export function convert(bytes, options) {

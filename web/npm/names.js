@@ -2,6 +2,8 @@
 
 import { anyEngine } from "./sampled_file.js";
 
+/** @typedef {import("./records.js").OutputFormat} OutputFormat */
+
 /** Whether a file of this name is one to convert. */
 export function hasAudioExtension(/** @type {string} */ name) {
   const engine = anyEngine();
@@ -23,8 +25,21 @@ export function isPackageName(/** @type {string} */ name) {
   return Boolean(engine.exports.isPackageName());
 }
 
+/**
+ * The MIDI note that a name tells, "Piano C#3.wav", "bass_a2" or "60_Pad", for a conversion's
+ * `rootKey`; undefined where it tells none.
+ * @param {string} name
+ * @param {{ middleC?: number }} [options] octave of note 60, 4
+ */
+export function rootKeyInName(name, { middleC = 4 } = {}) {
+  const engine = anyEngine();
+  engine.putText(name);
+  const key = engine.exports.rootKeyInName(middleC);
+  return key < 0 ? undefined : key;
+}
+
 /** The subfolder for outputs of a format: "AIFF" or "WAV". */
-export function outputSubfolder(/** @type {"aiff" | "wav"} */ format) {
+export function outputSubfolder(/** @type {OutputFormat} */ format) {
   const engine = anyEngine();
   return engine.answer(() => engine.exports.outputSubfolder(Number(format === "wav")));
 }
@@ -32,7 +47,7 @@ export function outputSubfolder(/** @type {"aiff" | "wav"} */ format) {
 /**
  * The name of an output without a number.
  * @param {string} inputName
- * @param {"aiff" | "wav"} format of the output
+ * @param {OutputFormat} format
  */
 export function outputName(inputName, format) {
   return freeOutputName(inputName, format, () => true);
@@ -41,7 +56,7 @@ export function outputName(inputName, format) {
 /**
  * The first of "a.aif", "a (1).aif", "a (2).aif" … that `mayTake` agrees to.
  * @param {string} inputName
- * @param {"aiff" | "wav"} format of the output
+ * @param {OutputFormat} format
  * @param {(name: string) => boolean} mayTake
  */
 export function freeOutputName(inputName, format, mayTake) {

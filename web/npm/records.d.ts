@@ -10,10 +10,14 @@ export interface Warning {
   text: string;
 }
 
+export type OutputFormat = "aiff" | "aiff-c" | "wav";
+
 /** What a conversion comes to. The figures are those of the output. */
 export interface Conversion {
   direction: "wav-to-aiff" | "aiff-to-wav";
-  format: "aiff" | "wav";
+  format: OutputFormat;
+  /** Of samples that are not integers (anyEncoding). */
+  encoding?: "float" | "a-law" | "mu-law";
   /** "16-bit, stereo, 44100 Hz, root key 60 (+12 ct), 2 loops" */
   summary: string;
   /** Per sample. */
@@ -28,6 +32,8 @@ export interface Conversion {
   loopCount: number;
   markerCount: number;
   cuePointCount: number;
+  /** The output is what the file was made of, to the last byte (reversible). */
+  restored?: true;
   frames: number;
   /** Bytes. */
   outputSize: number;

@@ -2,13 +2,16 @@
 
 import { ConversionError, Engine, outOfMemory } from "./engine.js";
 import { english } from "./language.js";
+import { numbersOf } from "./options.js";
 
 /** @typedef {import("./language.js").Language} Language */
+/** @typedef {import("./options.js").ConversionOptions} ConversionOptions */
 /** @typedef {import("./records.js").Conversion} Conversion */
 /** @typedef {import("./records.js").FileInfo} FileInfo */
 /** @typedef {import("./records.js").SampleLayout} SampleLayout */
 /** @typedef {{ language?: Language }} LanguageOption */
-/** @typedef {LanguageOption & { middleC?: number }} InfoOptions `middleC`: octave of note 60, 4 */
+/** @typedef {LanguageOption & ConversionOptions} PlanOptions */
+/** @typedef {PlanOptions & { middleC?: number }} InfoOptions `middleC`: octave of note 60, 4 */
 
 /**
  * Engines without a file, for the next ones. Memory of WebAssembly never shrinks: engines that have
@@ -64,13 +67,15 @@ export class SampledFile {
   }
 
   /**
-   * What the file holds, whether it can be converted or not.
+   * What the file holds, whether it can be converted or not, and what a conversion with these
+   * options would say.
    * @param {InfoOptions} [options]
    * @returns {FileInfo}
    */
-  info({ language, middleC = 4 } = {}) {
+  info({ language, middleC = 4, ...options } = {}) {
+    const asked = numbersOf(options);
     const engine = this.#open(language);
-    return JSON.parse(engine.answer(() => engine.exports.info(middleC)));
+    return JSON.parse(engine.answer(() => engine.exports.info(middleC, ...asked)));
   }
 
   /**
@@ -93,12 +98,14 @@ export class SampledFile {
 
   /**
    * What a conversion comes to. Throws a ConversionError where there is none.
-   * @param {LanguageOption} [options]
+   * @param {PlanOptions} [options]
    * @returns {Conversion}
    */
-  plan({ language } = {}) {
+  plan({ language, ...options } = {}) {
+    const asked = numbersOf(options);
     const engine = this.#open(language);
-    const { error, bytes, ...plan } = JSON.parse(engine.answer(engine.exports.plan));
+    const answer = engine.answer(() => engine.exports.plan(...asked));
+    const { error, bytes, ...plan } = JSON.parse(answer);
     this.#isPlanned = !error;
     if (error) throw new ConversionError(error.code, error.text, error.values);
     return { ...plan, outputSize: bytes };

@@ -2,6 +2,7 @@
 
 /** @typedef {import("./corvana/index.js").Conversion} Conversion */
 /** @typedef {import("./corvana/index.js").FileInfo} FileInfo */
+/** @typedef {import("./corvana/index.js").OutputFormat} OutputFormat */
 /** @typedef {import("./corvana/index.js").SampleLayout} SampleLayout */
 /** @typedef {import("./texts.js").Texts} Texts */
 
@@ -31,7 +32,7 @@
 /**
  * To the worker. "name" answers a question.
  * @typedef {{ type: "convert", id: number, file: File, target: Target | null }
- *   | { type: "write", id: number, blob: Blob, format: "aiff" | "wav", target: Target }
+ *   | { type: "write", id: number, blob: Blob, format: OutputFormat, target: Target }
  *   | { type: "zip", id: number, items: import("./zip.js").Item[] }
  *   | { type: "stretch", id: number, file: File, layout: SampleLayout, first: number,
  *       count: number, columns: number }
@@ -48,7 +49,7 @@
  * @typedef {{ type: "ready" }
  *   | { type: "begun", id: number }
  *   | { type: "progress", id: number, fraction: number }
- *   | { type: "question", id: number, format: "aiff" | "wav", directory: string,
+ *   | { type: "question", id: number, format: OutputFormat, directory: string,
  *       refused: string | null }
  *   | { type: "converted", id: number, sound: Sound, conversions: Record<string, Conversion>,
  *       blob: Blob | null, isBroken: boolean }

@@ -4,7 +4,7 @@ import { joined } from "./entries.js";
 /** Names that a disk could take for the same. @param {string} path */
 const folded = (path) => path.normalize("NFC").toLowerCase();
 
-/** @typedef {"aiff" | "wav"} Format */
+/** @typedef {import("./corvana/index.js").OutputFormat} Format */
 
 /** The run of an output that is in no folder so far. Nothing takes its name from it. */
 export const inMemory = 0;

@@ -7,6 +7,7 @@ import { catalogue, inEveryLanguage, localised } from "./texts.js";
 import { coarse, overviewColumns } from "./waveform.js";
 import { zipOf } from "./zip.js";
 
+/** @typedef {import("./corvana/index.js").OutputFormat} OutputFormat */
 /** @typedef {import("./messages.js").Order} Order */
 /** @typedef {import("./messages.js").Report} Report */
 /** @typedef {import("./messages.js").Sound} Sound */
@@ -212,7 +213,7 @@ class KeptOutput {
   }
 }
 
-/** @param {{ id: number, blob: Blob, format: "aiff" | "wav", target: Target }} order
+/** @param {{ id: number, blob: Blob, format: OutputFormat, target: Target }} order
  * @param {AbortSignal} signal */
 async function write({ id, blob, format, target }, signal) {
   tell({ type: "begun", id });
@@ -254,7 +255,7 @@ async function copy(blocks, output, signal, onProgress) {
 }
 
 /** The page chooses the name: it knows all inputs and outputs.
- * @param {number} id @param {"aiff" | "wav"} format @param {Target} target
+ * @param {number} id @param {OutputFormat} format @param {Target} target
  * @param {AbortSignal} signal
  */
 async function openOutput(id, format, target, signal) {

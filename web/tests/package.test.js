@@ -18,7 +18,8 @@ const languages = { en: undefined, de: german };
 const packageFiles = [
   ..."LICENSE NOTICES README.md engine.d.ts engine.js index.d.ts index.js".split(" "),
   ..."language.d.ts language.js languages/de.js languages/language.d.ts".split(" "),
-  ..."names.d.ts names.js package.json records.d.ts sampled_file.d.ts sampled_file.js".split(" "),
+  ..."names.d.ts names.js options.d.ts options.js package.json".split(" "),
+  ..."records.d.ts sampled_file.d.ts sampled_file.js".split(" "),
   ..."version.d.ts version.js wasm.d.ts wasm.js".split(" "),
 ];
 
@@ -31,12 +32,11 @@ function wavHeader(size) {
   return header;
 }
 
-/** @param {string} file @param {corvana.Language} [language] what the command line would say of it */
-function outcome(file, language) {
+/** @param {string} file @param {corvana.PlanOptions} [options] what the command line would say of it */
+function outcome(file, options) {
   try {
-    const { bytes, outputSize, summary, ...conversion } = corvana.convert(fs.readFileSync(file), {
-      language,
-    });
+    const content = fs.readFileSync(file);
+    const { bytes, outputSize, summary, ...conversion } = corvana.convert(content, options);
     assert.equal(bytes.length, outputSize);
     return { bytes, summary, conversion, record: { ...conversion, bytes: outputSize } };
   } catch (error) {
@@ -66,7 +66,7 @@ for (const place of [library, ...given]) {
       assert.deepEqual(lines.map((line) => line.input).sort(), files);
       const log = [];
       for (const { schema, seconds, direction, input, output, ...expected } of lines) {
-        const { record, summary, conversion } = outcome(input, language);
+        const { record, summary, conversion } = outcome(input, { language });
         const name = path.basename(input);
         if (conversion === undefined) {
           assert.deepEqual(record, expected, input);
@@ -111,6 +111,67 @@ for (const place of [library, ...given]) {
     fs.rmSync(output, { recursive: true });
   });
 }
+
+test("options, as the command line has them, and back again", () => {
+  const place = path.join(folder, "given");
+  commandLine.makeLibrary(place, 300);
+  for (const [tag, bits] of [
+    [3, 32],
+    [3, 64],
+    [6, 8],
+    [7, 8],
+  ]) {
+    // prettier-ignore
+    const file = Buffer.concat([wavHeader(800), Buffer.alloc(800, "sound")]);
+    [tag, bits / 8, bits].forEach((field, i) => file.writeUInt16LE(field, [20, 32, 34][i]));
+    fs.writeFileSync(path.join(place, `${tag}-${bits} F#2.wav`), file);
+  }
+  const reversible = () => ({ reversible: true, anyEncoding: true });
+  const keyIn = (/** @type {string} */ name) => ({
+    rootKey: corvana.rootKeyInName(name, { middleC: 3 }),
+  });
+  /** @type {[string, string, (name: string) => corvana.ConversionOptions][]} */
+  const cases = [
+    ["given", "--any-encoding", () => ({ anyEncoding: true, loops: "all", keep: [] })],
+    ["given", "--first-loop-only --keep texts", () => ({ loops: "first", keep: ["texts"] })],
+    ["given", "--no-loops --keep texts,names", () => ({ loops: "none", keep: ["names", "texts"] })],
+    ["given", "--root-from-name --middle-c C3", keyIn],
+    ["given", "--reversible --any-encoding", reversible],
+    ["output", "--reversible --any-encoding", reversible],
+  ];
+  for (const [from, parameters, optionsOf] of cases) {
+    const to = path.join(folder, from === "output" ? "back" : "output");
+    fs.rmSync(to, { recursive: true, force: true });
+    const written = ["--json", "--output", to, ...parameters.split(" "), path.join(folder, from)];
+    let changed = 0;
+    for (const line of commandLine.records("en", ...written)) {
+      const { schema, seconds, direction, input, output, ...expected } = line;
+      const options = optionsOf(path.basename(input));
+      const { bytes, record } = outcome(input, options);
+      const { conversion } = corvana.info(fs.readFileSync(input), options);
+      assert.deepEqual(record, { ...(output && { direction }), ...expected }, input);
+      assert.deepEqual("error" in conversion || conversion.leftOut, expected.leftOut ?? true);
+      if (!bytes) continue;
+      assert.ok(fs.readFileSync(output).equals(bytes), `${parameters}: ${input}`);
+      if (!outcome(input).bytes?.every((byte, i) => byte === bytes[i])) ++changed;
+    }
+    assert.ok(changed > 3, `${parameters} changed ${changed} files`);
+  }
+
+  /** @type {[any, string, RegExp][]} */
+  const wrong = [
+    [{ loops: "some" }, "RangeError", /loops knows "all", "first", "none", but not "some"/],
+    [{ keep: ["name"] }, "RangeError", /keep knows .* not "name"/],
+    [{ keep: "names" }, "TypeError", /list/],
+    [{ anyEncoding: 1 }, "TypeError", /anyEncoding/],
+    [{ rootKey: "60" }, "TypeError", /rootKey/],
+    [{ rootKey: 128 }, "RangeError", /rootKey .* not 128/],
+    [{ rootKey: 1.5 }, "RangeError", /1\.5/],
+  ];
+  for (const [options, name, message] of wrong)
+    for (const call of [corvana.convert, corvana.info])
+      assert.throws(() => call(wavHeader(0), options), { name, message });
+});
 
 test("a large file is read and written in pieces, and can be given up", async () => {
   const original = fs.readFileSync(commandLine.filesIn(library)[0]);
