@@ -7,26 +7,27 @@
 
 #include "convert/conversion_plan.hpp"
 #include "vocabulary/bytes.hpp"
-#include "vocabulary/messages.hpp"
 
 namespace corvana {
 
 /// A file that can be put together again: prefix, samples, suffix.
 struct Capsule {
   std::uint64_t originalSum = 0;  ///< Crc64 of the whole original
-  /// Crc64 of what the writer makes of the output's records around its samples, then of the chunks
-  /// with names and texts; with the samples in the middle of the former where hasLostBits.
+  /// Crc64 of what the writer makes of the output's records around its samples, with the samples in
+  /// the middle where hasLostBits; then of names and texts.
   std::uint64_t outputSum = 0;
   std::uint32_t frameCount = 0;  ///< between prefix and suffix
   std::uint16_t channels = 0;
   SampleConversion conversion = {};  ///< from the original to the output
   bool keepsNames = false;           ///< ConversionOptions::keepNames
   bool keepsTexts = false;           ///< ConversionOptions::keepTexts
-  Summary summary = {};              ///< what the original is
   ByteView prefix = {};              ///< of the original, ahead of its samples
   ByteView suffix = {};              ///< of the original, behind them
   ByteView samples = {};             ///< of the original, where hasLostBits; else empty
 
+  std::uint64_t sampleBytes() const {  ///< of the original between prefix and suffix
+    return std::uint64_t{frameCount} * channels * conversion.sourceWidth;
+  }
   /// Whether the samples of the output do not tell those of the original.
   bool hasLostBits() const { return conversion.outputWidth != conversion.sourceWidth; }
 };

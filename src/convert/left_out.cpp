@@ -4,6 +4,7 @@
 #include <initializer_list>
 
 #include "aiff/aiff_texts.hpp"
+#include "convert/map_texts.hpp"
 #include "vocabulary/chunks.hpp"
 #include "vocabulary/screen_text.hpp"
 #include "wav/wav_format.hpp"
@@ -29,8 +30,7 @@ void addLeftOutOfList(ByteView list, ByteOrder order, const ConversionOptions& o
     return leftOut.add("LIST " + std::string(type));
   const auto visit = [&](const Chunk& chunk) {
     // Of a stretch, the length is lost.
-    const bool isKept = hasNames ? isOneOf(chunk.id, {"labl", "note"})
-                                 : isOneOf(chunk.id, {"INAM", "IART", "ICOP", "ICMT"});
+    const bool isKept = hasNames ? isOneOf(chunk.id, {"labl", "note"}) : hasCounterpart(chunk.id);
     if (!isKept && !chunk.body.empty()) leftOut.add(chunk.id);
   };
   walkChunks(list, order, visit, wav_layout::listTypeSize);

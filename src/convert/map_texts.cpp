@@ -1,5 +1,8 @@
 #include "convert/map_texts.hpp"
 
+#include <algorithm>
+#include <iterator>
+
 namespace corvana {
 namespace {
 
@@ -50,6 +53,12 @@ void mapTag(std::string_view id, ByteView tag, TextRoom& room, ByteBuffer& mappe
 }
 
 }  // namespace
+
+bool hasCounterpart(std::string_view infoID) {
+  return infoID == comments.wav ||
+         std::any_of(std::begin(singleTexts), std::end(singleTexts),
+                     [&](const Counterparts& text) { return text.wav == infoID; });
+}
 
 void mapTexts(const WavTextViews& wav, AiffTexts& aiff, LeftOutChunks& leftOut) {
   TextRoom room;

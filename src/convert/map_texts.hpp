@@ -28,6 +28,9 @@ inline bool isEmptyText(ByteView text) {
   return text.empty() || text.front() == 0;
 }
 
+/// Whether AIFF has a place for an INFO text of this ID.
+bool hasCounterpart(std::string_view infoID);
+
 /// Adds texts and tag. Of a text that AIFF has once, the last one counts. What there is no room for
 /// is left out.
 void mapTexts(const WavTextViews& wav, AiffTexts& aiff, LeftOutChunks& leftOut);

@@ -52,7 +52,7 @@ Summary summarise(const WavContent& content) {
 ConversionPlan planAIFFToWAV(ByteView file, const ConversionOptions& options) {
   ConversionPlan plan;
   if (options.reversible)
-    if (auto restored = planRestoring(file, /*isWAV=*/false, plan.warnings))
+    if (auto restored = planRestoring(file, /*isWAV=*/false, options, plan.warnings))
       return *std::move(restored);
   const AiffInfo info = parseAiff(file, options.anyEncoding);
   const std::uint32_t width = bytesFor(info.sampleSize);
@@ -84,12 +84,7 @@ ConversionPlan planAIFFToWAV(ByteView file, const ConversionOptions& options) {
   plan.trailer = std::move(trailer);
   plan.summary = summarise(content);
   plan.content = std::move(content);
-  if (options.reversible) {
-    Summary original = plan.summary;
-    original.markerCount = static_cast<std::int64_t>(info.markers.size());
-    original.cuePointCount = 0;
-    makeReversible(plan, file, options, original);
-  }
+  if (options.reversible) makeReversible(plan, file, options);
   return plan;
 }
 

@@ -52,7 +52,7 @@ Summary summarise(const AiffContent& content, std::size_t loopCount) {
 ConversionPlan planWAVToAIFF(ByteView file, const ConversionOptions& options) {
   ConversionPlan plan;
   if (options.reversible)
-    if (auto restored = planRestoring(file, /*isWAV=*/true, plan.warnings))
+    if (auto restored = planRestoring(file, /*isWAV=*/true, options, plan.warnings))
       return *std::move(restored);
   const WavInfo info = parseWav(file, options.anyEncoding);
   // AIFF counts channels in a signed field.
@@ -80,13 +80,7 @@ ConversionPlan planWAVToAIFF(ByteView file, const ConversionOptions& options) {
   plan.trailer = std::move(trailer);
   plan.summary = summarise(content, metadata.loops.size());
   plan.content = std::move(content);
-  if (options.reversible) {
-    Summary original = plan.summary;
-    original.loopCount = static_cast<std::int64_t>(info.loops ? info.loops->size() : 0);
-    original.markerCount = 0;
-    original.cuePointCount = static_cast<std::int64_t>(info.cuePoints.size());
-    makeReversible(plan, file, options, original);
-  }
+  if (options.reversible) makeReversible(plan, file, options);
   return plan;
 }
 

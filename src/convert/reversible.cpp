@@ -1,5 +1,6 @@
 #include "convert/reversible.hpp"
 
+#include <algorithm>
 #include <cmath>
 #include <limits>
 #include <utility>
@@ -11,6 +12,8 @@
 #include "convert/carry_out.hpp"
 #include "convert/crc64.hpp"
 #include "convert/left_out.hpp"
+#include "convert/map_texts.hpp"
+#include "convert/original.hpp"
 #include "vocabulary/chunks.hpp"
 #include "vocabulary/errors.hpp"
 #include "wav/wav_reader.hpp"
@@ -81,26 +84,57 @@ Evidence evidenceOf(ByteView file, const WavInfo& info) {
           info.bytesPerSample};
 }
 
-/// Whether a chunk holds names or texts, if any were kept.
-bool isKept(const Chunk& chunk, ByteOrder order, const Capsule& capsule) {
-  if (chunk.id == "LIST") {
-    const std::string_view type = Fields(chunk.body, order).id(0);
-    return (type == "adtl" && capsule.keepsNames) || (type == "INFO" && capsule.keepsTexts);
-  }
-  if (chunk.id == "COMT") return capsule.keepsNames || capsule.keepsTexts;
-  return capsule.keepsTexts && (isTextOfAiff(chunk.id) || isID3(chunk.id));
+/// Adds a text as far as it is read, and its end.
+void addText(ByteView text, Crc64& sum) {
+  constexpr std::uint8_t end = 0;
+  sum.add(text.first(
+      static_cast<std::size_t>(std::find(text.begin(), text.end(), end) - text.begin())));
+  sum.add({&end, 1});
 }
 
-/// Of the chunks that begin at `start`.
-void addKeptChunks(ByteView file, std::uint64_t start, bool isWAV, const Capsule& capsule,
-                   Crc64& sum) {
-  const ByteOrder order = isWAV ? ByteOrder::little : ByteOrder::big;
-  const auto visit = [&](const Chunk& chunk) {
-    if (!isKept(chunk, order, capsule)) return;
-    sum.add(file.subspan(chunk.bodyOffset - chunkHeaderSize, chunkHeaderSize));
-    sum.add(chunk.body);
-  };
-  walkChunks(file, order, visit, start);
+/// Adds whose text follows.
+void addNumber(std::uint32_t number, Crc64& sum) {
+  ByteBuffer bytes;
+  appendInteger(bytes, number, ByteOrder::little);
+  sum.add(bytes);
+}
+
+void addID(std::string_view id, Crc64& sum) {
+  sum.add(ByteBuffer(id.begin(), id.end()));
+}
+
+/// Names and texts as a conversion would take them over, wherever and in whatever order they stand.
+void addWavTexts(ByteView file, const Capsule& kept, Crc64& sum) {
+  const WavTextViews texts = findWavTexts(file);
+  if (kept.keepsNames)
+    for (const auto* views : {&texts.labels, &texts.notes})
+      for (const CueTextView& view : *views) {
+        addNumber(view.cueID, sum);
+        addText(view.text, sum);
+      }
+  if (!kept.keepsTexts) return;
+  for (const InfoTextView& view : texts.info) {
+    if (!hasCounterpart(view.id)) continue;
+    addID(view.id, sum);
+    addText(view.text, sum);
+  }
+  sum.add(texts.id3);
+}
+
+/// The same of an AIFF file.
+void addAiffTexts(ByteView file, const Capsule& kept, Crc64& sum) {
+  const AiffTextViews texts = findAiffTexts(file);
+  for (const AiffCommentView& view : texts.comments) {
+    if (view.marker == 0 ? !kept.keepsTexts : !kept.keepsNames) continue;
+    addNumber(static_cast<std::uint16_t>(view.marker), sum);
+    addText(view.text, sum);
+  }
+  if (!kept.keepsTexts) return;
+  for (const AiffTextView& view : texts.texts) {
+    addID(view.id, sum);
+    addText(view.text, sum);
+  }
+  sum.add(texts.id3);
 }
 
 bool isAsWritten(const Evidence& found, ByteView file, bool isWAV, const Capsule& capsule) {
@@ -112,7 +146,7 @@ bool isAsWritten(const Evidence& found, ByteView file, bool isWAV, const Capsule
   sum.add(found.around.header);
   if (capsule.hasLostBits()) sum.add(found.samples);
   sum.add(found.around.trailer);
-  addKeptChunks(file, fileHeaderSize, isWAV, capsule, sum);
+  (isWAV ? addWavTexts : addAiffTexts)(file, capsule, sum);
   return sum.value() == capsule.outputSum;
 }
 
@@ -138,8 +172,11 @@ std::uint64_t outputSumOf(const ConversionPlan& plan, ByteView file, const Capsu
     carryOut(samples, MemorySource(file), sink, {});
   }
   sink.append(plain.trailer);
-  const std::uint64_t behindPadByte = plan.samples.outputSize() % 2;
-  addKeptChunks(plan.trailer, behindPadByte, plan.makesWAV(), capsule, sink.sum);
+  // All texts are behind the samples.
+  ByteBuffer texts(plan.header.begin(), plan.header.begin() + fileHeaderSize);
+  const std::uint64_t padByte = plan.samples.outputSize() % 2;
+  appendBytes(texts, ByteView(plan.trailer).subspan(static_cast<std::size_t>(padByte)));
+  (plan.makesWAV() ? addWavTexts : addAiffTexts)(texts, capsule, sink.sum);
   return sink.sum.value();
 }
 
@@ -163,9 +200,16 @@ Evidence evidenceOf(ByteView file, bool isWAV) {
 }
 
 /// Absent where that is not what the file was made of.
-std::optional<ConversionPlan> planOf(const Capsule& capsule, ByteView file, bool isWAV) {
+std::optional<ConversionPlan> planOf(const Capsule& capsule, ByteView file, bool isWAV,
+                                     const ConversionOptions& options) {
+  Capsule expected = capsule;
+  // What is to be kept now, and was added since, is an edit.
+  expected.keepsNames = capsule.keepsNames || options.keepNames;
+  expected.keepsTexts = capsule.keepsTexts || options.keepTexts;
   const Evidence found = evidenceOf(file, isWAV);
-  if (!isAsWritten(found, file, isWAV, capsule)) return std::nullopt;
+  if (!isAsWritten(found, file, isWAV, expected)) return std::nullopt;
+  const std::optional<Summary> summary = summaryOfOriginal(capsule, !isWAV);
+  if (!summary) return std::nullopt;
   ConversionPlan plan;
   if (isWAV)
     plan.content = AiffContent();
@@ -174,7 +218,7 @@ std::optional<ConversionPlan> planOf(const Capsule& capsule, ByteView file, bool
   appendBytes(plan.header, capsule.prefix);
   plan.samples = originalSamples(file, found, capsule);
   appendBytes(plan.trailer, capsule.suffix);
-  plan.summary = capsule.summary;
+  plan.summary = *summary;
   plan.summary.isRestored = true;
   if (sumOfOutput(plan, file) != capsule.originalSum) return std::nullopt;
   return plan;
@@ -193,13 +237,14 @@ void setAdded(ByteView file, bool isWAV, const Capsule& capsule, std::uint64_t c
 
 }  // namespace
 
-std::optional<ConversionPlan> planRestoring(ByteView file, bool isWAV, Warnings& warnings) {
+std::optional<ConversionPlan> planRestoring(ByteView file, bool isWAV,
+                                            const ConversionOptions& options, Warnings& warnings) {
   std::optional<std::uint64_t> offset;
   const std::optional<Capsule> capsule = findCapsule(file, isWAV, offset);
   if (!offset) return std::nullopt;
   std::optional<ConversionPlan> plan;
   try {
-    if (capsule) plan = planOf(*capsule, file, isWAV);
+    if (capsule) plan = planOf(*capsule, file, isWAV, options);
   } catch (const ConversionError&) {
     plan.reset();
   }
@@ -210,8 +255,7 @@ std::optional<ConversionPlan> planRestoring(ByteView file, bool isWAV, Warnings&
   return plan;
 }
 
-void makeReversible(ConversionPlan& plan, ByteView file, const ConversionOptions& options,
-                    const Summary& original) {
+void makeReversible(ConversionPlan& plan, ByteView file, const ConversionOptions& options) {
   const SampleRun& samples = plan.samples;
   const std::uint64_t sampleBytes = samples.frameCount * samples.sourceFrameSize();
   Capsule capsule{.frameCount = samples.frameCount,
@@ -219,7 +263,6 @@ void makeReversible(ConversionPlan& plan, ByteView file, const ConversionOptions
                   .conversion = samples.conversion,
                   .keepsNames = options.keepNames,
                   .keepsTexts = options.keepTexts,
-                  .summary = original,
                   .prefix = part(file, 0, samples.offset),
                   .suffix = file.subspan(static_cast<std::size_t>(samples.offset + sampleBytes))};
   Crc64 whole;

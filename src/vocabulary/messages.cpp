@@ -50,7 +50,7 @@ MessageForm formOf(WarningKind kind) {
       return {"root-from-name", translatable("Root key %@ is taken from the file's name.")};
     case WarningKind::editedSince:
       return {"edited-since",
-              translatable("Edited since it was converted – converted by the ordinary rules.")};
+              translatable("Edited or damaged since it was converted – converted by the ordinary rules.")};
     case WarningKind::nameCharacters:
       return {"name-characters",
               translatable("Names with characters that AIFF lacks: %@ (first: ID %@) – '?' stands "

@@ -111,6 +111,41 @@ TEST(Reversible, EditsWin) {
   }
 }
 
+/// Changes a byte of the original in the capsule, and the sums accordingly.
+ByteBuffer forged(ByteBuffer file, const ByteBuffer& original, std::size_t offset) {
+  ByteBuffer other = original;
+  other[offset] ^= 0x01;
+  const std::string_view signature = "Crvn";
+  const auto start = std::search(file.begin(), file.end(), signature.begin(), signature.end()) + 4;
+  *(start + 40 + static_cast<std::ptrdiff_t>(offset)) ^= 0x01;
+  const auto put = [](ByteView summed, ByteBuffer::iterator place) {
+    Crc64 sum;
+    sum.add(summed);
+    ByteBuffer value;
+    appendInteger(value, sum.value(), ByteOrder::little);
+    std::copy(value.begin(), value.end(), place);
+  };
+  put(other, start + 4);
+  put(ByteView(file).subspan(static_cast<std::size_t>(start - file.begin()),
+                             static_cast<std::size_t>(file.end() - start) - 8),
+      file.end() - 8);
+  return file;
+}
+
+TEST(Reversible, GivesNothingButSuchFiles) {
+  const ByteBuffer original =
+      wav({fmt({}), wavChunk("bext", text("even")), data(bytes("01 02 03 04"))});
+  const ByteBuffer file = reversibly(original).file;
+  const auto isRestored = [&](std::size_t offset) {
+    return reversibly(forged(file, original, offset)).summary.isRestored;
+  };
+  EXPECT_TRUE(isRestored(44));  // in bext
+  for (const std::size_t offset : {0U, 8U, 12U, 20U, 22U, 32U, 48U}) {
+    SCOPED_TRACE(offset);
+    EXPECT_FALSE(isRestored(offset));
+  }
+}
+
 TEST(Reversible, NamesWhatOthersHaveAdded) {
   using IDs = std::vector<std::string>;
   const ConversionOptions both{.keepNames = true, .keepTexts = true};
@@ -132,6 +167,11 @@ TEST(Reversible, NamesWhatOthersHaveAdded) {
        join({foreign, aiffChunk("NAME", {65})}),
        {"APPL", "NAME"}},
       {"in WAV, names and texts", originals[8].second, both, wavChunk("bext", {}), {"bext"}},
+      {"in WAV, another INFO",
+       originals[8].second,
+       both,
+       list("INFO", {wavChunk("ISFT", {65})}),
+       {"ISFT"}},
       {"in WAV",
        originals[8].second,
        {.keepNames = true},
@@ -146,6 +186,9 @@ TEST(Reversible, NamesWhatOthersHaveAdded) {
     EXPECT_EQ(back.file, original);
     EXPECT_EQ(back.leftOut, leftOut);
     EXPECT_EQ(back.warnings.size(), leftOut.empty() ? 0U : 1U);
+    // Where such are to be kept, names and texts are edits.
+    const bool isText = options.keepTexts == false && !added.empty();
+    EXPECT_EQ(reversibly(join({there.file, added}), both).wasEdited(), isText);
   }
 }
 

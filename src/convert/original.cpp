@@ -1,0 +1,86 @@
+#include "convert/original.hpp"
+
+#include <algorithm>
+#include <cmath>
+
+#include "aiff/aiff_reader.hpp"
+#include "convert/map_aiff_to_wav.hpp"
+#include "convert/map_wav_to_aiff.hpp"
+#include "vocabulary/chunks.hpp"
+#include "wav/wav_reader.hpp"
+#include "wav/wav_texts.hpp"
+
+namespace corvana {
+namespace {
+
+/// The original as if its samples had been cut out of their chunk. Absent where they are not in
+/// one.
+std::optional<ByteBuffer> withoutSamples(const Capsule& capsule, ByteOrder order) {
+  std::optional<Chunk> last;
+  walkChunks(capsule.prefix, order, [&](const Chunk& chunk) { last = chunk; });
+  if (!last) return std::nullopt;
+  const std::uint64_t ahead = capsule.prefix.size() - last->bodyOffset;
+  const std::uint64_t sampleBytes = capsule.sampleBytes();
+  if (last->declaredSize < ahead + sampleBytes) return std::nullopt;
+  // The pad byte behind the chunk stays one.
+  const std::uint64_t isOdd = sampleBytes % 2;
+  ByteBuffer file;
+  file.reserve(capsule.prefix.size() + 1 + capsule.suffix.size());
+  appendBytes(file, capsule.prefix.first(last->bodyOffset - sizeof(std::uint32_t)));
+  appendInteger(file, static_cast<std::uint32_t>(last->declaredSize - sampleBytes + isOdd), order);
+  appendBytes(file, capsule.prefix.subspan(last->bodyOffset));
+  file.resize(file.size() + static_cast<std::size_t>(isOdd));
+  appendBytes(file, capsule.suffix);
+  return file;
+}
+
+std::optional<Summary> summaryOfWav(const Capsule& capsule) {
+  const auto file = withoutSamples(capsule, orderOfWav(capsule.prefix));
+  if (!file) return std::nullopt;
+  const WavInfo info = parseWav(*file, true);
+  if (info.dataOffset != capsule.prefix.size() || info.channels != capsule.channels ||
+      info.bytesPerSample != capsule.conversion.sourceWidth)
+    return std::nullopt;
+  Summary summary{.bits = info.bitsPerSample,
+                  .channels = info.channels,
+                  .sampleRate = info.sampleRate,
+                  .loopCount = static_cast<std::int64_t>(info.loops ? info.loops->size() : 0),
+                  .cuePointCount = static_cast<std::int64_t>(info.cuePoints.size()),
+                  .encoding = info.encoding};
+  Warnings ignored;
+  if (const auto instrument = mapWavMetadata(info, capsule.frameCount, {}, ignored).instrument) {
+    summary.rootKey = instrument->baseNote;
+    summary.fineTune = instrument->detune;
+  }
+  return summary;
+}
+
+std::optional<Summary> summaryOfAiff(const Capsule& capsule) {
+  const auto file = withoutSamples(capsule, ByteOrder::big);
+  if (!file) return std::nullopt;
+  const AiffInfo info = parseAiff(*file, true);
+  if (info.soundOffset != capsule.prefix.size() || info.channels != capsule.channels ||
+      bytesFor(info.sampleSize) != capsule.conversion.sourceWidth)
+    return std::nullopt;
+  Warnings ignored;
+  const WavMetadata metadata = mapLoopsAndMarkers(info, capsule.frameCount, {}, ignored);
+  Summary summary{.bits = info.sampleSize,
+                  .channels = info.channels,
+                  .sampleRate = static_cast<std::uint32_t>(std::round(info.sampleRate)),
+                  .loopCount = static_cast<std::int64_t>(metadata.loops.size()),
+                  .markerCount = static_cast<std::int64_t>(info.markers.size()),
+                  .encoding = info.encoding};
+  if (metadata.instrument) {
+    summary.rootKey = metadata.instrument->unshiftedNote;
+    summary.fineTune = metadata.instrument->fineTune;
+  }
+  return summary;
+}
+
+}  // namespace
+
+std::optional<Summary> summaryOfOriginal(const Capsule& capsule, bool isWAV) {
+  return isWAV ? summaryOfWav(capsule) : summaryOfAiff(capsule);
+}
+
+}  // namespace corvana
