@@ -16,20 +16,23 @@ namespace {
 /// The original as if its samples had been cut out of their chunk. Absent where they are not in
 /// one.
 std::optional<ByteBuffer> withoutSamples(const Capsule& capsule, ByteOrder order) {
-  std::optional<Chunk> last;
-  walkChunks(capsule.prefix, order, [&](const Chunk& chunk) { last = chunk; });
-  if (!last) return std::nullopt;
-  const std::uint64_t ahead = capsule.prefix.size() - last->bodyOffset;
   const std::uint64_t sampleBytes = capsule.sampleBytes();
-  if (last->declaredSize < ahead + sampleBytes) return std::nullopt;
-  // The pad byte behind the chunk stays one.
-  const std::uint64_t isOdd = sampleBytes % 2;
   ByteBuffer file;
   file.reserve(capsule.prefix.size() + 1 + capsule.suffix.size());
-  appendBytes(file, capsule.prefix.first(last->bodyOffset - sizeof(std::uint32_t)));
-  appendInteger(file, static_cast<std::uint32_t>(last->declaredSize - sampleBytes + isOdd), order);
-  appendBytes(file, capsule.prefix.subspan(last->bodyOffset));
-  file.resize(file.size() + static_cast<std::size_t>(isOdd));
+  appendBytes(file, capsule.prefix);
+  if (sampleBytes > 0) {
+    std::optional<Chunk> last;
+    walkChunks(file, order, [&](const Chunk& chunk) { last = chunk; });
+    if (!last || last->declaredSize < file.size() - last->bodyOffset + sampleBytes)
+      return std::nullopt;
+    // The pad byte behind the chunk stays one.
+    const std::uint64_t isOdd = sampleBytes % 2;
+    ByteBuffer size;
+    appendInteger(size, static_cast<std::uint32_t>(last->declaredSize - sampleBytes + isOdd),
+                  order);
+    std::copy(size.begin(), size.end(), file.data() + last->bodyOffset - size.size());
+    file.resize(file.size() + static_cast<std::size_t>(isOdd));
+  }
   appendBytes(file, capsule.suffix);
   return file;
 }

@@ -57,6 +57,7 @@ const std::vector<std::pair<std::string, ByteBuffer>> originals = {
            mark({{3, 1, "Anfang"}, {3, 2, ""}}),
            inst(AiffInstrument{.gain = 999, .sustainLoop = {7, 3, 4}}), ssnd(eight)})},
     {"AIFF with samples set off", aiff({ssnd(eight, 2), comm({.frames = 3})})},
+    {"AIFF with samples behind its end", aiff({comm({.frames = 3}), ssnd(eight, 200)})},
     {"AIFF with fewer frames than declared", aiff({comm({.frames = 99}), ssnd(eight)})},
     {"sowt", aiff({comm({.frames = 4, .compression = "sowt"}), ssnd(eight)}, "AIFC")},
     {"12 bits", aiff({comm({.frames = 4, .bits = 12}), ssnd(eight)})},
