@@ -1,5 +1,7 @@
 #include "vocabulary/note_name.hpp"
 
+#include <algorithm>
+#include <initializer_list>
 #include <vector>
 
 namespace corvana {
@@ -21,8 +23,9 @@ bool isOfWord(std::string_view name, std::size_t at) {
                         (character >= 'A' && character <= 'Z') ||
                         static_cast<unsigned char>(character) >= 0x80;
   if (isLetter || isDigit(character) || character == '#') return true;
-  // "C-1" is one word, "C-Pad" and "Pad-1" are two.
-  const bool isSign = character == '-' && at > 0 && at + 1 < name.size() && isDigit(name[at + 1]);
+  // "C-1" is one word, "C-Pad", "Pad-1" and "C3-1" are two.
+  const bool isSign = character == '-' && at > 0 && !isDigit(name[at - 1]) &&
+                      at + 1 < name.size() && isDigit(name[at + 1]);
   if (!isSign) return false;
   const std::size_t start = name.find_last_of(" _-.,()[]", at - 1);
   const std::size_t length = at - (start == std::string_view::npos ? 0 : start + 1);
@@ -61,10 +64,12 @@ std::optional<std::uint8_t> noteOf(std::string_view word, int middleC) {
   const std::size_t step = letter == ' ' ? std::string_view::npos : letters.find(letter);
   if (step == std::string_view::npos) return std::nullopt;
   std::int64_t note = static_cast<std::int64_t>(step);
+  const bool isCapital = word[0] != letter;
   word.remove_prefix(1);
-  if (word[0] == '#') note += 1;
-  if (word[0] == 'b') note -= 1;
-  if (word[0] == '#' || word[0] == 'b') word.remove_prefix(1);
+  const bool isSharp = word[0] == '#';
+  const bool isFlat = word[0] == 'b' || (isCapital && word[0] == 'B');
+  note += isSharp ? 1 : isFlat ? -1 : 0;
+  if (isSharp || isFlat) word.remove_prefix(1);
   const std::optional<std::int64_t> octave = numberOf(word);
   // Octaves have one digit, which takes are numbered with more of: "B01".
   if (!octave || word.size() - (word[0] == '-' ? 1 : 0) != 1) return std::nullopt;
@@ -73,11 +78,38 @@ std::optional<std::uint8_t> noteOf(std::string_view word, int middleC) {
   return static_cast<std::uint8_t>(note);
 }
 
-std::optional<std::uint8_t> keyOf(std::string_view word) {
+/// A list, a range or a date: "2026-11-24".
+bool isJoinedToNumber(std::string_view word, std::string_view name) {
+  const auto begin = static_cast<std::size_t>(word.data() - name.data());
+  const std::size_t end = begin + word.size();
+  return (begin > 1 && name[begin - 1] == '-' && isDigit(name[begin - 2])) ||
+         (end + 1 < name.size() && name[end] == '-' && isDigit(name[end + 1]));
+}
+
+/// In any case of letters.
+bool isOneOf(std::string_view word, std::initializer_list<std::string_view> lowerCase) {
+  std::string lower;
+  for (const char character : word)
+    lower += static_cast<char>(character | 0x20);
+  return std::find(lowerCase.begin(), lowerCase.end(), lower) != lowerCase.end();
+}
+
+/// Whether the words around the number at this place say that it is no key.
+bool countsSomethingElse(std::size_t at, const std::vector<std::string_view>& words) {
+  if (at + 1 < words.size() && isOneOf(words[at + 1], {"bpm"})) return true;
+  return at > 0 && isOneOf(words[at - 1], {"bpm", "loop", "mix", "no", "nr", "part", "take",
+                                           "track", "v", "version", "vol"});
+}
+
+/// The key that the number at this place tells, if it is one.
+std::optional<std::uint8_t> keyAt(std::size_t at, const std::vector<std::string_view>& words,
+                                  std::string_view name) {
   constexpr std::int64_t lowestKey = 21;
   constexpr std::int64_t highestKey = 108;
+  const std::string_view word = words[at];
   const std::optional<std::int64_t> number = word.starts_with('0') ? std::nullopt : numberOf(word);
   if (!number || *number < lowestKey || *number > highestKey) return std::nullopt;
+  if (isJoinedToNumber(word, name) || countsSomethingElse(at, words)) return std::nullopt;
   return static_cast<std::uint8_t>(*number);
 }
 
@@ -97,8 +129,8 @@ std::optional<std::uint8_t> noteInFileName(std::string_view name, int middleC) {
   for (auto word = words.rbegin(); word != words.rend(); ++word)
     if (const auto note = noteOf(*word, middleC)) return note;
   if (words.empty()) return std::nullopt;
-  const auto first = keyOf(words.front());
-  return first ? first : keyOf(words.back());
+  const auto first = keyAt(0, words, name);
+  return first ? first : keyAt(words.size() - 1, words, name);
 }
 
 }  // namespace corvana

@@ -83,6 +83,14 @@ TEST(NoteName, IsFoundInNamesOfFiles) {
       {"éC3.wav", none},     {"H3.wav", none},
       {"a 61 b.wav", none},  {"Loop-C3.wav", 48},
       {".wav", none},        {"", none},
+      {"Piano C3-64", 48},   {"C3-01.wav", 48},
+      {"Piano_C3-1", 48},    {"Soft-C3-127", 48},
+      {"DB4", 61},           {"AB3 BB-1", 10},
+      {"dB4", none},         {"60-Pad", 60},
+      {"90 bpm loop", none}, {"90_BPM C3", 48},
+      {"bpm 90", none},      {"Pad_TAKE-60", none},
+      {"61 Take", 61},       {"Kit 2026-11-24", none},
+      {"Pad 60-80", none},   {"Pad 1 60", 60},
   };
   for (const auto& [name, note] : cases)
     EXPECT_EQ(noteInFileName(name, 4).value_or(none), note) << name;
