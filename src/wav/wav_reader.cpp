@@ -104,8 +104,10 @@ FormatChunk parseFormatChunk(ByteView body, ByteOrder order, bool anyEncoding) {
   if (blockAlign % channels != 0) throw ConversionError(Case::badFormatChunk);
   const std::uint32_t bytesPerSample = blockAlign / channels;
   if (encoding != SampleEncoding::integer) {
-    if (!canTake(*encoding, bytesPerSample)) refuse(formatTag);
-    return {channels, sampleRate, *encoding, bytesPerSample, 8 * bytesPerSample};
+    const std::uint32_t bits = 8 * bytesPerSample;
+    const bool isFilled = bitsPerSample == bits && validBits == bits;
+    if (!isFilled || !canTake(*encoding, bytesPerSample)) refuse(formatTag);
+    return {channels, sampleRate, *encoding, bytesPerSample, bits};
   }
   if (bytesPerSample < 1 || bytesPerSample > 4)
     throw ConversionError::unsupported(UnsupportedKind::bitDepth, {std::int64_t{bitsPerSample}});

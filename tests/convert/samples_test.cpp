@@ -155,7 +155,15 @@ TEST(SampleData, OfAnyEncodingThatIsCompressedOrOddIsRefused) {
     const ByteBuffer common = comm({.bits = bits, .compression = type});
     return errorOf([&] { convert(aiff({common, ssnd({})}, "AIFC"), anyEncoding); });
   };
-  EXPECT_EQ(fromWav({.tag = 3}), "Unsupported format: floating-point WAV");
+  const Format floats[] = {
+      {.tag = 3},
+      {.tag = 3, .blockAlign = 4, .bits = 24},
+      {.tag = 3, .blockAlign = 8, .bits = 32},
+      {.tag = 0xFFFE, .blockAlign = 4, .validBits = 32, .subFormat = 3},
+      {.tag = 0xFFFE, .blockAlign = 4, .bits = 32, .validBits = 24, .subFormat = 3}};
+  for (const Format& format : floats)
+    EXPECT_EQ(fromWav(format), "Unsupported format: floating-point WAV");
+  EXPECT_EQ(fromWav({.tag = 6, .blockAlign = 1, .bits = 16}), "Unsupported format: format tag 6");
   EXPECT_EQ(fromWav({.tag = 7}), "Unsupported format: format tag 7");
   EXPECT_EQ(fromWav({.tag = 2}), "Unsupported format: format tag 2");
   EXPECT_EQ(fromWav({.tag = 3, .blockAlign = 4, .bits = 0}), "The fmt chunk is damaged.");
