@@ -14,17 +14,40 @@ namespace corvana {
 /// option, is a path, and means the same with "./" in front.
 std::vector<std::string> protectBrackets(int count, char** arguments);
 
-/// An option that takes one of the values named in `values`, in any case of letters. Help, manual
-/// and completions show the names.
+/// What the words of an option stand for.
+template <typename Value>
+using Words = std::map<std::string, Value>;
+
+/// The words as help, manual and completions show them.
+template <typename Value>
+std::string wordList(const Words<Value>& words, const std::string& separator) {
+  std::string list;
+  for (const auto& word : words)
+    list += (list.empty() ? "" : separator) + word.first;
+  return list;
+}
+
+/// Takes `words` in any case of letters and nothing else, for each value of an option.
+template <typename Value>
+CLI::Validator oneOf(const Words<Value>& words) {
+  const auto replace = [words](std::string& given) -> std::string {
+    for (const auto& [word, value] : words) {
+      if (CLI::detail::to_lower(word) != CLI::detail::to_lower(given)) continue;
+      given = std::to_string(static_cast<int>(value));
+      return {};
+    }
+    return "'" + given + "' is none of " + wordList(words, ", ");
+  };
+  return {replace, ""};
+}
+
+/// An option that takes one of these words.
 template <typename Value>
 CLI::Option* addChoice(CLI::App& app, const std::string& name, Value& value,
-                       const std::map<std::string, Value>& values, const std::string& description) {
-  std::string names;
-  for (const auto& choice : values)
-    names += (names.empty() ? "" : "|") + choice.first;
+                       const Words<Value>& words, const std::string& description) {
   return app.add_option(name, value, description)
-      ->transform(CLI::CheckedTransformer(values, CLI::ignore_case).description(""))
-      ->type_name(names);
+      ->transform(oneOf(words))
+      ->type_name(wordList(words, "|"));
 }
 
 /// Parses the arguments behind the program's name. Where the program is to end now, prints help or

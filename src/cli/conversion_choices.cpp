@@ -1,6 +1,5 @@
 #include "cli/conversion_choices.hpp"
 
-#include <map>
 #include <vector>
 
 #include "cli/command_line.hpp"
@@ -28,20 +27,18 @@ CLI::Option* addContentOptions(CLI::App& app, ConversionChoices& choices) {
                "Store what it takes to convert back to the last byte; and convert back so");
 
   enum class Kept { names, texts };
+  const Words<Kept> kinds = {{"names", Kept::names}, {"texts", Kept::texts}};
   app.add_option_function<std::vector<Kept>>(
          "--keep",
-         [&options](const std::vector<Kept>& kinds) {
-           for (const Kept kind : kinds)
+         [&options](const std::vector<Kept>& chosen) {
+           for (const Kept kind : chosen)
              (kind == Kept::names ? options.keepNames : options.keepTexts) = true;
          },
          "Keep the names of markers and loops, or the texts of the file, or both")
-      ->transform(CLI::CheckedTransformer(
-                      std::map<std::string, Kept>{{"names", Kept::names}, {"texts", Kept::texts}},
-                      CLI::ignore_case)
-                      .description(""))
+      ->transform(oneOf(kinds))
       ->delimiter(',')
       ->allow_extra_args(false)
-      ->type_name("names|texts");
+      ->type_name(wordList(kinds, "|"));
   return app.add_flag("--root-from-name", choices.rootFromName,
                       "Give files without a key the one in their name, with a warning");
 }

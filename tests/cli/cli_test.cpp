@@ -348,7 +348,10 @@ TEST_F(Program, SparesTheInputsOfItsOwnRun) {
   writeWav("x.wav", {7, 8});
   EXPECT_EQ(run({"--overwrite-inputs", "x.wav", "x.aif"}).status, 0);
   EXPECT_EQ(readFile(in / "x.aif").back(), 7);
-  EXPECT_EQ(run({"--to", "mp3", "x.wav"}).status, 2);
+  EXPECT_EQ(run({"--to", "1", "x.wav"}).status, 2);
+  const Outcome wrong = run({"--to", "mp3", "x.wav"});
+  EXPECT_EQ(wrong.status, 2);
+  EXPECT_EQ(wrong.errors.find("--to: 'mp3' is none of aiff, wav\n"), 0U) << wrong.errors;
 
   writeWav("y.wave", {3, 4});
   EXPECT_EQ(run({"y.wav", "y.wave"}).output,
@@ -434,6 +437,7 @@ TEST_F(Program, KeepsNamesAndTextsAndNamesWhatIsLeftOut) {
        "",
        3},
       {{"--keep", "tunes"}, "", "", 2},
+      {{"--keep", "names,1"}, "", "", 2},
   };
   for (const auto& c : cases) {
     std::vector<std::string> arguments = c.arguments;

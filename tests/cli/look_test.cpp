@@ -168,6 +168,7 @@ TEST_F(Verbs, NoFileStopsTheOthers) {
     EXPECT_NE(run({verb, "--help"}).output.find("Examples:"), std::string::npos);
   }
   EXPECT_EQ(run({"info", "--middle-c", "C6", name}).status, 2);
+  EXPECT_EQ(run({"info", "--middle-c", "4", name}).status, 2);
   in.write("info", wav({fmt({}), test::data({})}));
   EXPECT_NE(run({"./info"}).errors.find("./info: Not a WAV"), std::string::npos) << "no verb";
 }
