@@ -2,13 +2,13 @@
 
 #include <algorithm>
 #include <initializer_list>
+#include <set>
 
 #include "aiff/aiff_texts.hpp"
 #include "convert/map_texts.hpp"
 #include "vocabulary/chunks.hpp"
 #include "vocabulary/screen_text.hpp"
 #include "wav/wav_format.hpp"
-#include "wav/wav_texts.hpp"
 
 namespace corvana {
 namespace {
@@ -70,6 +70,12 @@ void addLeftOutOfWav(ByteView file, const ConversionOptions& options, LeftOutChu
     if (options.keepTexts && isID3(chunk.id)) return tag.add(chunk);
     leftOut.add(chunk.id);
   });
+}
+
+void addEarlierLabels(const WavTextViews& texts, LeftOutChunks& leftOut) {
+  std::set<std::uint32_t> named;
+  for (const CueTextView& label : texts.labels)
+    if (!isEmptyText(label.text) && !named.insert(label.cueID).second) leftOut.add("labl");
 }
 
 void addLeftOutOfAiff(ByteView file, const ConversionOptions& options, LeftOutChunks& leftOut,

@@ -10,6 +10,7 @@
 #include "convert/conversion_plan.hpp"
 #include "vocabulary/bytes.hpp"
 #include "vocabulary/conversion_options.hpp"
+#include "wav/wav_texts.hpp"
 
 namespace corvana {
 
@@ -36,6 +37,9 @@ void addLeftOutOfWav(ByteView file, const ConversionOptions& options, LeftOutChu
 /// The same of an AIFF or AIFF-C file.
 void addLeftOutOfAiff(ByteView file, const ConversionOptions& options, LeftOutChunks& leftOut,
                       std::uint64_t known = 0);
+
+/// Adds `labl` where a cue point has several names, of which the last one is kept.
+void addEarlierLabels(const WavTextViews& texts, LeftOutChunks& leftOut);
 
 /// Puts it into the plan, with a warning where names or texts are kept, or an original comes back.
 void setLeftOut(const LeftOutChunks& leftOut, const ConversionOptions& options,

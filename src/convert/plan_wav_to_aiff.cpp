@@ -73,6 +73,7 @@ ConversionPlan planWAVToAIFF(ByteView file, const ConversionOptions& options) {
                       .texts = {.comments = std::move(metadata.comments)}};
   LeftOutChunks leftOut;
   addLeftOutOfWav(file, options, leftOut);
+  if (options.keepNames) addEarlierLabels(texts, leftOut);
   if (options.keepTexts) mapTexts(texts, content.texts, leftOut);
   setLeftOut(leftOut, options, plan);
   auto [header, trailer] = writeAiff(content);

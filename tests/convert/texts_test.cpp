@@ -82,7 +82,7 @@ TEST(Texts, NamesOfCuePointsAndLoopsBecomeMarkers) {
       {"labels",
        file({}, {{7, 10}, {3, 20}, {4, 30}},
             list("adtl", {labl(3, "Chorus"), labl(7, "a"), labl(7, "Verse")})),
-       "1 Verse @10, 2 Chorus @20, 3 Cue 4 @30, "},
+       "1 Verse @10, 2 Chorus @20, 3 Cue 4 @30, ", "Left out: chunks 'labl'.\n"},
       {"UTF-8 and Latin-1",
        file({}, {{1, 1}, {2, 2}}, list("adtl", {labl(1, "“ä”"), labl(2, "\xE4")})),
        "1 “ä” @1, 2 ä @2, "},
@@ -247,7 +247,7 @@ TEST(Texts, HostileFilesCostNoMoreThanTheyHold) {
       join({wav({sound, cue(points)}), wavChunk("LIST", labels), wavChunk("LIST", comments), tag});
   const ConversionPlan plan = planWAVToAIFF(file, both);
   EXPECT_EQ(plan.summary.markerCount, 1);
-  EXPECT_EQ(plan.leftOut, (std::vector<std::string>{"LIST INFO", "id3 "}));
+  EXPECT_EQ(plan.leftOut, (std::vector<std::string>{"labl", "LIST INFO", "id3 "}));
   EXPECT_EQ(std::get<AiffContent>(plan.content).texts.texts.size(), 65'536U);
   const ProofTerms terms{Producer::thisProgram, both};
   EXPECT_FALSE(proveConversion(file, carryOutInMemory(plan, file), terms, {}).areThere());
