@@ -67,8 +67,8 @@ std::string decodeAiffText(ByteView bytes) {
 }
 
 std::string encodeAiffText(std::string_view text, std::size_t most) {
-  if (isInMacRoman(text)) {
-    std::string bytes = encodeMacRoman(text);
+  if (const std::string composed = composedForMacRoman(text); isInMacRoman(composed)) {
+    std::string bytes = encodeMacRoman(composed);
     if (bytes.size() > most) bytes.resize(most);
     if (isASCII(bytes) || !isUtf8(bytes)) return bytes;
   }

@@ -45,7 +45,8 @@ std::vector<AiffCommentView> parseCommentChunk(ByteView body);
 std::string decodeAiffText(ByteView bytes);
 
 /// The bytes that decodeAiffText makes `text` of, at most `most`, without a part of a character:
-/// Mac OS Roman, or UTF-8 where that lacks a character or would be mistaken for UTF-8.
+/// Mac OS Roman, or UTF-8 where that lacks a character or would be mistaken for UTF-8. Of Mac OS
+/// Roman, a letter with the accent behind it comes back as one character.
 std::string encodeAiffText(std::string_view text, std::size_t most);
 
 /// Whether a chunk of this ID holds a text of the file as a whole.

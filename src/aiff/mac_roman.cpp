@@ -49,6 +49,31 @@ constexpr auto placesOfCharacters = [] {
   return places;
 }();
 
+/// A combining character, letters of ASCII and what it makes of them.
+struct Accent {
+  char32_t mark;
+  std::string_view letters;
+  std::u16string_view composed;
+};
+constexpr Accent accents[] = {
+    {0x0300, "AEIOUaeiou", u"ÀÈÌÒÙàèìòù"},
+    {0x0301, "AEIOUaeiou", u"ÁÉÍÓÚáéíóú"},
+    {0x0302, "AEIOUaeiou", u"ÂÊÎÔÛâêîôû"},
+    {0x0303, "ANOano", u"ÃÑÕãñõ"},
+    {0x0308, "AEIOUYaeiouy", u"ÄËÏÖÜŸäëïöüÿ"},
+    {0x030A, "Aa", u"Åå"},
+    {0x0327, "Cc", u"Çç"},
+};
+
+std::optional<char32_t> composedOf(char letter, char32_t mark) {
+  for (const Accent& accent : accents) {
+    if (accent.mark != mark) continue;
+    const std::size_t at = accent.letters.find(letter);
+    if (at != std::string_view::npos) return accent.composed[at];
+  }
+  return std::nullopt;
+}
+
 }  // namespace
 
 std::string decodeMacRoman(ByteView bytes) {
@@ -64,6 +89,24 @@ std::optional<std::uint8_t> macRomanByte(char32_t character) {
       std::lower_bound(placesOfCharacters.begin(), placesOfCharacters.end(), character, isAhead);
   if (place == placesOfCharacters.end() || place->character != character) return std::nullopt;
   return place->byte;
+}
+
+std::string composedForMacRoman(std::string_view text) {
+  std::string composed;
+  while (!text.empty()) {
+    const std::size_t length = utf8SequenceLength(text);
+    const bool canBeMark = length == 2 && !composed.empty();
+    const auto character =
+        canBeMark ? composedOf(composed.back(), utf8Scalar(text.substr(0, length))) : std::nullopt;
+    if (character) {
+      composed.pop_back();
+      appendUtf8(composed, *character);
+    } else {
+      composed += text.substr(0, length == 0 ? 1 : length);
+    }
+    text.remove_prefix(length == 0 ? 1 : length);
+  }
+  return composed;
 }
 
 std::string encodeMacRoman(std::string_view text) {

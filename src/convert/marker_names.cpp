@@ -25,8 +25,10 @@ MarkerNames::MarkerNames(const WavTextViews& texts, const CuePointView& points)
       positions_.try_emplace(point.id, point.position);
 }
 
-MarkerNames::Name MarkerNames::fitted(std::string_view text) {
+MarkerNames::Name MarkerNames::fitted(std::string_view label) {
   Name name;
+  const std::string composed = composedForMacRoman(label);
+  std::string_view text = composed;
   for (std::size_t count = 0; !text.empty(); ++count) {
     name.isCut = count == aiff_layout::longestName;
     if (name.isCut) break;

@@ -47,7 +47,7 @@ class MarkerNames {
     bool isCut = false;
     bool isUsed = false;
   };
-  static Name fitted(std::string_view text);
+  static Name fitted(std::string_view label);
   static const std::string& use(Name& name);
   void giveNotes(std::uint32_t cueID, std::int16_t marker);
 

@@ -15,25 +15,70 @@
 namespace corvana {
 namespace {
 
-/// What each byte of AIFF's characters is, the other way round.
-const std::map<std::string, std::uint8_t, std::less<>>& bytesOfCharacters() {
-  static const auto bytes = [] {
-    std::map<std::string, std::uint8_t, std::less<>> all;
-    for (int byte = 0; byte < 256; ++byte) {
-      const std::uint8_t one[] = {static_cast<std::uint8_t>(byte)};
-      all.emplace(decodeMacRoman(one), one[0]);
-    }
-    return all;
-  }();
-  return bytes;
-}
-
 /// Calls `use` with each character, until it gives false.
 template <typename Use>
 void eachCharacter(std::string_view text, const Use& use) {
   for (std::size_t at = 0; at < text.size();) {
     const std::size_t length = std::max<std::size_t>(utf8SequenceLength(text.substr(at)), 1);
     if (!use(text.substr(at, length))) return;
+    at += length;
+  }
+}
+
+using BytesOfCharacters = std::map<std::string, std::uint8_t, std::less<>>;
+
+/// A letter and the mark behind it are the same as the character that follows here.
+void addDecomposed(BytesOfCharacters& all) {
+  const std::pair<const char*, const char*> pairs[] = {{"\u0300", "aàeèiìoòuùAÀEÈIÌOÒUÙ"},
+                                                       {"\u0301", "aáeéiíoóuúAÁEÉIÍOÓUÚ"},
+                                                       {"\u0302", "aâeêiîoôuûAÂEÊIÎOÔUÛ"},
+                                                       {"\u0303", "aãnñoõAÃNÑOÕ"},
+                                                       {"\u0308", "aäeëiïoöuüyÿAÄEËIÏOÖUÜYŸ"},
+                                                       {"\u030A", "aåAÅ"},
+                                                       {"\u0327", "cçCÇ"}};
+  for (const auto& [mark, characters] : pairs) {
+    std::string decomposed;
+    eachCharacter(characters, [&, mark = mark](std::string_view character) {
+      if (decomposed.empty()) {
+        decomposed = std::string(character) + mark;
+      } else {
+        all.emplace(decomposed, all.find(character)->second);
+        decomposed.clear();
+      }
+      return true;
+    });
+  }
+}
+
+/// What each byte of AIFF's characters is, the other way round.
+const BytesOfCharacters& bytesOfCharacters() {
+  static const auto bytes = [] {
+    BytesOfCharacters all;
+    for (int byte = 0; byte < 256; ++byte) {
+      const std::uint8_t one[] = {static_cast<std::uint8_t>(byte)};
+      all.emplace(decodeMacRoman(one), one[0]);
+    }
+    addDecomposed(all);
+    return all;
+  }();
+  return bytes;
+}
+
+/// Calls `use` with the byte of each character of AIFF's, absent where it lacks one, until it gives
+/// false.
+template <typename Use>
+void eachByte(std::string_view text, const Use& use) {
+  const auto lengthAt = [&](std::size_t at) { return utf8SequenceLength(text.substr(at)); };
+  const BytesOfCharacters& bytes = bytesOfCharacters();
+  for (std::size_t at = 0; at < text.size();) {
+    std::size_t length = std::max<std::size_t>(lengthAt(at), 1);
+    const std::size_t both = length + lengthAt(at + length);
+    auto byte = bytes.find(text.substr(at, both));
+    if (byte != bytes.end())
+      length = both;
+    else
+      byte = bytes.find(text.substr(at, length));
+    if (!use(byte == bytes.end() ? std::nullopt : std::optional(byte->second))) return;
     at += length;
   }
 }
@@ -45,14 +90,13 @@ ByteBuffer aiffBytes(std::string_view text, std::size_t most) {
   ByteBuffer utf8;
   bool isEnough = true;
   bool isASCII = true;
-  eachCharacter(text, [&](std::string_view character) {
-    const auto byte = bytesOfCharacters().find(character);
-    isEnough = isEnough && byte != bytesOfCharacters().end();
+  eachByte(text, [&](std::optional<std::uint8_t> byte) {
+    isEnough = isEnough && byte;
     if (isEnough && own.size() < most) {
-      own.push_back(byte->second);
-      isASCII = isASCII && byte->second < 128;
+      own.push_back(*byte);
+      isASCII = isASCII && *byte < 128;
     }
-    return true;
+    return isEnough;
   });
   const std::string asText(own.begin(), own.end());
   std::size_t valid = 0;
@@ -89,8 +133,9 @@ void appendInner(ByteBuffer& list, std::string_view id, const ByteBuffer& body) 
 std::string promisedMarkerName(const std::string& text) {
   std::string name;
   int count = 0;
-  eachCharacter(text, [&](std::string_view character) {
-    name += bytesOfCharacters().contains(character) ? character : "?";
+  eachByte(text, [&](std::optional<std::uint8_t> byte) {
+    const std::uint8_t one[] = {byte.value_or('?')};
+    name += decodeMacRoman(one);
     return ++count < 255;
   });
   return name;
