@@ -17,13 +17,12 @@ struct AiffContent {
   std::uint16_t sampleSize = 0;  ///< bits of a stored sample: 1 to 32, or as the encoding has it
   std::uint32_t sampleRate = 0;  ///< Hz
   std::uint32_t frameCount = 0;  ///< whole frames of samples
-  std::vector<AiffMarker> markers = {};           ///< empty: no MARK chunk
-  std::optional<AiffInstrument> instrument = {};  ///< absent: no INST chunk
-  /// What samples are.
-  SampleEncoding encoding = SampleEncoding::integer;
+  std::vector<AiffMarker> markers = {};               ///< empty: no MARK chunk
+  std::optional<AiffInstrument> instrument = {};      ///< absent: no INST chunk
+  SampleEncoding encoding = SampleEncoding::integer;  ///< what samples are
+  AiffTexts texts = {};                               ///< behind the samples
 
   bool isCompressed() const { return encoding != SampleEncoding::integer; }  ///< AIFF-C
-  AiffTexts texts = {};                                                      ///< behind the samples
 };
 
 /// The file around its samples. A sample takes as many bytes as its bits need. Names and comments

@@ -101,6 +101,16 @@ void mapInstrument(const AiffInstrument& instrument, WavMetadata& metadata, Warn
   metadata.pitchFraction = pitchFractionOf(unity.cents);
 }
 
+/// Cue points without names, but for markers of loops.
+void mapMarkers(const std::vector<AiffMarker>& markers, const std::set<std::int16_t>& ofLoops,
+                std::uint32_t framesUsed, std::vector<CuePoint>& cuePoints) {
+  for (const AiffMarker& marker : markers) {
+    if (ofLoops.contains(marker.id) || marker.position > framesUsed) continue;
+    const auto id = static_cast<std::uint32_t>(cuePoints.size() + 1);
+    cuePoints.push_back({id, marker.position});
+  }
+}
+
 }  // namespace
 
 WavMetadata mapLoopsAndMarkers(const AiffInfo& info, std::uint32_t framesUsed,
@@ -125,13 +135,10 @@ WavMetadata mapLoopsAndMarkers(const AiffInfo& info, std::uint32_t framesUsed,
     addLoop(info.instrument->sustainLoop, LoopRole::sustain);
     addLoop(info.instrument->releaseLoop, LoopRole::release);
   }
-  if (options.keepNames) mapNamedMarkers(info, texts, loops, framesUsed, metadata, warnings);
-  for (const AiffMarker& marker : info.markers) {
-    if (options.keepNames) break;
-    if (usedMarkers.contains(marker.id) || marker.position > framesUsed) continue;
-    const auto id = static_cast<std::uint32_t>(metadata.cuePoints.size() + 1);
-    metadata.cuePoints.push_back({id, marker.position});
-  }
+  if (options.keepNames)
+    mapNamedMarkers(info, texts, loops, framesUsed, metadata, warnings);
+  else
+    mapMarkers(info.markers, usedMarkers, framesUsed, metadata.cuePoints);
   if (info.instrument) {
     mapInstrument(*info.instrument, metadata, warnings);
   } else if (options.rootKey) {

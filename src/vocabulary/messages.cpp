@@ -50,11 +50,12 @@ MessageForm formOf(WarningKind kind) {
       return {"root-from-name", translatable("Root key %@ is taken from the file's name.")};
     case WarningKind::editedSince:
       return {"edited-since",
-              translatable("Edited or damaged since it was converted – converted by the ordinary rules.")};
+              translatable(
+                  "Edited or damaged since it was converted – converted by the ordinary rules.")};
     case WarningKind::nameCharacters:
       return {"name-characters",
-              translatable("Names with characters that AIFF lacks: %@ (first: ID %@) – '?' stands "
-                           "for these.")};
+              translatable("Names with characters that AIFF lacks: %@ (first: ID %@) – such "
+                           "characters are replaced by '?'.")};
     case WarningKind::longNames:
       return {"name-too-long",
               translatable("Names or notes longer than AIFF holds: %@ (first: ID %@) – cut.")};

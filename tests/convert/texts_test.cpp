@@ -91,9 +91,11 @@ TEST(Texts, NamesOfCuePointsAndLoopsBecomeMarkers) {
             list("adtl", {labl(1, "Cafe\u0301 A\u030A c\u0327"), labl(2, "x\u0301"),
                           cueText("note", 1, "n\u0303")})),
        "1 Café Å ç @1, 2 x? @2, COMT 1 ñ, ",
-       "Names with characters that AIFF lacks: 1 (first: ID 2) – '?' stands for these.\n"},
+       "Names with characters that AIFF lacks: 1 (first: ID 2) – such characters are replaced by "
+       "'?'.\n"},
       {"characters that lack", file({}, {{1, 1}}, list("adtl", {labl(1, "x日y")})), "1 x?y @1, ",
-       "Names with characters that AIFF lacks: 1 (first: ID 1) – '?' stands for these.\n"},
+       "Names with characters that AIFF lacks: 1 (first: ID 1) – such characters are replaced by "
+       "'?'.\n"},
       {"cut, and not within a character",
        file({}, {{1, 1}}, list("adtl", {labl(1, long256 + "ä")})),
        "1 " + long256.substr(1) + " @1, ",
