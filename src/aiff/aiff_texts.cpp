@@ -38,7 +38,7 @@ AiffTextViews findAiffTexts(ByteView file) {
     } else if (isTextOfAiff(chunk.id)) {
       texts.hasFurtherTexts = texts.texts.size() == maxAiffTexts;
       if (!texts.hasFurtherTexts) texts.texts.push_back({chunk.id, chunk.body});
-    } else if (chunk.id == "ID3 ") {
+    } else if (chunk.id == "ID3 " && !chunk.body.empty()) {
       texts.id3 = chunk.body;
     }
   });

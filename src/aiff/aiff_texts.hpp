@@ -31,7 +31,7 @@ struct AiffTextViews {
   std::vector<AiffTextView> texts;
   bool hasFurtherComments = false;  ///< that are not read
   bool hasFurtherTexts = false;     ///< likewise
-  ByteView id3;                     ///< the tag, of the last such chunk; empty without one
+  ByteView id3;                     ///< the tag, of the last such chunk that has one
 };
 
 /// Looks at the complete content of a file. Never fails; what is cut is used as it is.

@@ -94,7 +94,7 @@ std::optional<std::uint8_t> macRomanByte(char32_t character) {
 std::string composedForMacRoman(std::string_view text) {
   std::string composed;
   while (!text.empty()) {
-    const std::size_t length = utf8SequenceLength(text);
+    const std::size_t length = std::max<std::size_t>(utf8SequenceLength(text), 1);
     const bool canBeMark = length == 2 && !composed.empty();
     const auto character =
         canBeMark ? composedOf(composed.back(), utf8Scalar(text.substr(0, length))) : std::nullopt;
@@ -102,9 +102,9 @@ std::string composedForMacRoman(std::string_view text) {
       composed.pop_back();
       appendUtf8(composed, *character);
     } else {
-      composed += text.substr(0, length == 0 ? 1 : length);
+      composed += text.substr(0, length);
     }
-    text.remove_prefix(length == 0 ? 1 : length);
+    text.remove_prefix(length);
   }
   return composed;
 }

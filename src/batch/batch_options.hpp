@@ -48,7 +48,8 @@ struct BatchOptions {
   AccessTime accessTime() const { return preserveTimes ? AccessTime::stays : AccessTime::changes; }
 };
 
-/// Of the conversion of a file of this name; `middleC` is BatchOptions::rootKeysByMiddleC.
+/// The options with the root key of a file of this name; `middleC` is
+/// BatchOptions::rootKeysByMiddleC.
 inline ConversionOptions optionsForFile(ConversionOptions options, std::optional<int> middleC,
                                         std::string_view name) {
   if (middleC) options.rootKey = noteInFileName(name, *middleC);

@@ -43,8 +43,8 @@ void setConverted(LogEntry& entry, const AudioFile& file, ConversionResult resul
   entry.leftOut = std::move(result.leftOut);
 }
 
-/// A dry run, and a log of more than the ordinary rules, name the chunks that are left out, unless
-/// a warning does.
+/// The log of a dry run, and of conversions with options, names the chunks that are left out,
+/// unless a warning does.
 void addLeftOut(LogEntry& entry, const BatchOptions& options) {
   const bool isOrdinary = options.conversion == ConversionOptions() && !options.rootKeysByMiddleC;
   if (isOrdinary && !options.dryRun) return;

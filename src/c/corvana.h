@@ -34,7 +34,7 @@ extern "C" {
 /// What became of a call. New values may come; whatever is not CORVANA_OK has not been done.
 typedef enum corvana_status {
   CORVANA_OK = 0,
-  CORVANA_END = 1,           ///< there is no loop, marker, warning or chunk of this index
+  CORVANA_END = 1,  ///< there is no loop, marker, warning or chunk of this index, no key in a name
   CORVANA_BAD_ARGUMENT = 2,  ///< a null pointer, a wrong struct_size, an unknown option, an input
                              ///< of another size than the plan's, or too little room
   CORVANA_NO_MEMORY = 3,
@@ -196,15 +196,15 @@ enum corvana_keep {
 /// knows.
 typedef struct corvana_plan_options {
   size_t struct_size;     ///< of the caller's struct, in bytes
-  uint32_t any_encoding;  ///< 1: samples that are not integers, and orders of bytes that only
-                          ///< AIFF-C and RIFX have, are converted as well
+  uint32_t any_encoding;  ///< 1: samples that are not integers, and those of AIFF-C and RIFX that
+                          ///< are stored in another way, are converted as well
   uint32_t loops;         ///< CORVANA_LOOPS_…, of the input, that the output gets
   uint32_t has_root_key;  ///< 1: the next one counts
   uint32_t root_key;      ///< MIDI note, 0 to 127, for an input that has no key of its own: neither
-                          ///< smpl nor inst chunk, no INST chunk
-  uint32_t reversible;    ///< 1: the output carries what it takes to make the input of it again; an
-                          ///< input that does so is made again, unless it has been edited since
-  uint32_t keep;          ///< CORVANA_KEEP_…, any of them joined by |
+                      ///< smpl nor inst chunk, no INST chunk; the warning "root-from-name" says so
+  uint32_t reversible;  ///< 1: the output carries what it takes to make the input of it again; an
+                        ///< input that does so is made again, unless it has been edited since
+  uint32_t keep;        ///< CORVANA_KEEP_…, any of them joined by |
 } corvana_plan_options;
 
 /// What a conversion will make.
@@ -239,6 +239,12 @@ typedef struct corvana_left_out {
   const char* chunk;   ///< its ID: "bext", "LIST INFO" for a whole list, "IGNR" in a list that is
                        ///< kept otherwise; "?" stands for what is not ASCII
 } corvana_left_out;
+
+/// Gives the MIDI note that the name of a file tells ("Piano C#3.wav", "bass_a2", "60_Pad"), for
+/// corvana_plan_options::root_key, or CORVANA_END. `middle_c` is the octave of note 60 in names.
+/// Since 1.1.
+CORVANA_API corvana_status corvana_root_key_in_name(const char* name, int32_t middle_c,
+                                                    uint32_t* root_key);
 
 /// Plans to convert the complete content of a WAV file into an AIFF file, or of an AIFF or AIFF-C
 /// file into a WAV file, and gives a handle in `*plan`, which is null after a failure.

@@ -12,6 +12,7 @@
 #include "convert/carry_out.hpp"
 #include "convert/plan_conversion.hpp"
 #include "vocabulary/messages.hpp"
+#include "vocabulary/note_name.hpp"
 
 using namespace corvana;
 
@@ -127,9 +128,20 @@ corvana_status corvana_plan_make_with(const void* bytes, size_t size,
     if (plan == nullptr || !areThere(bytes, size))
       return badArgument(error, "corvana_plan_make_with: a pointer is null.");
     const auto known = optionsOf(options);
-    if (!known) return badArgument(error, "corvana_plan_make_with: an option is not known.");
+    if (!known)
+      return badArgument(error,
+                         "corvana_plan_make_with: an option or its struct_size is not known.");
     *plan = makePlan(view(bytes, size), *known);
     return CORVANA_OK;
+  });
+}
+
+corvana_status corvana_root_key_in_name(const char* name, int32_t middle_c, uint32_t* root_key) {
+  return guarded(nullptr, [&] {
+    if (name == nullptr || root_key == nullptr) return CORVANA_BAD_ARGUMENT;
+    const auto key = noteInFileName(name, middle_c);
+    if (key) *root_key = *key;
+    return key ? CORVANA_OK : CORVANA_END;
   });
 }
 

@@ -130,6 +130,7 @@ Verdict verify(const VerifyLine& line) {
 VerifyLine::VerifyLine() : app(description, "corvana-cli verify") {
   app.footer(footer);
   app.add_flag("--json", json, "One JSON object with all differences");
+  app.add_flag("--any-encoding")->description("Of no effect: every encoding is compared");
   CLI::Option* const fromName = addContentOptions(app, choices);
   addMiddleC(app, choices.middleC, "What such names call note 60, C4 by default")->needs(fromName);
   app.add_option("INPUT", input, "The file that was converted")->required()->type_name("");

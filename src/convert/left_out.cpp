@@ -36,18 +36,19 @@ void addLeftOutOfList(ByteView list, ByteOrder order, const ConversionOptions& o
   walkChunks(list, order, visit, wav_layout::listTypeSize);
 }
 
-/// Of the tags that are kept, the last one is.
+/// The last tag of a file is kept, those ahead of it are left out.
 class KeptTag {
  public:
   explicit KeptTag(LeftOutChunks& leftOut) : leftOut_(leftOut) {}
   void add(const Chunk& chunk) {
-    if (isThere_) leftOut_.add(chunk.id);
-    isThere_ = isThere_ || !chunk.body.empty();
+    if (chunk.body.empty()) return;
+    if (!last_.empty()) leftOut_.add(last_);
+    last_ = chunk.id;
   }
 
  private:
   LeftOutChunks& leftOut_;
-  bool isThere_ = false;
+  std::string_view last_;
 };
 
 }  // namespace
@@ -59,12 +60,12 @@ void LeftOutChunks::add(std::string_view id) {
 }
 
 void addLeftOutOfWav(ByteView file, const ConversionOptions& options, LeftOutChunks& leftOut,
-                     std::uint64_t known) {
+                     std::uint64_t capsuleOffset) {
   const ByteOrder order = orderOfWav(file);
   KeptTag tag(leftOut);
   walkChunks(file, order, [&](const Chunk& chunk) {
     if (isOneOf(chunk.id, {"fmt ", "data", "smpl", "inst", "cue ", "fact"}) ||
-        onlyFillsSpace(chunk.id) || chunk.bodyOffset == known)
+        onlyFillsSpace(chunk.id) || chunk.bodyOffset == capsuleOffset)
       return;
     if (chunk.id == "LIST") return addLeftOutOfList(chunk.body, order, options, leftOut);
     if (options.keepTexts && isID3(chunk.id)) return tag.add(chunk);
@@ -79,14 +80,14 @@ void addEarlierLabels(const WavTextViews& texts, LeftOutChunks& leftOut) {
 }
 
 void addLeftOutOfAiff(ByteView file, const ConversionOptions& options, LeftOutChunks& leftOut,
-                      std::uint64_t known) {
+                      std::uint64_t capsuleOffset) {
   const auto isLost = [&](const AiffCommentView& comment) {
     return !comment.text.empty() && !(comment.marker == 0 ? options.keepTexts : options.keepNames);
   };
   KeptTag tag(leftOut);
   walkChunks(file, ByteOrder::big, [&](const Chunk& chunk) {
     if (isOneOf(chunk.id, {"COMM", "SSND", "MARK", "INST", "FVER"}) || onlyFillsSpace(chunk.id) ||
-        chunk.bodyOffset == known)
+        chunk.bodyOffset == capsuleOffset)
       return;
     if (chunk.id == "COMT") {
       const auto comments = parseCommentChunk(chunk.body);

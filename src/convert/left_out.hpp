@@ -30,13 +30,13 @@ class LeftOutChunks {
 };
 
 /// Adds what conversions have no place for: neither chunks that only fill space, nor those that
-/// only say once more how long the sound is, or which version a format has, nor the one whose body
-/// is at `known`. `file` is the complete content of a WAV file.
+/// only say once more how long the sound is, or which version a format has, nor the capsule
+/// whose body is there, if any. `file` is the complete content of a WAV file.
 void addLeftOutOfWav(ByteView file, const ConversionOptions& options, LeftOutChunks& leftOut,
-                     std::uint64_t known = 0);
+                     std::uint64_t capsuleOffset = 0);
 /// The same of an AIFF or AIFF-C file.
 void addLeftOutOfAiff(ByteView file, const ConversionOptions& options, LeftOutChunks& leftOut,
-                      std::uint64_t known = 0);
+                      std::uint64_t capsuleOffset = 0);
 
 /// Adds `labl` where a cue point has several names, of which the last one is kept.
 void addEarlierLabels(const WavTextViews& texts, LeftOutChunks& leftOut);

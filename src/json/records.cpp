@@ -255,6 +255,7 @@ void addProspect(Json& object, const Prospect& prospect, const Language& languag
   conversion["summary"] = makeSummary(plan.summary, language);
   conversion["warnings"] = jsonOf(plan.warnings, language);
   conversion["leftOut"] = plan.leftOut;
+  if (plan.summary.isRestored) conversion["restored"] = true;
 }
 
 void addDifferences(Json& object, const Differences& differences, const Language& language) {

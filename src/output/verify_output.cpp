@@ -5,7 +5,9 @@
 #include <system_error>
 
 #include "convert/carry_out.hpp"
+#include "convert/detect_format.hpp"
 #include "convert/plan_conversion.hpp"
+#include "convert/reversible.hpp"
 #include "platform/folder.hpp"
 
 namespace corvana {
@@ -61,8 +63,11 @@ Differences proveWayBack(ByteView input, ByteView output) {
 std::optional<ConversionPlan> restoringPlanOf(const InputFile& input,
                                               const ConversionOptions& options) {
   if (!options.reversible) return std::nullopt;
-  ConversionPlan plan = input.read([&](ByteView file) { return planConversion(file, options); });
-  return plan.summary.isRestored ? std::optional(std::move(plan)) : std::nullopt;
+  return input.read([&](ByteView file) {
+    const bool isWAV = !detectFormat(file, /*anyEncoding=*/true);
+    Warnings ignored;
+    return planRestoring(file, isWAV, options, ignored);
+  });
 }
 
 /// Calls `prove` with the bytes of both.

@@ -128,6 +128,13 @@ void appendInner(ByteBuffer& list, std::string_view id, const ByteBuffer& body) 
   if (list.size() % 2 != 0) list.push_back(0);
 }
 
+/// What tells chunks of one ID apart: the type of a list.
+std::string kindOf(std::string_view id, ByteView body) {
+  std::string kind(id);
+  if (id == "LIST") kind += Fields(body, ByteOrder::little).id(0);
+  return kind;
+}
+
 }  // namespace
 
 std::string promisedMarkerName(const std::string& text) {
@@ -227,16 +234,6 @@ std::vector<PromisedChunk> promisedTextsOfWav(ByteView aiff) {
     chunks.push_back({"id3 ", ByteBuffer(views.id3.begin(), views.id3.end())});
   return chunks;
 }
-
-namespace {
-
-/// What tells chunks of one ID apart: the type of a list.
-std::string kindOf(std::string_view id, ByteView body) {
-  return std::string(id) +
-         (id == "LIST" ? std::string(Fields(body, ByteOrder::little).id(0)) : std::string());
-}
-
-}  // namespace
 
 void compareTexts(ByteView output, ByteOrder order, const std::vector<PromisedChunk>& promised,
                   Differences& differences) {

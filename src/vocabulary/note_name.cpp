@@ -86,8 +86,7 @@ bool isJoinedToNumber(std::string_view word, std::string_view name) {
          (end + 1 < name.size() && name[end] == '-' && isDigit(name[end + 1]));
 }
 
-/// In any case of letters.
-bool isOneOf(std::string_view word, std::initializer_list<std::string_view> lowerCase) {
+bool isOneOfInAnyCase(std::string_view word, std::initializer_list<std::string_view> lowerCase) {
   std::string lower;
   for (const char character : word)
     lower += static_cast<char>(character | 0x20);
@@ -96,9 +95,9 @@ bool isOneOf(std::string_view word, std::initializer_list<std::string_view> lowe
 
 /// Whether the words around the number at this place say that it is no key.
 bool countsSomethingElse(std::size_t at, const std::vector<std::string_view>& words) {
-  if (at + 1 < words.size() && isOneOf(words[at + 1], {"bpm"})) return true;
-  return at > 0 && isOneOf(words[at - 1], {"bpm", "loop", "mix", "no", "nr", "part", "take",
-                                           "track", "v", "version", "vol"});
+  if (at + 1 < words.size() && isOneOfInAnyCase(words[at + 1], {"bpm"})) return true;
+  return at > 0 && isOneOfInAnyCase(words[at - 1], {"bpm", "loop", "mix", "no", "nr", "part",
+                                                    "take", "track", "v", "version", "vol"});
 }
 
 /// The key that the number at this place tells, if it is one.

@@ -41,7 +41,7 @@ WavTextViews findWavTexts(ByteView file) {
   const ByteOrder order = orderOfWav(file);
   walkChunks(file, order, [&](const Chunk& chunk) {
     if (chunk.id == "LIST") addTexts(chunk.body, order, texts);
-    if (isID3(chunk.id)) texts.id3 = chunk.body;
+    if (isID3(chunk.id) && !chunk.body.empty()) texts.id3 = chunk.body;
   });
   return texts;
 }

@@ -33,7 +33,7 @@ struct WavTextViews {
   std::vector<InfoTextView> info;      ///< LIST INFO
   std::int64_t furtherCueTexts = 0;    ///< that are not read, of cue points
   std::int64_t furtherInfo = 0;        ///< the same of the file
-  ByteView id3;                        ///< the tag, of the last such chunk; empty without one
+  ByteView id3;                        ///< the tag, of the last such chunk that has one
 };
 
 /// Looks at the complete content of a file. Never fails; what is cut or nested in further lists is

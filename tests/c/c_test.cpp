@@ -190,8 +190,9 @@ TEST(C, ConvertsByOptionsLikeTheEngine) {
   for (const auto& [given, meant] : cases)
     for (const ByteBuffer& input : {guitar, pad, muLaw, packed}) {
       const std::string expected =
-          meant ? convertedByTheEngine(input, *meant)
-                : "bad-argument corvana_plan_make_with: an option is not known. ";
+          meant
+              ? convertedByTheEngine(input, *meant)
+              : "bad-argument corvana_plan_make_with: an option or its struct_size is not known. ";
       EXPECT_EQ(converted(input, &given.options), expected) << &given - &cases[0].first;
       outputs.insert(expected);
     }
@@ -213,7 +214,7 @@ TEST(C, RefusesBadArguments) {
        {corvana_file_read(nullptr, 5, &file, &error), corvana_file_read(in, size, nullptr, nullptr),
         corvana_plan_make(in, size, nullptr, nullptr),
         corvana_plan_make_with(in, size, nullptr, nullptr, nullptr),
-        corvana_file_get_loop(nullptr, 0, none),
+        corvana_root_key_in_name(nullptr, 4, nullptr), corvana_file_get_loop(nullptr, 0, none),
         corvana_plan_carry_out(nullptr, in, size, room.data(), 2000, nullptr),
         corvana_plan_carry_out(plan, nullptr, size, room.data(), 2000, nullptr),
         corvana_plan_carry_out(plan, in, size - 1, room.data(), 2000, nullptr),
@@ -228,6 +229,13 @@ TEST(C, RefusesBadArguments) {
   EXPECT_STREQ(error.code, "stopped");
   corvana_plan_free(plan);
   corvana_plan_free(nullptr);
+}
+
+TEST(C, FindsKeysInNames) {
+  std::uint32_t key = 0;
+  EXPECT_EQ(corvana_root_key_in_name("Piano C#3.wav", 3, &key), CORVANA_OK);
+  EXPECT_EQ(key, 61U);
+  EXPECT_EQ(corvana_root_key_in_name("Piano.wav", INT32_MIN, &key), CORVANA_END);
 }
 
 TEST(C, FitsOlderAndNewerCallers) {

@@ -309,10 +309,12 @@ CORVANA_EXPORT(isPackageName) bool textIsPackageName() {
   return isPackageName(text);
 }
 
-/// The key that the name of a file tells; -1: none.
-CORVANA_EXPORT(rootKeyInName) int keyInName(int middleC) {
-  const auto key = noteInFileName(text, middleC);
-  return key ? *key : -1;
+/// Gives the key that the name of a file tells as the text, which is empty without one.
+CORVANA_EXPORT(rootKeyInName) bool keyInName(int middleC) {
+  return done([&] {
+    const auto key = noteInFileName(text, middleC);
+    text = key ? std::to_string(*key) : std::string();
+  });
 }
 
 CORVANA_EXPORT(outputSubfolder) bool subfolderForOutput(bool isAIFF) {

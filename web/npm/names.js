@@ -1,5 +1,6 @@
 // Names of inputs and outputs, and the lines of the log: the rules of the command line.
 
+import { octaveOf } from "./options.js";
 import { anyEngine } from "./sampled_file.js";
 
 /** @typedef {import("./records.js").OutputFormat} OutputFormat */
@@ -32,10 +33,10 @@ export function isPackageName(/** @type {string} */ name) {
  * @param {{ middleC?: number }} [options] octave of note 60, 4
  */
 export function rootKeyInName(name, { middleC = 4 } = {}) {
+  const octave = octaveOf(middleC);
   const engine = anyEngine();
-  engine.putText(name);
-  const key = engine.exports.rootKeyInName(middleC);
-  return key < 0 ? undefined : key;
+  const key = engine.answer(() => engine.exports.rootKeyInName(octave), name);
+  return key === "" ? undefined : Number(key);
 }
 
 /** The subfolder for outputs of a format: "AIFF" or "WAV". */

@@ -1,15 +1,15 @@
 // What a conversion does beyond the ordinary rules.
 
 /**
- * As the command line's options of these names. None counts unless it is given. A value that is
- * none is a TypeError or a RangeError.
+ * As the command line's options of these names. Each is off unless it is given; a wrong value throws
+ * a TypeError or a RangeError.
  * @typedef {object} ConversionOptions
  * @property {boolean} [anyEncoding] floating point, A-law and µ-law are converted as they are, into
  *   AIFF-C or WAV; RIFX is read as well
  * @property {"all" | "first" | "none"} [loops] that the output gets: all that it can hold; the first
  *   one that can be used; none
  * @property {number} [rootKey] MIDI note, 0 to 127, for a file without a key: neither smpl nor inst
- *   chunk, no INST chunk. `rootKeyInName` finds it in a name
+ *   chunk, no INST chunk. `rootKeyInName` finds it in a name; the warning `root-from-name` says so
  * @property {boolean} [reversible] the output carries what it takes to make the file again, to the
  *   last byte; a file that does so is made again, unless it has been edited since
  * @property {readonly ("names" | "texts")[]} [keep] the names of markers, cue points and loops, with
@@ -40,6 +40,13 @@ function bitOf(option, choice, choices) {
   if (bit !== undefined) return bit;
   const names = [...choices.keys()].map((name) => `"${name}"`).join(", ");
   throw new RangeError(`${option} knows ${names}, but not "${String(choice)}".`);
+}
+
+/** The same, an octave. @param {number} middleC */
+export function octaveOf(middleC) {
+  if (typeof middleC !== "number") throw new TypeError("middleC is a number.");
+  if (Number.isInteger(middleC) && Math.abs(middleC) <= 10) return middleC;
+  throw new RangeError(`middleC is an octave, -10 to 10, and not ${middleC}.`);
 }
 
 /** The same, or -1 for none. @param {number | undefined} note */

@@ -142,7 +142,7 @@ export interface FileInfo {
   }[];
   /** What a conversion would say. */
   conversion:
-    | Pick<Conversion, "direction" | "summary" | "warnings" | "leftOut">
+    | Pick<Conversion, "direction" | "summary" | "warnings" | "leftOut" | "restored">
     | { error: { code: string; values: (number | string)[]; text: string } };
 }
 

@@ -2,7 +2,7 @@
 
 import { ConversionError, Engine, outOfMemory } from "./engine.js";
 import { english } from "./language.js";
-import { numbersOf } from "./options.js";
+import { numbersOf, octaveOf } from "./options.js";
 
 /** @typedef {import("./language.js").Language} Language */
 /** @typedef {import("./options.js").ConversionOptions} ConversionOptions */
@@ -73,9 +73,9 @@ export class SampledFile {
    * @returns {FileInfo}
    */
   info({ language, middleC = 4, ...options } = {}) {
-    const asked = numbersOf(options);
+    const numbers = /** @type {const} */ ([octaveOf(middleC), ...numbersOf(options)]);
     const engine = this.#open(language);
-    return JSON.parse(engine.answer(() => engine.exports.info(middleC, ...asked)));
+    return JSON.parse(engine.answer(() => engine.exports.info(...numbers)));
   }
 
   /**
