@@ -310,11 +310,23 @@ test("what is not written can be tried again; what is left out is said", async (
   const page = await visit({}, (page) =>
     page.addInitScript(() => {
       Object.assign(window, { showDirectoryPicker: () => navigator.storage.getDirectory() });
+      // One text for screen readers replaces another within moments.
+      addEventListener("DOMContentLoaded", () => {
+        const announcer = /** @type {HTMLElement} */ (document.getElementById("announcer"));
+        const said = [""];
+        const note = () => said.push(announcer.textContent ?? "");
+        new MutationObserver(note).observe(announcer, { childList: true });
+        Object.assign(window, {
+          isSaid: (/** @type {string} */ text) => said.join().includes(text),
+        });
+      });
     }),
   );
+  const said = (/** @type {string} */ text) =>
+    page.waitForFunction((text) => /** @type {any} */ (window).isSaid(text), text);
   const status = page.getByRole("region", { name: "Progress" }).getByRole("paragraph").first();
   await drop(page, [path.join(folder, "page.txt"), path.join(examples, "Bass/Round Bass A1.wav")]);
-  await page.getByRole("status").getByText("1 file left out").waitFor({ state: "attached" });
+  await said("1 file left out");
   await rows(page, 2);
   await drop(page, [empty]);
   await status.getByText("No WAV or AIFF files found.").waitFor();
@@ -324,7 +336,7 @@ test("what is not written can be tried again; what is left out is said", async (
   });
   await page.getByRole("checkbox", { name: "subfolder" }).check();
   await button(page, "Write into Folder…").click();
-  await page.getByRole("status").getByText("1 file could not be written.").waitFor();
+  await said("1 file could not be written.");
   await page.evaluate(async () => (await navigator.storage.getDirectory()).removeEntry("AIFF"));
   await button(page, "Try Again: Round Bass A1.wav").press("Enter");
   await page.getByText("Done – 1 file written.").first().waitFor();
