@@ -6,6 +6,7 @@
 #include "aiff/aiff_reader.hpp"
 #include "convert/map_aiff_to_wav.hpp"
 #include "convert/map_wav_to_aiff.hpp"
+#include "convert/summary_key.hpp"
 #include "vocabulary/chunks.hpp"
 #include "wav/wav_reader.hpp"
 #include "wav/wav_texts.hpp"
@@ -51,10 +52,7 @@ std::optional<Summary> summaryOfWav(const Capsule& capsule) {
                   .cuePointCount = static_cast<std::int64_t>(info.cuePoints.size()),
                   .encoding = info.encoding};
   Warnings ignored;
-  if (const auto instrument = mapWavMetadata(info, capsule.frameCount, {}, ignored).instrument) {
-    summary.rootKey = instrument->baseNote;
-    summary.fineTune = instrument->detune;
-  }
+  setKey(summary, mapWavMetadata(info, capsule.frameCount, {}, ignored).instrument);
   return summary;
 }
 
@@ -73,10 +71,7 @@ std::optional<Summary> summaryOfAiff(const Capsule& capsule) {
                   .loopCount = static_cast<std::int64_t>(metadata.loops.size()),
                   .markerCount = static_cast<std::int64_t>(info.markers.size()),
                   .encoding = info.encoding};
-  if (metadata.instrument) {
-    summary.rootKey = metadata.instrument->unshiftedNote;
-    summary.fineTune = metadata.instrument->fineTune;
-  }
+  setKey(summary, metadata.instrument);
   return summary;
 }
 

@@ -9,6 +9,7 @@
 #include "convert/map_aiff_to_wav.hpp"
 #include "convert/map_texts.hpp"
 #include "convert/reversible.hpp"
+#include "convert/summary_key.hpp"
 #include "vocabulary/errors.hpp"
 
 namespace corvana {
@@ -40,10 +41,7 @@ Summary summarise(const WavContent& content) {
                   .loopCount = static_cast<std::int64_t>(metadata.loops.size()),
                   .cuePointCount = static_cast<std::int64_t>(metadata.cuePoints.size()),
                   .encoding = content.encoding};
-  if (metadata.instrument) {
-    summary.rootKey = metadata.instrument->unshiftedNote;
-    summary.fineTune = metadata.instrument->fineTune;
-  }
+  setKey(summary, metadata.instrument);
   return summary;
 }
 

@@ -7,6 +7,7 @@
 #include "convert/map_texts.hpp"
 #include "convert/map_wav_to_aiff.hpp"
 #include "convert/reversible.hpp"
+#include "convert/summary_key.hpp"
 #include "vocabulary/errors.hpp"
 #include "wav/wav_reader.hpp"
 
@@ -40,10 +41,7 @@ Summary summarise(const AiffContent& content, std::size_t loopCount) {
                   .loopCount = static_cast<std::int64_t>(loopCount),
                   .markerCount = static_cast<std::int64_t>(content.markers.size()),
                   .encoding = content.encoding};
-  if (content.instrument) {
-    summary.rootKey = content.instrument->baseNote;
-    summary.fineTune = content.instrument->detune;
-  }
+  setKey(summary, content.instrument);
   return summary;
 }
 

@@ -57,16 +57,13 @@ class PromisedNames {
  public:
   PromisedNames(const WavInfo& wav, ByteView input, PromisedAiff& aiff) : wav_(wav), aiff_(aiff) {
     const WavTextViews texts = findWavTexts(input);
-    const auto isThere = [](const CueTextView& view) {
-      return !view.text.empty() && view.text[0] != 0;
-    };
     // Of labels the last one counts, of stretches the first, and only without a label.
     for (auto view = texts.stretches.rbegin(); view != texts.stretches.rend(); ++view)
-      if (isThere(*view)) labels_[view->cueID] = promisedMarkerName(decodeWavText(view->text));
+      if (isThere(view->text)) labels_[view->cueID] = promisedMarkerName(decodeWavText(view->text));
     for (const CueTextView& view : texts.labels)
-      if (isThere(view)) labels_[view.cueID] = promisedMarkerName(decodeWavText(view.text));
+      if (isThere(view.text)) labels_[view.cueID] = promisedMarkerName(decodeWavText(view.text));
     for (const CueTextView& view : texts.notes)
-      if (isThere(view)) notes_[view.cueID].push_back(view.text);
+      if (isThere(view.text)) notes_[view.cueID].push_back(view.text);
     for (const CuePoint point : wav.cuePoints)
       if (labels_.contains(point.id) || notes_.contains(point.id))
         firstPositions_.try_emplace(point.id, point.position);

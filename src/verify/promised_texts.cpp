@@ -117,10 +117,6 @@ ByteBuffer wavBytes(const std::string& text) {
   return bytes;
 }
 
-bool isThere(ByteView text) {
-  return !text.empty() && text[0] != 0;
-}
-
 void appendInner(ByteBuffer& list, std::string_view id, const ByteBuffer& body) {
   list.insert(list.end(), id.begin(), id.end());
   appendInteger(list, static_cast<std::uint32_t>(body.size()), ByteOrder::little);

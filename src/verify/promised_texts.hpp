@@ -34,6 +34,11 @@ class PromisedRoom {
   std::uint64_t used_ = 0;
 };
 
+/// Whether anything stands ahead of the first zero.
+inline bool isThere(ByteView text) {
+  return !text.empty() && text[0] != 0;
+}
+
 /// What a marker of AIFF can be called: at most 255 characters, "?" for those that it lacks.
 std::string promisedMarkerName(const std::string& text);
 
